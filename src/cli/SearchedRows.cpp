@@ -43,7 +43,8 @@ SearchTraces::SearchTraces(Session &session, const std::filesystem::path &projec
                            std::optional<std::string> keptAs)
     : m_session(session), m_keptAs(std::move(keptAs)) {
     if (!m_keptAs) {
-        m_isNoted = session.openForNote(project);
+        session.openForReading(project);
+        m_isNoted = session.mayNote(project);
         return;
     }
     session.open(project);

@@ -13,6 +13,18 @@
 
 namespace nv::cli {
 
+namespace {
+
+constexpr std::string_view kNoNote =
+    "the project can't be written: its trail has no note of this\n";
+
+bool isWritable(const std::filesystem::path &project) {
+    const auto folder = std::filesystem::absolute(project).parent_path();
+    return ::access(project.c_str(), W_OK) == 0 && ::access(folder.c_str(), W_OK) == 0;
+}
+
+} // namespace
+
 Answer StreamExaminer::ask(const Message &message) {
     m_err << (message.title.empty() ? "" : message.title + ": ")
           << printable(replaceAll(message.text, "\n", " ")) << '\n';
@@ -47,11 +59,8 @@ void Session::open(const std::filesystem::path &project, Access access, Holding 
 }
 
 bool Session::openForNote(const std::filesystem::path &project) {
-    const auto folder = std::filesystem::absolute(project).parent_path();
-    const bool writable =
-        ::access(project.c_str(), W_OK) == 0 && ::access(folder.c_str(), W_OK) == 0;
     std::optional<std::string> why;
-    if (writable) { // a full disk shows only when something is written
+    if (isWritable(project)) { // a full disk shows only when something is written
         why = failureOf(program.log, "DatabaseClass.OpenDB()",
                         [&] { open(project, Access::write, Holding::no); });
         if (!why)
@@ -60,8 +69,15 @@ bool Session::openForNote(const std::filesystem::path &project) {
     open(project, Access::read, Holding::no);
     if (why)
         err << printable(*why) << '\n';
-    err << "the project can't be written: its trail has no note of this\n";
+    err << kNoNote;
     return false;
+}
+
+bool Session::mayNote(const std::filesystem::path &project) {
+    const bool may = isWritable(project);
+    if (!may)
+        err << kNoNote;
+    return may;
 }
 
 void Session::flushOutput() {

@@ -51,6 +51,8 @@ class Session {
     /// For commands whose only trace in the project is a note in its trail: on a medium that can't
     /// be written, or is full, they work all the same, and tell that there is no note. False then.
     bool openForNote(const std::filesystem::path &project);
+    /// The project and its folder may be written; says so when they may not.
+    bool mayNote(const std::filesystem::path &project);
     /// Throws StorageFailure when not everything that was printed has arrived.
     void flushOutput();
     /// A folder of this run's own below the Temp folder, removed at its end.

@@ -28,6 +28,7 @@ int flagsOf(Access access) {
     case Access::create:
         return SQLite::OPEN_READWRITE | SQLite::OPEN_CREATE | SQLite::OPEN_NOMUTEX;
     case Access::write:
+    case Access::note:
         return SQLite::OPEN_READWRITE | SQLite::OPEN_NOMUTEX;
     case Access::read:
         break;
@@ -70,12 +71,16 @@ void protect(SQLite::Database &database, Access access) {
     registerFunctions(database);
 }
 
+void requireWriting(SQLite::Database &database, const fs::path &file) {
+    if (sqlite3_db_readonly(database.getHandle(), "main") != 0)
+        refuse(file, "the file can't be written");
+}
+
 /// 64 MB of cache, and as much of the log before it is brought into the file: an import writes the
 /// same pages of the indexes again and again. WAL lets readers in while an import writes, and with
 /// NORMAL a crash of the program loses nothing that was committed.
 void prepareWriting(SQLite::Database &database, const fs::path &file) {
-    if (sqlite3_db_readonly(database.getHandle(), "main") != 0)
-        refuse(file, "the file can't be written");
+    requireWriting(database, file);
     if (database.tryExec("PRAGMA journal_mode=WAL") != SQLite::OK)
         refuse(file, fmt::format("on the disk \"{}\": it or its folder can't be written: {}",
                                  textOf(diskOf(file)), database.getErrorMsg()));
@@ -116,7 +121,7 @@ std::unique_ptr<SQLite::Database> connect(const fs::path &file, Access access) {
             database->exec(fmt::format(
                 "PRAGMA page_size=8192; PRAGMA application_id={}; PRAGMA user_version={}",
                 kApplicationId, kLayoutVersion));
-        if (access != Access::read)
+        if (access == Access::create || access == Access::write)
             prepareWriting(*database, file);
         return database;
     });
@@ -131,6 +136,8 @@ std::unique_ptr<SQLite::Database> connectToProject(const fs::path &file, Access 
             refuse(file, "this is no project: it has no table URLs");
         if (access == Access::write)
             prepareWriting(*database, file);
+        else if (access == Access::note)
+            requireWriting(*database, file);
         return database;
     });
 }

@@ -12,6 +12,7 @@ namespace nv {
 enum class Access {
     create, ///< a new file; one that is there already is not touched
     write,
+    note, ///< for a few short entries: the file keeps the form that it has, which `write` changes
     read,
 };
 

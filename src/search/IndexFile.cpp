@@ -24,7 +24,6 @@ constexpr std::uint64_t kIdAt = 68;
 constexpr std::uint32_t kApplicationId = 0x4E565331; // "NVS1"
 /// Another number makes each index anew: count it up when what is indexed changes.
 constexpr std::uint32_t kForm = 1;
-constexpr int kBusyTimeout = 10'000; // milliseconds
 constexpr int kHashBytes = 32 << 20;
 
 /// Values are cut into runs of three letters, so that any part is found; texts into words. No text
@@ -44,9 +43,10 @@ constexpr const char *kTables =
 constexpr int kCacheOfReaders = 8 << 10; // KB
 constexpr int kCacheOfMakers = 64 << 10;
 
-std::unique_ptr<SQLite::Database> connected(const fs::path &file, int flags, int cache) {
+std::unique_ptr<SQLite::Database> connected(const fs::path &file, int flags, int cache,
+                                            int patience) {
     auto database = std::make_unique<SQLite::Database>(fs::absolute(file).string(),
-                                                       flags | SQLite::OPEN_NOMUTEX, kBusyTimeout);
+                                                       flags | SQLite::OPEN_NOMUTEX, patience);
     sqlite3 *handle = database->getHandle();
     sqlite3_db_config(handle, SQLITE_DBCONFIG_ENABLE_TRIGGER, 0, nullptr);
     sqlite3_db_config(handle, SQLITE_DBCONFIG_ENABLE_VIEW, 0, nullptr);
@@ -101,7 +101,8 @@ Look look(const fs::path &file) {
 }
 
 std::unique_ptr<SQLite::Database> make(const fs::path &file) {
-    auto database = connected(file, SQLite::OPEN_READWRITE | SQLite::OPEN_CREATE, kCacheOfMakers);
+    auto database = connected(file, SQLite::OPEN_READWRITE | SQLite::OPEN_CREATE, kCacheOfMakers,
+                              kUsualPatience);
     database->exec(fmt::format("PRAGMA page_size=8192; PRAGMA journal_mode=OFF; "
                                "PRAGMA synchronous=OFF; PRAGMA application_id={}; "
                                "PRAGMA user_version={}",
@@ -113,9 +114,9 @@ std::unique_ptr<SQLite::Database> make(const fs::path &file) {
     return database;
 }
 
-std::unique_ptr<SQLite::Database> open(const fs::path &file, bool forWriting) {
+std::unique_ptr<SQLite::Database> open(const fs::path &file, bool forWriting, int patience) {
     auto database = connected(file, forWriting ? SQLite::OPEN_READWRITE : SQLite::OPEN_READONLY,
-                              kCacheOfReaders);
+                              kCacheOfReaders, patience);
     sqlite3_db_config(database->getHandle(), SQLITE_DBCONFIG_DEFENSIVE, 1, nullptr);
     const bool reads = database->tryExec("SELECT count(*) FROM sqlite_master") == SQLite::OK;
     return reads ? std::move(database) : std::unique_ptr<SQLite::Database>();

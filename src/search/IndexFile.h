@@ -29,8 +29,14 @@ Look look(const std::filesystem::path &file);
 
 /// An index of no rows, whose writing isn't safe against a crash: it is made under another name.
 std::unique_ptr<SQLite::Database> make(const std::filesystem::path &file);
-/// One that is there. Null when it can't be opened as a database.
-std::unique_ptr<SQLite::Database> open(const std::filesystem::path &file, bool forWriting);
+constexpr int kUsualPatience = 10'000; // milliseconds
+/// One that is there. Null when it can't be opened as a database. `patience`, in milliseconds, is
+/// how long it waits for others who write it.
+std::unique_ptr<SQLite::Database> open(const std::filesystem::path &file, bool forWriting,
+                                       int patience = kUsualPatience);
+
+/// The fact by which an index holds: stampOf() the project that it was made of.
+inline constexpr const char *kStamp = "stamp";
 
 /// What the index knows of itself; empty for what it doesn't.
 std::string fact(SQLite::Database &index, const std::string &name);

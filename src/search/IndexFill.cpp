@@ -2,6 +2,7 @@
 
 #include "base/Text.h"
 #include "search/IndexFile.h"
+#include "search/StillWanted.h"
 
 #include <SQLiteCpp/Database.h>
 #include <fmt/format.h>
@@ -46,20 +47,22 @@ IndexFill::IndexFill(SQLite::Database &project, SQLite::Database &index, bool pa
       m_parts(nv::partsOf(index, parts)),
       m_row(index, "INSERT OR REPLACE INTO Rows VALUES (?, ?, ?, ?, ?, ?, ?)"),
       m_bury(index, "INSERT OR IGNORE INTO Dead VALUES (?)"),
-      m_remove(index, "DELETE FROM Rows WHERE URL_ID = ?") {
-    load();
-}
+      m_remove(index, "DELETE FROM Rows WHERE URL_ID = ?") {}
 
-void IndexFill::load() {
+bool IndexFill::load(TaskMonitor &task) {
+    StillWanted wanted(task);
     const std::string round = index_file::fact(m_index, "round");
     std::from_chars(round.data(), round.data() + round.size(), m_round);
     SQLite::Statement rows(m_index, "SELECT URL_ID, Round, Print FROM Rows ORDER BY URL_ID");
-    while (rows.executeStep())
+    while (wanted.goesOn() && rows.executeStep())
         m_known.push_back({rows.getColumn(0).getInt(), rows.getColumn(1).getInt(),
                            std::bit_cast<std::uint64_t>(rows.getColumn(2).getInt64())});
+    return !wanted.isOver();
 }
 
 bool IndexFill::run(TaskMonitor &task) {
+    if (!load(task))
+        return false;
     // Numbers of a pass that was cut short are never given again.
     index_file::setFact(m_index, "round", std::to_string(m_round + 1));
     bool goesOn = true;

@@ -37,7 +37,7 @@ class IndexFill {
         std::uint64_t print = 0;
     };
 
-    void load();
+    bool load(TaskMonitor &task);
     void passOver(std::int32_t before);
     void look(const SearchedRow &row);
     void bury(const Known &known);

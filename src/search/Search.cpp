@@ -81,7 +81,7 @@ struct Told {
     std::vector<std::size_t> left; ///< conditions that it can't tell of
 };
 
-Told askIndex(SearchIndex &index, const RowMatch &match, std::size_t most) {
+Told askIndex(SearchIndex &index, const RowMatch &match, StillWanted &wanted, std::size_t most) {
     const SearchQuery &query = match.query();
     Told told;
     FoundIds taken;
@@ -91,9 +91,11 @@ Told askIndex(SearchIndex &index, const RowMatch &match, std::size_t most) {
         const bool isMark = isOfMark(clause.kind);
         if (!isOfText(clause) && !isMark)
             continue;
-        auto ids =
-            isMark ? std::optional(match.marked(at))
-                   : index.rowsWith(clause, match.scope(), query.clauses.size() == 1 ? most : 0);
+        auto ids = isMark ? std::optional(match.marked(at))
+                          : index.rowsWith(clause, match.scope(), wanted,
+                                           query.clauses.size() == 1 ? most : 0);
+        if (wanted.isOver())
+            return told;
         areAllThere = areAllThere && !isMark;
         if (!ids)
             told.left.push_back(at);
@@ -106,7 +108,7 @@ Told askIndex(SearchIndex &index, const RowMatch &match, std::size_t most) {
     if (!told.ids || !facts.empty() || !areAllThere) {
         FoundIds ids;
         std::size_t at = 0; // both go by ascending ids
-        index.eachRow([&](const RowFacts &row) {
+        index.eachRow(wanted, [&](const RowFacts &row) {
             while (told.ids && at < told.ids->size() && told.ids->at(at) < row.id)
                 ++at;
             const bool isIn = !told.ids || (at < told.ids->size() && told.ids->at(at) == row.id);
@@ -187,7 +189,9 @@ SearchFound findOnce(SQLite::Database &project, SearchIndex &index, RowMatch &ma
     if (!found.isCancelled) {
         SubTask looking(task, kIndexed, 1);
         found = findIndexed(project, index, match, looking, most);
-        found.counts = countFound(index, found.ids);
+        StillWanted wanted(looking);
+        found.counts = countFound(index, found.ids, wanted);
+        found.isCancelled = found.isCancelled || wanted.isOver();
     }
     found.index = std::move(news);
     return found;
@@ -206,7 +210,11 @@ SearchFound findIndexed(SQLite::Database &project, SearchIndex &index, RowMatch 
     takeMarks(project, match);
     found.unread = index.unread();
     found.outside = index.outside();
-    Told told = askIndex(index, match, most);
+    StillWanted wanted(task);
+    Told told = askIndex(index, match, wanted, most);
+    found.isCancelled = wanted.isOver();
+    if (found.isCancelled)
+        return found;
     if (told.left.empty())
         found.ids = std::move(*told.ids);
     else
@@ -216,10 +224,10 @@ SearchFound findIndexed(SQLite::Database &project, SearchIndex &index, RowMatch 
     return found;
 }
 
-FoundCounts countFound(SearchIndex &index, const FoundIds &ids) {
+FoundCounts countFound(SearchIndex &index, const FoundIds &ids, StillWanted &wanted) {
     Counts kinds;
     Counts hosts;
-    index.eachRowOf(ids, [&](const RowFacts &row) {
+    index.eachRowOf(ids, wanted, [&](const RowFacts &row) {
         count(kinds, row.cacheType);
         count(hosts, row.host);
     });

@@ -4,6 +4,7 @@
 #include "search/FoundIds.h"
 #include "search/RowMatch.h"
 #include "search/SearchIndex.h"
+#include "search/StillWanted.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -46,8 +47,8 @@ SearchFound findRows(SQLite::Database &project, SearchIndex &index, RowMatch &ma
 /// says.
 SearchFound findIndexed(SQLite::Database &project, SearchIndex &index, RowMatch &match,
                         TaskMonitor &task, std::size_t most = 0);
-/// Throws what the database says.
-FoundCounts countFound(SearchIndex &index, const FoundIds &ids);
+/// Of a part of them when they are no longer wanted at its end. Throws what the database says.
+FoundCounts countFound(SearchIndex &index, const FoundIds &ids, StillWanted &wanted);
 /// The search looks for parts of words in pages and headers, for which the index has a table of its
 /// own.
 bool needsParts(const RowMatch &match);

@@ -6,6 +6,7 @@
 #include "db/SqliteErrors.h"
 #include "search/IndexFile.h"
 #include "search/IndexFill.h"
+#include "search/IndexMatch.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>
 #include <fmt/format.h>
@@ -26,33 +27,8 @@ namespace fs = std::filesystem;
 namespace {
 
 /// What the index knows of itself.
-constexpr const char *kStamp = "stamp";
 constexpr const char *kParts = "parts"; ///< "whole" when its table is filled
 constexpr const char *kRows = "rows";   ///< "whole" once all rows were indexed
-
-/// Shorter texts have no run of three letters.
-constexpr std::size_t kLeastLetters = 3;
-
-std::string matchOf(std::string_view text) {
-    std::string match = "\"";
-    for (const char c : text)
-        match.append(c == '"' ? 2 : 1, c);
-    return match + '"';
-}
-
-std::string joined(const std::vector<std::string> &words) {
-    std::string text;
-    for (const std::string &word : words)
-        text += (text.empty() ? "" : " ") + word;
-    return text;
-}
-
-std::size_t lettersOf(std::string_view text) {
-    constexpr unsigned kContinues = 0x80;
-    constexpr unsigned kTop = 0xC0;
-    return static_cast<std::size_t>(std::ranges::count_if(
-        text, [](char c) { return (static_cast<unsigned char>(c) & kTop) != kContinues; }));
-}
 
 std::unordered_set<std::int64_t> deadOf(SQLite::Database &index) {
     std::unordered_set<std::int64_t> dead;
@@ -160,7 +136,7 @@ bool SearchIndex::openWhole(const std::string &stamp, bool parts) {
     const bool isPassed = m_passesBeside && m_file == m_place.beside;
     if (!m_index && !isPassed && index_file::look(m_file) == index_file::Look::ours)
         m_index = index_file::open(m_file, false);
-    return m_index && index_file::fact(*m_index, kStamp) == stamp &&
+    return m_index && index_file::fact(*m_index, index_file::kStamp) == stamp &&
            (!parts || index_file::fact(*m_index, kParts) == "whole");
 }
 
@@ -237,7 +213,7 @@ IndexEnd SearchIndex::update(TaskMonitor &task, IndexNews &news, bool parts) {
         }
     }
     if (end == IndexEnd::ready)
-        index_file::setFact(*m_index, kStamp, stamp);
+        index_file::setFact(*m_index, index_file::kStamp, stamp);
     return end;
 }
 
@@ -271,7 +247,7 @@ IndexEnd SearchIndex::fill(SQLite::Database &index, TaskMonitor &task, IndexNews
         const std::string known = index_file::fact(index, kParts);
         const bool fillsParts = parts && known != "whole";
         SQLite::Transaction transaction(index, SQLite::TransactionBehavior::IMMEDIATE);
-        index_file::setFact(index, kStamp, {});
+        index_file::setFact(index, index_file::kStamp, {});
         if (fillsParts)
             index.exec("DROP TABLE IF EXISTS Parts; CREATE VIRTUAL TABLE Parts USING fts5(Page, "
                        "Headers, content='', columnsize=0, tokenize='trigram')");
@@ -289,12 +265,15 @@ IndexEnd SearchIndex::fill(SQLite::Database &index, TaskMonitor &task, IndexNews
     });
 }
 
-FoundIds SearchIndex::docsOf(const char *table, const std::string &match, std::size_t most) {
+FoundIds SearchIndex::docsOf(const char *table, const std::string &match, StillWanted &wanted,
+                             std::size_t most, std::int64_t last) {
     const auto dead = deadOf(*m_index);
-    SQLite::Statement rows(*m_index, fmt::format("SELECT rowid FROM {0} WHERE {0} MATCH ?", table));
+    SQLite::Statement rows(
+        *m_index, fmt::format("SELECT rowid FROM {0} WHERE {0} MATCH ? AND rowid <= ?", table));
     rows.bind(1, match);
+    rows.bind(2, last);
     FoundIds ids;
-    while ((most == 0 || ids.size() < most) && rows.executeStep()) {
+    while ((most == 0 || ids.size() < most) && wanted.goesOn() && rows.executeStep()) {
         const std::int64_t doc = rows.getColumn(0).getInt64();
         if (dead.empty() || !dead.contains(doc))
             ids.push_back(rowOfDoc(doc));
@@ -306,35 +285,56 @@ FoundIds SearchIndex::docsOf(const char *table, const std::string &match, std::s
 }
 
 std::optional<FoundIds> SearchIndex::rowsWith(const SearchClause &clause, SearchScope scope,
-                                              std::size_t most) {
-    if (clause.kind != ClauseKind::text || lettersOf(clause.text) < kLeastLetters)
+                                              StillWanted &wanted, std::size_t most) {
+    if (!isTold(clause))
         return std::nullopt;
-    FoundIds ids = docsOf("Brief", matchOf(clause.text), most);
+    FoundIds ids = docsOf("Brief", runMatchOf(clause), wanted, most);
     if (scope == SearchScope::values)
         return ids;
     FoundIds inTexts;
     if (clause.anyPart)
-        inTexts = docsOf("Parts", matchOf(clause.text), most);
-    else if (const auto words = wordsOf(clause.text); !words.empty())
-        inTexts = docsOf("Words", matchOf(joined(words)) + (clause.anyEnd ? " *" : ""), most);
+        inTexts = docsOf("Parts", runMatchOf(clause), wanted, most);
+    else if (const std::string match = wordMatchOf(clause); !match.empty())
+        inTexts = docsOf("Words", match, wanted, most);
     if (inTexts.empty())
         return ids;
     return eitherOf(ids, inTexts);
 }
 
-void SearchIndex::eachRow(const std::function<void(const RowFacts &)> &show) {
+FoundIds SearchIndex::someWithAll(const std::vector<SearchClause> &clauses, SearchScope scope,
+                                  StillWanted &wanted, std::size_t most) {
+    constexpr std::int64_t kFirstRows = 200'000; // of the pass that made the index
+    std::string inValues;
+    std::string inTexts;
+    bool areWords = scope == SearchScope::all;
+    for (const SearchClause &clause : clauses) {
+        if (!isTold(clause) || clause.isExcluded)
+            return {};
+        const std::string word = wordMatchOf(clause);
+        areWords = areWords && !clause.anyPart && !word.empty();
+        inValues += (inValues.empty() ? "" : " AND ") + runMatchOf(clause);
+        inTexts += (inTexts.empty() ? "" : " AND ") + word;
+    }
+    FoundIds ids = docsOf("Brief", inValues, wanted, most, kFirstRows);
+    if (areWords)
+        ids = eitherOf(ids, docsOf("Words", inTexts, wanted, most, kFirstRows));
+    ids.resize(std::min(ids.size(), most));
+    return ids;
+}
+
+void SearchIndex::eachRow(StillWanted &wanted, const std::function<void(const RowFacts &)> &show) {
     SQLite::Statement rows(*m_index, std::string(kRowFacts) + " ORDER BY URL_ID");
-    while (rows.executeStep())
+    while (wanted.goesOn() && rows.executeStep())
         showFacts(rows, show);
 }
 
-void SearchIndex::eachRowOf(const FoundIds &ids,
+void SearchIndex::eachRowOf(const FoundIds &ids, StillWanted &wanted,
                             const std::function<void(const RowFacts &)> &show) {
     // Going to a row costs as much as reading some tens of them in their order.
     constexpr std::size_t kMany = 20'000;
     if (ids.size() > kMany) {
         auto next = ids.begin(); // both go by ascending ids
-        return eachRow([&](const RowFacts &row) {
+        return eachRow(wanted, [&](const RowFacts &row) {
             while (next != ids.end() && *next < row.id)
                 ++next;
             if (next != ids.end() && *next == row.id)
@@ -343,6 +343,8 @@ void SearchIndex::eachRowOf(const FoundIds &ids,
     }
     SQLite::Statement rows(*m_index, std::string(kRowFacts) + " WHERE URL_ID = ?");
     for (const std::int32_t id : ids) {
+        if (!wanted.goesOn())
+            break;
         rows.bind(1, id);
         if (rows.executeStep())
             showFacts(rows, show);

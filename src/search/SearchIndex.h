@@ -6,6 +6,7 @@
 #include "search/FoundIds.h"
 #include "search/RowMatch.h"
 #include "search/SearchQuery.h"
+#include "search/StillWanted.h"
 
 #include <SQLiteCpp/Database.h>
 
@@ -13,12 +14,14 @@
 #include <cstdint>
 #include <filesystem>
 #include <functional>
+#include <limits>
 #include <memory>
 #include <optional>
 #include <set>
 #include <string>
 #include <string_view>
 #include <utility>
+#include <vector>
 
 namespace nv {
 
@@ -75,16 +78,23 @@ class SearchIndex {
     /// Nothing has changed in the project since the index that is open was brought up to date.
     bool isUpToDate();
 
-    // All of the following need an index that is open; they throw what the database says.
+    // All of the following need an index that is open; they throw what the database says. What
+    // they give or show is a part when it is no longer wanted at their end.
 
     /// The rows that meet a condition of text; nothing when the index can't tell, as of one or two
     /// letters or of an expression. With a `most` it stops when it has so many.
     std::optional<FoundIds> rowsWith(const SearchClause &clause, SearchScope scope,
-                                     std::size_t most = 0);
+                                     StillWanted &wanted, std::size_t most = 0);
+    /// Some of the rows that meet all of these conditions of text, soon and at most so many: of the
+    /// first rows alone, and those that meet all in their values or all in their texts. None where
+    /// looking everywhere is the only way.
+    FoundIds someWithAll(const std::vector<SearchClause> &clauses, SearchScope scope,
+                         StillWanted &wanted, std::size_t most);
     /// Shows all rows, in the order of their ids.
-    void eachRow(const std::function<void(const RowFacts &)> &show);
+    void eachRow(StillWanted &wanted, const std::function<void(const RowFacts &)> &show);
     /// Shows these rows, as far as the index has them.
-    void eachRowOf(const FoundIds &ids, const std::function<void(const RowFacts &)> &show);
+    void eachRowOf(const FoundIds &ids, StillWanted &wanted,
+                   const std::function<void(const RowFacts &)> &show);
     /// Rows of the project that couldn't be read, or not whole.
     std::set<std::int32_t> unread();
     /// How many rows of other programs have ids that no list can hold.
@@ -112,7 +122,9 @@ class SearchIndex {
     IndexEnd makeAnew(TaskMonitor &task, IndexNews &news, bool parts);
     IndexEnd fill(SQLite::Database &index, TaskMonitor &task, IndexNews &news, bool parts);
     void setForeignAside();
-    FoundIds docsOf(const char *table, const std::string &match, std::size_t most);
+    /// Of numbers up to `last`.
+    FoundIds docsOf(const char *table, const std::string &match, StillWanted &wanted,
+                    std::size_t most, std::int64_t last = std::numeric_limits<std::int64_t>::max());
 
     SQLite::Database &m_project;
     IndexPlace m_place;

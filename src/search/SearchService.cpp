@@ -175,13 +175,27 @@ bool SearchService::find(Order &order) {
             return false;
         if (first.ids.size() == kFirst)
             tellRows(Step::first, std::move(first));
+    } else {
+        StillWanted wanted(watch);
+        auto some = index.unlessItIsDamaged([&] {
+            return index.someWithAll(order.match.query().clauses, order.match.scope(), wanted,
+                                     kFirst);
+        });
+        if (!isWanted(order.number))
+            return false;
+        if (some && some->size() == kFirst) {
+            SearchFound first;
+            first.ids = std::move(*some);
+            tellRows(Step::first, std::move(first));
+        }
     }
     SearchFound rows = found(0);
     if (rows.isCancelled || !isWanted(order.number))
         return false;
     const auto ids = tellRows(Step::rows, std::move(rows));
-    auto counts = index.unlessItIsDamaged([&] { return countFound(index, *ids); });
-    if (counts)
+    StillWanted wanted(watch);
+    auto counts = index.unlessItIsDamaged([&] { return countFound(index, *ids, wanted); });
+    if (counts && !wanted.isOver())
         tell({.number = order.number, .step = Step::counts, .counts = std::move(*counts)});
     return isWanted(order.number);
 }

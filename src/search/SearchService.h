@@ -20,7 +20,7 @@ struct SearchNews {
     enum class Step : std::uint8_t {
         indexing,  ///< the index is made; `fraction` of it is done
         indexed,   ///< it is made
-        first,     ///< the first rows, those of the lowest ids
+        first,     ///< some rows of the lowest ids
         rows,      ///< all rows by the index as it stands
         counts,    ///< `counts` of those rows
         checked,   ///< they are those of the project as it is: nothing more comes

@@ -1,5 +1,6 @@
 #include "base/Text.h"
 #include "cli/CliCase.h"
+#include "search/IndexFile.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>
 #include <gmock/gmock.h>
@@ -130,6 +131,51 @@ TEST_F(SearchCliTest, isNotDeceivedByAnIndexOfAnotherDay) {
     EXPECT_EQ(ids("calais"), "1");
     fs::remove(index());
     EXPECT_EQ(ids("calais"), "1");
+}
+
+TEST_F(SearchCliTest, theNoteOfASearchLeavesTheIndexAsItIs) {
+    EXPECT_EQ(ids("dover"), "1 2");
+    const auto holds = [this] {
+        SQLite::Database made(index().string());
+        return made.execAndGet("SELECT Value FROM Facts WHERE Name = 'stamp'").getString() ==
+               stampOf(project);
+    };
+    EXPECT_TRUE(holds());
+    cli({"keywords", project, folder.write("terms.txt", "dover").string()});
+    EXPECT_TRUE(holds());
+    search("weather");
+    EXPECT_TRUE(holds());
+    EXPECT_EQ(cli({"verify", project}).exit, 0);
+    const std::string trail = cli({"trail", project, "--format", "tsv"}).out;
+    EXPECT_THAT(trail, HasSubstr("2 rows found by \"dover\""));
+    EXPECT_THAT(trail, HasSubstr("1 of 1 term found in 2 of 2 rows"));
+}
+
+/// After a search and its note, whatever it is that changes rows.
+TEST_F(SearchCliTest, changesAfterTheNoteOfASearchAreFound) {
+    const auto change = [this](const std::string &statement) {
+        SQLite::Database(project, SQLite::OPEN_READWRITE).exec(statement);
+    };
+    EXPECT_EQ(ids("dover"), "1 2");
+    change("UPDATE URLs SET WebPageTitle = 'Seagulls' WHERE URL_ID = 1");
+    EXPECT_EQ(ids("seagulls"), "1");
+    ASSERT_EQ(cli({"note", project, "2", "lighthouse"}).exit, 0);
+    EXPECT_EQ(ids("lighthouse"), "2");
+    ASSERT_EQ(cli({"tag", project, "2", "--name", "Pier"}).exit, 0);
+    EXPECT_EQ(ids("tag:pier"), "2");
+    change("INSERT INTO RecordFacts (URL_ID, Name, Value) VALUES (1, 'title', 'breakwater')");
+    EXPECT_EQ(ids("breakwater"), "1");
+    ASSERT_EQ(cli({"upgrade", project, "--fix"}).exit, 0);
+    EXPECT_EQ(ids("breakwater"), "1");
+    IndexDat more;
+    more.folder("ABCDEFGH");
+    const fs::path place = folder.path() / "more";
+    addCached(more, "http://late.example/", "late[1].htm", "<body>quayside</body>", place);
+    writeWhole(place / "index.dat", more.bytes());
+    ASSERT_EQ(cli({"import", project, place.string(), "--kinds", "ie-cache"}).exit, 0);
+    EXPECT_EQ(ids("quayside"), "3");
+    change("DELETE FROM URLs WHERE URL_ID = 3");
+    EXPECT_EQ(ids("quayside"), "");
 }
 
 TEST_F(SearchCliTest, looksForAListOfKeywords) {

@@ -2,15 +2,18 @@
 
 #include "app/jobs/ThumbnailJob.h"
 #include "app/messages/TrailMessages.h"
+#include "app/project/HeldIndex.h"
 #include "base/Digest.h"
 #include "base/Files.h"
 #include "base/Text.h"
 #include "base/Trap.h"
+#include "db/Connection.h"
 #include "db/ReadOnlyConnection.h"
 #include "db/WriteBatch.h"
 #include "import/ImportTrail.h"
 #include "time/ExactZone.h"
 
+#include <SQLiteCpp/Database.h>
 #include <fmt/format.h>
 
 namespace nv {
@@ -24,32 +27,31 @@ void complete(const Program &program, TrailEntry &entry) {
     entry.appVersion = program.state.appVersion;
 }
 
+void add(Program &program, SQLite::Database &project, TrailEntry entry) {
+    complete(program, entry);
+    HeldIndex index(program, project);
+    CaseTrail(project).add(entry);
+    index.keep();
+}
+
 /// What was done is done, but nobody could prove it later.
 void tellWhenMissing(Program &program, const std::optional<std::string> &failure) {
     if (failure)
         program.around.examiner.tell(messages::trailNotWritten(*failure));
 }
 
-} // namespace
-
-void noteInTrail(Program &program, TrailEntry entry) {
-    if (isReadOnly(program.state.projectDB.connection()))
-        return;
+/// Of those that only look, and have the project open for reading: over a connection of its own,
+/// which leaves all but the trail as it is.
+void noteLook(Program &program, TrailEntry entry) {
     tellWhenMissing(program, failureOf(program.log, kProcedure, [&] {
-                        complete(program, entry);
-                        CaseTrail(program.state.projectDB.connection()).add(entry);
+                        const auto project =
+                            connectToProject(program.state.projectDBPath, Access::note);
+                        add(program, *project, std::move(entry));
                     }));
 }
 
-void noteFileInTrail(Program &program, TrailEntry entry, const std::filesystem::path &file) {
-    // Where the program was started is known to nobody later.
-    std::error_code none;
-    const std::filesystem::path whole = std::filesystem::absolute(file, none);
-    noteFileInTrail(program, std::move(entry), file, none ? file : whole);
-}
-
-void noteFileInTrail(Program &program, TrailEntry entry, const std::filesystem::path &file,
-                     const std::filesystem::path &name) {
+void addHashes(Program &program, TrailEntry &entry, const std::filesystem::path &file,
+               const std::filesystem::path &name) {
     logFailureOf(program.log, kProcedure, [&] {
         entry.filePath = textOf(name);
         if (const auto hashes = hashesOfFile(file)) {
@@ -58,6 +60,32 @@ void noteFileInTrail(Program &program, TrailEntry entry, const std::filesystem::
             entry.sha256Hash = hashes->sha256;
         }
     });
+}
+
+/// Where the program was started is known to nobody later.
+std::filesystem::path wholeName(const std::filesystem::path &file) {
+    std::error_code none;
+    const std::filesystem::path whole = std::filesystem::absolute(file, none);
+    return none ? file : whole;
+}
+
+} // namespace
+
+void noteInTrail(Program &program, TrailEntry entry) {
+    if (isReadOnly(program.state.projectDB.connection()))
+        return;
+    tellWhenMissing(program, failureOf(program.log, kProcedure, [&] {
+                        add(program, program.state.projectDB.connection(), std::move(entry));
+                    }));
+}
+
+void noteFileInTrail(Program &program, TrailEntry entry, const std::filesystem::path &file) {
+    noteFileInTrail(program, std::move(entry), file, wholeName(file));
+}
+
+void noteFileInTrail(Program &program, TrailEntry entry, const std::filesystem::path &file,
+                     const std::filesystem::path &name) {
+    addHashes(program, entry, file, name);
     noteInTrail(program, std::move(entry));
 }
 
@@ -132,7 +160,7 @@ void noteSearch(Program &program, const std::string &text, std::int64_t rows) {
     entry.detail =
         fmt::format("{} found by \"{}\"", counted(static_cast<std::uint64_t>(rows), "row"), text);
     entry.rowCount = rows;
-    noteInTrail(program, std::move(entry));
+    noteLook(program, std::move(entry));
 }
 
 void noteKeywords(Program &program, const std::filesystem::path &file, const std::string &found,
@@ -141,7 +169,8 @@ void noteKeywords(Program &program, const std::filesystem::path &file, const std
     entry.action = "Keywords";
     entry.detail = found;
     entry.rowCount = rows;
-    noteFileInTrail(program, std::move(entry), file);
+    addHashes(program, entry, file, wholeName(file));
+    noteLook(program, std::move(entry));
 }
 
 void noteRebuild(Program &program, std::size_t rebuilt, std::size_t asked, TaskEnd end) {

@@ -58,7 +58,8 @@ struct Marking {
 void noteMarking(Program &program, const Marking &marking);
 /// A note that was written, or taken away when `text` is empty: its length and hash, not its words.
 void noteNote(Program &program, UrlId url, const std::string &text);
-/// A search that was asked for as a whole, not each letter of one on its way.
+/// A search that was asked for as a whole, not each letter of one on its way. The project may be
+/// open for reading; it must be one that can be written.
 void noteSearch(Program &program, const std::string &text, std::int64_t rows);
 /// The same of a list of keywords.
 void noteKeywords(Program &program, const std::filesystem::path &file, const std::string &found,

@@ -101,6 +101,31 @@ TEST_F(SearchServiceTest, theFirstRowsComeBeforeAllOfThem) {
     EXPECT_THAT(*rows->ids, SizeIs(300));
 }
 
+TEST_F(SearchServiceTest, theFirstRowsOfSeveralWordsComeBeforeAllOfThemToo) {
+    for (int row = 0; row < 300; ++row)
+        project.add({{"URL", "http://many.example/"},
+                     {"WebPageTitle", row % 100 == 0 ? "Odd" : "Even"},
+                     {"HTMLBody", "ebb and flow"}});
+    SearchService service(project.place(), teller());
+    service.want(order(1, "many even"));
+    const auto first = heard.wait(1, Step::first);
+    ASSERT_TRUE(first);
+    EXPECT_THAT(*first->ids, SizeIs(200));
+    EXPECT_EQ(first->ids->front(), 5) << "row 4 is odd";
+    EXPECT_THAT(*heard.wait(1, Step::rows)->ids, SizeIs(297));
+    service.want(order(2, "ebb flow", SearchScope::all));
+    ASSERT_TRUE(heard.wait(2, Step::first));
+    EXPECT_THAT(*heard.wait(2, Step::rows)->ids, SizeIs(300));
+    // What is told of first is true: where only looking everywhere tells, nothing is.
+    std::uint64_t number = 2;
+    for (const char *text :
+         {"many odd", "many -even", "ma even", "many kind:history", "many flow"}) {
+        service.want(order(++number, text, SearchScope::all));
+        ASSERT_TRUE(heard.wait(number, Step::checked)) << text;
+        EXPECT_EQ(heard.count(number, Step::first), 0U) << text;
+    }
+}
+
 TEST_F(SearchServiceTest, rowsThatHaveChangedAreFoundInTheEnd) {
     SearchService service(project.place(), teller());
     service.want(order(1, "tide"));

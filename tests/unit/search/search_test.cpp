@@ -4,6 +4,8 @@
 #include "search/SearchFailure.h"
 #include "search/SearchedRowReader.h"
 
+#include <numeric>
+
 namespace nv::test {
 namespace {
 
@@ -289,6 +291,41 @@ TEST(Snippet, isCutBetweenLetters) {
     const Snippet huge = snippetOf(std::string(10'000, 'a'), {0, 10'000});
     EXPECT_LT(huge.text.size(), 400u);
     EXPECT_LE(huge.mark.at + huge.mark.length, huge.text.size());
+}
+
+/// A new letter ends what was looked for by those before it, wherever that is.
+TEST_F(SearchTest, loopsOverTheIndexEndWhenNobodyWaitsForThem) {
+    constexpr int kRows = 25'000; // more than are gone to one by one
+    connection().exec(fmt::format("WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n "
+                                  "WHERE i < {}) INSERT INTO URLs (URL, Host) SELECT "
+                                  "'http://many.example/' || i, 'many.example' FROM n",
+                                  kRows));
+    SearchIndex search = index();
+    IndexNews told;
+    ASSERT_EQ(search.bringUpToDate(task, told), IndexEnd::ready);
+    FoundIds all(kRows + 5);
+    std::iota(all.begin(), all.end(), 1);
+    for (const std::size_t rows : {all.size(), std::size_t{15'000}}) {
+        CancelAfter soon(3);
+        StillWanted wanted(soon);
+        std::size_t shown = 0;
+        search.eachRowOf({all.begin(), all.begin() + static_cast<std::ptrdiff_t>(rows)}, wanted,
+                         [&](const RowFacts &) { ++shown; });
+        EXPECT_TRUE(wanted.isOver());
+        EXPECT_EQ(shown, 4 * StillWanted::kTurns - 1) << rows;
+    }
+    for (const char *text : {"many", "many example", "host:many", "-many", "many -example"}) {
+        RowMatch match(parseSearch(text), SearchScope::all);
+        CancelAfter soon(3);
+        const SearchFound part = findIndexed(connection(), search, match, soon);
+        EXPECT_TRUE(part.isCancelled) << text;
+        EXPECT_THAT(part.ids, IsEmpty()) << text << ": of a part nobody can tell what is left out";
+        EXPECT_FALSE(findIndexed(connection(), search, match, task).isCancelled) << text;
+    }
+    connection().exec("UPDATE URLs SET Notes = 'barometer' WHERE URL_ID = 1");
+    CancelAfter soon(3);
+    EXPECT_EQ(search.bringUpToDate(soon, told), IndexEnd::cancelled) << "before it compares";
+    EXPECT_THAT(found("barometer"), ElementsAre(1));
 }
 
 } // namespace
