@@ -1,9 +1,11 @@
+#include "app/project/RecentFiles.h"
 #include "db/StoredQueries.h"
 #include "gui/Desk.h"
 #include "ui/views/FlowLayout.h"
 #include "ui/views/TableTab.h"
 #include "ui/window/WindowLayout.h"
 
+#include <QCommandLinkButton>
 #include <QDialog>
 #include <QLabel>
 #include <QLineEdit>
@@ -28,6 +30,8 @@ class SmallScreenTest : public QObject {
     void theBoxesOverBytesAreWideEnough_data();
     void theBoxesOverBytesAreWideEnough();
     void longNamesDontWidenIt();
+    void aLongProjectNameLeavesTheStepsTheirRoom();
+    void theStepsOfAnEmptyProjectFit();
     void dialogsFit_data();
     void dialogsFit();
     void itStartsNoLargerThanTheScreen();
@@ -155,6 +159,37 @@ void SmallScreenTest::longNamesDontWidenIt() {
     child<TableTab>(*m_form, "TableTab").chooseQuery(QString::fromStdString(longName));
     QApplication::processEvents();
     QCOMPARE(tooLarge(), QString());
+}
+
+void SmallScreenTest::aLongProjectNameLeavesTheStepsTheirRoom() {
+    trigger(*m_form, "actClose");
+    const std::string name = std::string(200, 'w') + ".nvp";
+    storeFilenameINI(m_desk->program.settings, m_desk->folder.write(name, "x"));
+    m_form = std::make_unique<MainForm>(m_desk->program, m_desk->dialogs);
+    m_form->resize(kRoom);
+    m_form->show();
+    auto &recent = child<QCommandLinkButton>(*m_form, "btnRecent1");
+    QTRY_VERIFY(recent.isVisible());
+    QVERIFY(recent.text().contains(QStringLiteral("\u2026")));
+    QVERIFY(recent.accessibleName().contains(QString::fromStdString(name)));
+    QVERIFY(recent.toolTip().contains(QString::fromStdString(name)));
+    auto &steps = child<QWidget>(child<QWidget>(*m_form, "WelcomePage"), "StepsPane");
+    QVERIFY2(steps.width() > recent.width(), qPrintable(QString::number(steps.width())));
+}
+
+void SmallScreenTest::theStepsOfAnEmptyProjectFit() {
+    m_desk->dialogs.answer = m_desk->folder.path() / "empty.nvp";
+    trigger(*m_form, "actNew");
+    m_form->resize(kRoom);
+    auto &empty = child<QWidget>(*m_form, "EmptyPage");
+    m_desk->dialogs.answer = m_desk->folder.path() / "evidence";
+    child<QPushButton>(empty, "btnStepFolder").click();
+    QTRY_VERIFY(child<QPushButton>(empty, "btnStepClear").isVisible());
+    auto &steps = child<QWidget>(empty, "StepsPane");
+    QTRY_VERIFY2(steps.width() <= steps.parentWidget()->width(),
+                 qPrintable(QString::number(steps.width())));
+    for (const QPushButton *button : steps.findChildren<QPushButton *>())
+        QVERIFY2(button->width() >= button->sizeHint().width(), qPrintable(button->objectName()));
 }
 
 void SmallScreenTest::itStartsNoLargerThanTheScreen() {

@@ -189,6 +189,7 @@ QWidget *ImportChoicePage::newKinds(const ImportSettings &job) {
         add(*option, option->text, otherRow++, columns + 1);
 
     auto *buttons = new QHBoxLayout;
+    buttons->setSpacing(8);
     const auto addButton = [&](const char *name, const QString &text, bool on) {
         auto *button = new QPushButton(text);
         button->setObjectName(QLatin1String(name));

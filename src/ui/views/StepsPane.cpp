@@ -4,6 +4,7 @@
 #include "base/Files.h"
 #include "platform/qt/Icons.h"
 #include "platform/qt/QtText.h"
+#include "ui/views/FlowLayout.h"
 #include "ui/views/ImportSteps.h"
 
 #include <QBoxLayout>
@@ -112,9 +113,8 @@ StepsPane::Step StepsPane::addStep(const QString &title, const char *name) {
     heading->setAccessibleName(tr("Step %1 of 3: %2").arg(m_number).arg(title));
     step.text = newText({});
     step.text->setObjectName(QLatin1String(name));
-    step.buttons = new QHBoxLayout;
+    step.buttons = new FlowLayout; // three of them are wider than a third of a small screen
     step.buttons->setSpacing(8);
-    step.buttons->addStretch();
     auto *box = new QWidget;
     auto *grid = new QGridLayout(box);
     grid->setContentsMargins(0, 0, 0, 0);
@@ -134,7 +134,7 @@ QPushButton *StepsPane::addButton(const Step &step, const char *name, const QStr
     auto *button = new QPushButton(text);
     button->setObjectName(QLatin1String(name));
     button->setAutoDefault(true); // Enter works as it does in a dialog
-    step.buttons->insertWidget(step.buttons->count() - 1, button);
+    step.buttons->addWidget(button);
     return button;
 }
 

@@ -4,12 +4,12 @@
 
 #include <vector>
 
-class QBoxLayout;
 class QLabel;
 class QPushButton;
 
 namespace nv {
 
+class FlowLayout;
 class ImportSteps;
 class StepSign;
 
@@ -29,7 +29,7 @@ class StepsPane final : public QWidget {
     struct Step {
         StepSign *sign = nullptr;
         QLabel *text = nullptr;
-        QBoxLayout *buttons = nullptr;
+        FlowLayout *buttons = nullptr;
     };
     Step addStep(const QString &title, const char *name);
     QPushButton *addButton(const Step &step, const char *name, const QString &text);

@@ -16,7 +16,7 @@ namespace nv {
 
 namespace {
 
-constexpr int kTextWidth = 250; // pixels; it isn't to be wrapped
+constexpr int kTextWidth = 250; // pixels; it isn't to be wrapped, nor to press on the steps
 
 /// Names may hold "&", which buttons take for a mnemonic.
 QString literal(QString text) {
@@ -69,8 +69,10 @@ void RecentPane::addFile(const std::filesystem::path &path) {
     const QString name = shown(path.filename());
     const QString folder =
         fontMetrics().elidedText(shown(path.parent_path()), Qt::ElideMiddle, kTextWidth);
+    QFont bold = font(); // as such buttons write the first line
+    bold.setBold(true);
     auto *open = new QCommandLinkButton(
-        literal(name),
+        literal(QFontMetrics(bold).elidedText(name, Qt::ElideMiddle, kTextWidth)),
         literal(folder) + u'\n' + (isThere ? changedText(file) : tr("is no longer there")));
     const int number = static_cast<int>(m_rows.size()) + 1;
     open->setObjectName(QStringLiteral("btnRecent%1").arg(number));
