@@ -22,7 +22,7 @@ namespace {
 constexpr std::string_view kUnknownBrowser = "Unknown";
 constexpr std::string_view kOtherPart = "Other";
 /// Names of browsers come from evidence: more of them share the last part.
-constexpr std::size_t kMostParts = 64;
+constexpr std::size_t kMostParts = 64; // no more than a byte can tell apart
 
 std::string_view textIn(const SQLite::Column &column) {
     const char *bytes = column.getText(); // before the length, which it settles
@@ -37,7 +37,7 @@ class Parts {
             m_names.emplace_back();
     }
 
-    std::uint16_t of(std::string_view cacheType, std::string_view browser) {
+    std::uint8_t of(std::string_view cacheType, std::string_view browser) {
         if (m_stack == TimeStack::none)
             return 0;
         if (m_hasLast && cacheType == m_lastType && browser == m_lastBrowser)
@@ -59,13 +59,13 @@ class Parts {
         return family ? family->name : kUnknownBrowser;
     }
 
-    std::uint16_t placeOf(std::string_view name) {
+    std::uint8_t placeOf(std::string_view name) {
         auto found = m_places.find(name);
         if (found == m_places.end() && m_names.size() + 1 >= kMostParts)
             found = m_places.find(name = kOtherPart);
         if (found == m_places.end()) {
             m_names.emplace_back(name);
-            const auto place = static_cast<std::uint16_t>(m_names.size() - 1);
+            const auto place = static_cast<std::uint8_t>(m_names.size() - 1);
             found = m_places.emplace(std::string(name), place).first;
         }
         return found->second;
@@ -73,11 +73,11 @@ class Parts {
 
     TimeStack m_stack;
     std::vector<std::string> &m_names;
-    std::map<std::string, std::uint16_t, std::less<>> m_places;
+    std::map<std::string, std::uint8_t, std::less<>> m_places;
     bool m_hasLast = false;
     std::string m_lastType;
     std::string m_lastBrowser;
-    std::uint16_t m_last = 0;
+    std::uint8_t m_last = 0;
 };
 
 bool hasBrowser(SQLite::Database &project) {
@@ -136,16 +136,21 @@ Walk loadEvents(SQLite::Database &project, const RowIds &ids, TimeStack stack, c
 TimeSpan wholeSpan(const TimedEvents &events) {
     if (events.seconds.empty())
         return {};
-    const auto [first, last] = std::ranges::minmax_element(events.seconds);
-    return {*first, *last + 1};
+    TimeSpan whole{events.seconds[0], events.seconds[0]};
+    for (std::size_t at = 1; at < events.seconds.size(); ++at) {
+        whole.begin = std::min(whole.begin, events.seconds[at]);
+        whole.end = std::max(whole.end, events.seconds[at]);
+    }
+    ++whole.end;
+    return whole;
 }
 
 namespace {
 
 /// Slot and part of each event in the span, in the order of the slots.
-std::vector<std::pair<std::int64_t, std::uint16_t>>
+std::vector<std::pair<std::int64_t, std::uint8_t>>
 sortedSlots(const TimedEvents &events, TimeUnit unit, const TimeSpan &span) {
-    std::vector<std::pair<std::int64_t, std::uint16_t>> slots;
+    std::vector<std::pair<std::int64_t, std::uint8_t>> slots;
     slots.reserve(events.seconds.size());
     for (std::size_t at = 0; at < events.seconds.size(); ++at)
         if (span.holds(events.seconds[at]))
@@ -193,8 +198,8 @@ std::vector<DayGap> gapsOf(const TimedEvents &events, const TimeSpan &span, std:
     const std::int64_t last = slotOf(std::min(span.end, whole.end) - 1, TimeUnit::day);
     // A bit a day: ten thousand years are half a megabyte, and sorting a million events takes long.
     std::vector<bool> isUsed(last < first ? 0 : static_cast<std::size_t>(last - first + 1));
-    for (const std::int64_t second : events.seconds)
-        if (span.holds(second))
+    for (std::size_t at = 0; at < events.seconds.size(); ++at)
+        if (const std::int64_t second = events.seconds[at]; span.holds(second))
             isUsed[static_cast<std::size_t>(slotOf(second, TimeUnit::day) - first)] = true;
     std::optional<std::int64_t> before;
     for (std::int64_t day = first; day <= last; ++day) {

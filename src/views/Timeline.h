@@ -3,6 +3,7 @@
 #include "base/TaskMonitor.h"
 #include "time/TimeSlots.h"
 #include "time/TimeZone.h"
+#include "views/EventSeconds.h"
 #include "views/IdLoader.h"
 
 #include <array>
@@ -21,14 +22,14 @@ enum class TimeStack : std::uint8_t {
     browser, ///< the program, or its family where the project doesn't name it
 };
 
-/// When the rows of a list happened, by the clock of the project's zone. A million take ten
+/// When the rows of a list happened, by the clock of the project's zone. A million take five
 /// megabytes.
 struct TimedEvents {
-    std::vector<std::int64_t> seconds; ///< since 1970-01-01 00:00 by the zone's clock
-    std::vector<std::uint16_t> part;   ///< of each event, a place in `parts`
-    std::vector<std::string> parts;    ///< one, without a name, when nothing is divided
-    std::uint64_t undated = 0;         ///< rows without a date
-    UnreadRows unread;                 ///< rows that can't be read
+    EventSeconds seconds;           ///< by the zone's clock
+    std::vector<std::uint8_t> part; ///< of each event, a place in `parts`
+    std::vector<std::string> parts; ///< one, without a name, when nothing is divided
+    std::uint64_t undated = 0;      ///< rows without a date
+    UnreadRows unread;              ///< rows that can't be read
 };
 
 /// The rows of `ids`, whose order is of no matter. A cancel leaves those that were read. Throws

@@ -45,7 +45,7 @@ class TimelineTest : public QObject {
             for (int event = 0; event < (day == 20 ? 10 : 1); ++event)
                 if (day < 11 || day > 14) {
                     events.seconds.push_back(secondOf(day));
-                    events.part.push_back(static_cast<std::uint16_t>(event % 2));
+                    events.part.push_back(static_cast<std::uint8_t>(event % 2));
                 }
         events.undated = 3;
         return events;
@@ -181,7 +181,7 @@ void TimelineTest::aMillionEventsAreDrawnAtOnce() {
     for (int event = 0; event < 1'000'000; ++event) {
         state = state * 6364136223846793005U + 1442695040888963407U;
         events.seconds.push_back(1262304000 + static_cast<std::int64_t>(state >> 37));
-        events.part.push_back(static_cast<std::uint16_t>(event % 2));
+        events.part.push_back(static_cast<std::uint8_t>(event % 2));
     }
     QElapsedTimer timer;
     timer.start();

@@ -6,6 +6,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <limits>
 #include <string>
 #include <vector>
 
@@ -74,6 +75,28 @@ TEST_F(TimelineTest, anHourThatComesTwiceIsOne) {
     const TimedEvents loaded = events();
     EXPECT_THAT(textsOf(slotsOf(loaded, TimeUnit::hour, wholeSpan(loaded)), TimeUnit::hour),
                 ElementsAre("2011-10-30 02:00: 2"));
+}
+
+TEST(EventSeconds, areWhatWasPutInWheneverThatWas) {
+    const std::vector<std::int64_t> all = {0,
+                                           -1,
+                                           1262304000,
+                                           4294967294,
+                                           4294967295,
+                                           4294967296,
+                                           -11644473600,
+                                           1262304001,
+                                           9999999999,
+                                           std::numeric_limits<std::int64_t>::max(),
+                                           std::numeric_limits<std::int64_t>::min(),
+                                           5};
+    EventSeconds seconds;
+    EXPECT_TRUE(seconds.empty());
+    for (const std::int64_t second : all)
+        seconds.push_back(second);
+    ASSERT_EQ(seconds.size(), all.size());
+    for (std::size_t at = 0; at < all.size(); ++at)
+        EXPECT_EQ(seconds[at], all[at]) << at;
 }
 
 TEST_F(TimelineTest, rowsWithoutADateAreCountedApart) {
