@@ -65,7 +65,9 @@ Answer answerOf(int button) {
 } // namespace
 
 Answer QtExaminer::ask(const Message &message) {
-    QMessageBox box(QApplication::activeWindow());
+    // Nobody else takes keys while a dialog is open, and not every window manager gives them back.
+    QWidget *const modal = QApplication::activeModalWidget();
+    QMessageBox box(modal ? modal : QApplication::activeWindow());
     box.setObjectName(toQt(message.id));
     box.setWindowTitle(message.title.empty() ? QStringLiteral("Norvelane") : toQt(message.title));
     // Reasons can quote evidence, which is never rendered as rich text.
@@ -77,7 +79,10 @@ Answer QtExaminer::ask(const Message &message) {
     box.setDefaultButton(buttonOf(message.unattended));
     if (message.choices == Choices::YesNo)
         box.setEscapeButton(QMessageBox::No);
-    return answerOf(box.exec());
+    const int button = box.exec();
+    if (QWidget *const asking = box.parentWidget())
+        asking->activateWindow();
+    return answerOf(button);
 }
 
 } // namespace nv
