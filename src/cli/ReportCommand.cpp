@@ -13,6 +13,7 @@
 #include "cli/SharedArguments.h"
 #include "reports/PictureKind.h"
 #include "reports/PublishReport.h"
+#include "reports/case/RedactedHosts.h"
 
 #include <fmt/format.h>
 
@@ -157,6 +158,11 @@ void setCaseOptions(Session &session, ReportWriter &report, const Arguments &arg
     options.redactions.insert(options.redactions.end(), asked.begin(), asked.end());
     if (options.redactions.size() > kMostRedactions)
         throw UsageError(fmt::format("at most {} redactions were expected", kMostRedactions));
+    logFailureOf(session.program.log, kProcedure, [&] {
+        SQLite::Database &project = session.program.state.projectDB.connection();
+        for (const std::string &note : notesOnHosts(project, options.redactions))
+            session.err << printable(note) << '\n';
+    });
     options.content = contentText(arguments.rows);
 }
 

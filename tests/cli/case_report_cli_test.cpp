@@ -83,6 +83,14 @@ TEST_F(CaseReportCliTest, whatIsRedactedIsntHandedOver) {
     EXPECT_FALSE(fs::exists(out));
 }
 
+TEST_F(CaseReportCliTest, aPartOfAHostsNameIsToldToBeNoHost) {
+    const CliResult run = report({"--leave-out", "host=tide", "--blur", "host=tide.example"});
+    EXPECT_EQ(run.exit, 0) << run.err;
+    EXPECT_THAT(run.err, HasSubstr("no row is of the host \"tide\": only the words are redacted"));
+    EXPECT_THAT(run.err, HasSubstr("tide.example"));
+    EXPECT_THAT(run.err, Not(HasSubstr("of the host \"tide.example\"")));
+}
+
 TEST_F(CaseReportCliTest, choicesAreKeptWithTheProjectAlone) {
     ASSERT_EQ(report({"--case-number", "2011-17", "--reported-by", "M. Quill", "--blur",
                       "value=tide", "--remember"})
