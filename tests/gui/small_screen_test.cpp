@@ -75,6 +75,7 @@ void SmallScreenTest::cleanup() {
 void SmallScreenTest::theWindowFitsWhateverIsInFront() {
     trigger(*m_form, "actHosts");
     trigger(*m_form, "actFind");
+    trigger(*m_form, "actTags");
     auto &data = child<QTabWidget>(*m_form, "dataTabs");
     auto &viewers = child<QTabWidget>(*m_form, "viewerTabs");
     for (int tab = 0; tab < data.count(); ++tab)

@@ -2,10 +2,10 @@
 
 #include "base/DisplayText.h"
 #include "platform/qt/QtText.h"
+#include "ui/views/FlowLayout.h"
 #include "ui/views/TagPills.h"
 
 #include <QBoxLayout>
-#include <QGridLayout>
 #include <QHeaderView>
 #include <QLabel>
 #include <QLocale>
@@ -55,7 +55,7 @@ TagsPane::TagsPane(QWidget *parent) : QWidget(parent) {
         label->setWordWrap(true);
         label->setMargin(4);
     }
-    constexpr int kNarrowest = 40; // characters
+    constexpr int kNarrowest = 26; // characters
     setMinimumWidth(kNarrowest * fontMetrics().averageCharWidth());
     auto *column = new QVBoxLayout(this);
     column->setContentsMargins(0, 0, 0, 0);
@@ -78,8 +78,8 @@ QPushButton *TagsPane::newButton(const char *name, const QString &text) {
 
 QWidget *TagsPane::newButtons() {
     auto *box = new QWidget;
-    auto *grid = new QGridLayout(box);
-    grid->setContentsMargins(4, 0, 4, 4);
+    auto *row = new FlowLayout(box); // beside the table each pixel of width counts
+    row->setContentsMargins(4, 0, 4, 4);
     auto *make = newButton("btnNewTag", tr("New..."));
     auto *edit = newButton("btnEditTag", tr("Edit..."));
     auto *remove = newButton("btnDeleteTag", tr("Delete..."));
@@ -87,13 +87,8 @@ QWidget *TagsPane::newButtons() {
     auto *down = newButton("btnTagDown", tr("Down"));
     m_show = newButton("btnTagRows", tr("Show Its Rows"));
     m_all = newButton("btnAllTagRows", tr("Show All Rows"));
-    grid->addWidget(make, 0, 0);
-    grid->addWidget(edit, 0, 1);
-    grid->addWidget(remove, 0, 2);
-    grid->addWidget(up, 1, 0);
-    grid->addWidget(down, 1, 1);
-    grid->addWidget(m_show, 1, 2);
-    grid->addWidget(m_all, 1, 2);
+    for (QPushButton *button : {make, edit, remove, up, down, m_show, m_all})
+        row->addWidget(button);
     m_ofTag = {edit, remove, up, down, m_show};
     connect(make, &QPushButton::clicked, this, &TagsPane::newRequested);
     connect(edit, &QPushButton::clicked, this, [this] { emit editRequested(*currentTag()); });
