@@ -80,7 +80,7 @@ PropertiesPane::PropertiesPane(std::function<std::vector<Property>(UrlId)> load,
 /// The whole text with the two questions that it raises.
 QWidget *PropertiesPane::newWhole() {
     m_whole = newWholeText();
-    m_why = new QPushButton(tr("W&hy?"));
+    m_why = new QPushButton(tr("&Why?"));
     m_why->setObjectName(QStringLiteral("btnWhy"));
     m_why->setAccessibleName(tr("Why has the property this value?"));
     m_why->setToolTip(tr("Where the value comes from: file, place, the number as it lies, the rule "
@@ -128,7 +128,7 @@ QWidget *PropertiesPane::newBar() {
     m_filter->setAccessibleName(tr("Only values with this text"));
     m_filter->setPlaceholderText(tr("Only values with this text"));
     m_filter->setClearButtonEnabled(true);
-    m_empty = new QCheckBox(tr("&Empty fields"));
+    m_empty = new QCheckBox(tr("Empt&y fields"));
     m_empty->setObjectName(QStringLiteral("chkEmptyFields"));
     m_empty->setToolTip(tr("Show fields too in which nothing stands"));
     m_count = new QLabel;

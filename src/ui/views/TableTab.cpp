@@ -64,7 +64,7 @@ QWidget *TableTab::newChoiceBar() {
     m_host->setPlaceholderText(tr("Part of a host's name, then Enter"));
     m_host->setClearButtonEnabled(true);
     m_host->setMaximumWidth(320);
-    auto *queryLabel = new QLabel(tr("&Query:"));
+    auto *queryLabel = new QLabel(tr("Q&uery:"));
     queryLabel->setBuddy(m_queries);
     auto *hostLabel = new QLabel(tr("H&ost:"));
     hostLabel->setBuddy(m_host);
