@@ -160,7 +160,8 @@ void ReportPart::tellOf(const ReportTools &tools, bool finished) {
         m_bench.actions.openReportFolder->setEnabled(true);
         showReport(tools.report.reportFilePath);
         m_bench.showNotice(
-            tr("The report is ready: %1").arg(pathToQt(tools.report.reportFilePath)));
+            tr("The report is ready, and goes when the program ends: Publish Report keeps it. %1")
+                .arg(pathToQt(tools.report.reportFilePath)));
         if (const auto notes = notesOf(tools.report); !notes.empty())
             m_bench.examiner().tell(messages::reportingError(
                 fmt::format("{}\n\nThe log \"{}\" says why.", fmt::join(notes, "\n"),
