@@ -288,10 +288,11 @@ void DeskWalkTest::aRowGetsATagAndANote() {
     QCOMPARE(RecordTags(project).rowsOf(tag->tagID).size(), std::size_t{2});
     press(Qt::Key_1);
     QCOMPARE(RecordTags(project).rowsOf(tag->tagID).size(), std::size_t{1});
-    bringUp("NotesPane");
+    auto &viewers = child<QTabWidget>(*m_form, "viewerTabs");
+    const int pane = viewers.indexOf(&child<QWidget>(*m_form, "NotesPane"));
+    press(Qt::ALT | Qt::Key(Qt::Key_1 + pane));
     auto &note = child<QPlainTextEdit>(*m_form, "NotesText");
-    QTRY_VERIFY(note.isEnabled());
-    note.setFocus();
+    QVERIFY(note.isEnabled() && note.hasFocus());
     QTest::keyClicks(&note, QStringLiteral("ask mara"));
     grid().setFocus();
     QCOMPARE(answerTo("SELECT Notes FROM URLs WHERE Notes LIKE 'ask%'"),

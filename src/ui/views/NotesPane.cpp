@@ -28,6 +28,7 @@ NotesPane::NotesPane(Storage storage, QWidget *parent)
     column->setSpacing(0);
     column->addWidget(m_text, 1);
     column->addWidget(m_date);
+    setFocusProxy(m_text);
     clear();
 }
 

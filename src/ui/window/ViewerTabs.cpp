@@ -85,8 +85,12 @@ void ViewerTabs::addKeys() {
     for (int number = 1; number <= kNumbers; ++number)
         connect(new QShortcut(QKeySequence(Qt::ALT | Qt::Key(Qt::Key_0 + number)), this),
                 &QShortcut::activated, this, [this, number] {
-                    if (number <= count())
-                        setCurrentIndex(number - 1);
+                    if (number > count())
+                        return;
+                    setCurrentIndex(number - 1);
+                    showFront(); // what is typed into has to be filled before
+                    if (currentWidget()->focusProxy())
+                        currentWidget()->setFocus(Qt::ShortcutFocusReason);
                 });
 }
 
@@ -178,6 +182,13 @@ void ViewerTabs::bringUp(Viewer viewer) {
         if (widget(place)->objectName() == name)
             setCurrentIndex(place);
     m_choosing = false;
+}
+
+void ViewerTabs::showOnce(QWidget &pane) {
+    m_choosing = true;
+    setCurrentWidget(&pane);
+    m_choosing = false;
+    m_soon.start(0);
 }
 
 void ViewerTabs::markTabs() {

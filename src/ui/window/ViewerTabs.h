@@ -45,6 +45,9 @@ class ViewerTabs final : public QTabWidget {
     void refresh();
     std::optional<UrlId> record() const { return m_id; }
 
+    /// Brings it to the front until another record asks for another pane.
+    void showOnce(QWidget &pane);
+
     bool isPinned() const;
     void setPinned(bool pinned);
     /// The front pane gets a window of its own, and comes back when that is closed.

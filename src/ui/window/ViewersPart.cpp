@@ -250,7 +250,7 @@ void ViewersPart::showBytes() {
         return;
     m_named->isWanted = true;
     m_hex->askForSource();
-    m_bench.viewers->setCurrentWidget(m_hex);
+    m_bench.viewers->showOnce(*m_hex);
     m_bench.viewers->refresh();
 }
 
