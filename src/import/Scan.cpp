@@ -9,6 +9,7 @@
 #include "import/FolderList.h"
 #include "readers/Limits.h"
 #include "readers/Registry.h"
+#include "readers/sqlite/SchemaTables.h"
 
 #include <fmt/format.h>
 
@@ -175,9 +176,28 @@ class Scan {
         if (candidate.verifySignatures)
             head = m_evidence.head(file, limits::kHeadBytes);
         candidate.head = ByteView(head);
-        for (const Reader *reader : readersTaking(candidate, formats))
+        const auto takers = readersTaking(candidate, formats);
+        if (takers.empty())
+            refuseDamaged(candidate, formats);
+        for (const Reader *reader : takers)
             if (isAskedFor(*reader))
                 take(*reader, candidate, asked, fraction);
+    }
+
+    /// A database that can't say which tables it has is taken for none of a browser, although it
+    /// may be one: by its name alone it would be.
+    void refuseDamaged(const Candidate &candidate, const std::vector<const Reader *> &formats) {
+        const std::string damage = schemaDamage(candidate);
+        if (damage.empty())
+            return;
+        Candidate named = candidate;
+        named.head = {};
+        named.verifySignatures = false;
+        if (std::ranges::any_of(formats, [&](const Reader *reader) {
+                return reader->recognises && reader->recognises(named) && isAskedFor(*reader) &&
+                       m_job.asked.wants(*reader);
+            }))
+            throw std::runtime_error(damage);
     }
 
     /// Whatever it is found to be, it leads to an artefact that another file has led to: one of the

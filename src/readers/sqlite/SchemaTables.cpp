@@ -9,14 +9,18 @@
 
 #include "readers/sqlite/SchemaTables.h"
 
+#include "base/Files.h"
 #include "base/NoLog.h"
 #include "base/Text.h"
 #include "base/Trap.h"
 #include "db/SideFiles.h"
 #include "readers/sqlite/FileHead.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <optional>
+#include <string_view>
 #include <vector>
 
 namespace nv {
@@ -53,60 +57,89 @@ std::optional<std::uint64_t> lengthOfText(std::uint64_t kind) {
     return (kind - kFirstText) / 2;
 }
 
-/// The name when the record is that of a table.
-std::string tableOf(ByteView cell) {
+/// Type and name of what a record of the schema stands for.
+struct SchemaRecord {
+    std::string_view type;
+    std::string_view name;
+};
+
+/// Nothing when no record of a schema is there.
+std::optional<SchemaRecord> recordIn(ByteView cell) {
     std::uint64_t at = 0;
-    varint(cell, at); // size
+    const std::uint64_t size = varint(cell, at);
     varint(cell, at); // rowid
     const std::uint64_t head = at;
     const std::uint64_t values = head + varint(cell, at);
     const auto type = lengthOfText(varint(cell, at));
     const auto name = lengthOfText(varint(cell, at));
-    if (!type || !name || *name > kLongestName || cell.sub(values, *type).raw() != "table")
-        return {};
-    return toLower(cell.sub(values + *type, *name).raw());
+    if (!type || !name)
+        return std::nullopt;
+    if (*name > kLongestName || (!cell.has(values, *type + *name) && size > cell.size()))
+        return SchemaRecord{}; // of no browser; the rest may lie on other pages
+    return SchemaRecord{cell.sub(values, *type).raw(), cell.sub(values + *type, *name).raw()};
 }
 
-/// A walk through the pages of the schema. Damage ends a page's reading, never the walk.
+/// A walk through the pages of the schema. Damage ends a page's reading, never the walk; where it
+/// was met first is kept.
 class SchemaWalk {
   public:
     SchemaWalk(const EvidenceFile &file, std::uint64_t pageSize)
         : m_file(file), m_pageSize(pageSize) {}
 
-    std::set<std::string> tables() {
+    void run() {
         m_next = {1};
         for (std::size_t i = 0; i < m_next.size() && i < kMostPages; ++i)
             page(m_next[i]);
-        return std::move(m_tables);
     }
+    const std::set<std::string> &tables() const { return m_tables; }
+    /// Empty when the whole schema could be read.
+    const std::string &damage() const { return m_damage; }
 
   private:
     void page(std::uint64_t number) {
         if (number == 0 || number > m_file.size() / m_pageSize + 1)
-            return;
+            return note(number, "isn't in the file");
         const Bytes bytes = m_file.read((number - 1) * m_pageSize, m_pageSize);
-        NoLog unheard; // what a damaged page has told so far stands; its reader tells of damage
-        trapped(unheard, Severity::Low, {}, {},
-                [&] { cells(ByteView(bytes), number == 1 ? kFileHead : 0); });
+        if (bytes.size() < m_pageSize)
+            note(number, "isn't whole");
+        NoLog unheard; // what a damaged page has told so far stands
+        const bool isSound = trapped(unheard, Severity::Low, {}, {}, false, [&] {
+            return cells(ByteView(bytes), number == 1 ? kFileHead : 0);
+        });
+        if (!isSound)
+            note(number, "is damaged");
     }
 
-    void cells(ByteView page, std::uint64_t head) {
+    void note(std::uint64_t page, std::string_view what) {
+        if (m_damage.empty())
+            m_damage = fmt::format("page {} of {} bytes {}", page, m_pageSize, what);
+    }
+
+    /// Whether all of them are what a schema holds.
+    bool cells(ByteView page, std::uint64_t head) {
         const std::uint8_t kind = page.u8(head);
         if (kind != kInner && kind != kLeaf)
-            return;
+            return false;
         const std::uint64_t count = bigEndian(page.sub(head + 3, 2));
         const std::uint64_t places = head + (kind == kInner ? 12 : 8);
-        for (std::uint64_t i = 0; i < count; ++i)
-            cell(page.from(bigEndian(page.sub(places + 2 * i, 2))), kind);
+        bool areSound = true;
+        for (std::uint64_t i = 0; i < count; ++i) {
+            const ByteView cell = page.from(bigEndian(page.sub(places + 2 * i, 2)));
+            if (kind == kInner)
+                follow(bigEndian(cell.sub(0, 4)));
+            else
+                areSound = take(cell) && areSound;
+        }
         if (kind == kInner)
             follow(bigEndian(page.sub(head + 8, 4)));
+        return areSound;
     }
 
-    void cell(ByteView cell, std::uint8_t kind) {
-        if (kind == kInner)
-            follow(bigEndian(cell.sub(0, 4)));
-        else if (std::string name = tableOf(cell); !name.empty())
-            m_tables.insert(std::move(name));
+    bool take(ByteView cell) {
+        const auto record = recordIn(cell);
+        if (record && record->type == "table" && !record->name.empty())
+            m_tables.insert(toLower(record->name));
+        return record.has_value();
     }
 
     void follow(std::uint64_t page) {
@@ -118,7 +151,10 @@ class SchemaWalk {
     std::uint64_t m_pageSize;
     std::vector<std::uint64_t> m_next;
     std::set<std::string> m_tables;
+    std::string m_damage;
 };
+
+constexpr std::uint64_t kSmallestPage = 512;
 
 bool isOfName(char c) {
     return c == '_' || (c >= '0' && c <= '9') || (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
@@ -149,12 +185,32 @@ std::set<std::string> schemaTables(const Candidate &file) {
     const auto size = sqlitePageSize(file.head);
     if (!size)
         return {};
-    constexpr std::uint64_t kSmallestPage = 512;
     std::set<std::string> tables;
-    if (*size >= kSmallestPage)
-        tables = SchemaWalk(file.evidence->open(file.file), *size).tables();
+    if (*size >= kSmallestPage) {
+        const EvidenceFile pages = file.evidence->open(file.file);
+        SchemaWalk walk(pages, *size);
+        walk.run();
+        tables = walk.tables();
+    }
     addTablesOfLog(file, tables);
     return tables;
+}
+
+std::string schemaDamage(const Candidate &file) {
+    if (!beginsAsSqlite(file.head))
+        return {};
+    const auto size = sqlitePageSize(file.head);
+    std::string what = "its head holds no size of pages";
+    if (size && *size >= kSmallestPage) {
+        const EvidenceFile pages = file.evidence->open(file.file);
+        SchemaWalk walk(pages, *size);
+        walk.run();
+        what = walk.damage();
+    }
+    return what.empty() ? what
+                        : fmt::format("\"{}\" is damaged or cut short: its tables can't be listed, "
+                                      "since {}",
+                                      textOf(file.file), what);
 }
 
 bool hasTables(const Candidate &file, std::initializer_list<std::string_view> tables) {
