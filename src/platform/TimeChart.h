@@ -35,6 +35,13 @@ struct TimeChart {
     std::vector<Label> labels;
     std::vector<Gap> gaps;
     std::vector<Hours> hours; ///< bar by bar, or none
+    /// The place of each part's colour, which goes by what the part is, not by its rank. Empty: the
+    /// colours in their order.
+    std::vector<std::uint32_t> colors{};
+
+    std::size_t colorOf(std::size_t part) const {
+        return part < colors.size() ? colors[part] : part;
+    }
 };
 
 /// More bars than this are narrower than a line on any screen.

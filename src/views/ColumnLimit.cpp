@@ -5,7 +5,9 @@
 #include "db/RowWalk.h"
 #include "search/FoldedText.h"
 #include "search/FoundIds.h"
+#include "views/CellText.h"
 #include "views/GatheredTexts.h"
+#include "views/UrlQuery.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>
 #include <fmt/format.h>
@@ -38,9 +40,29 @@ std::string_view textIn(const SQLite::Column &column) {
 /// Dates of the zone's clock are shown from that in UTC, and go by it here too.
 std::string_view sourceOf(UrlColumn column) {
     const CellRule rule = factsOf(column).rule;
+    if (rule == CellRule::Rebuilt)
+        return kRebuiltCondition;
+    if (rule == CellRule::Note)
+        return "(Notes <> '')";
     const bool isOfZone = rule == CellRule::ZoneDate || rule == CellRule::LocalDate;
     return isOfZone ? factsOf(UrlColumn::ActionDateUtc).source : factsOf(column).source;
 }
+
+/// The types as the table shows them; rows that lie side by side often have the same one.
+class TypeWords {
+  public:
+    std::string_view of(std::string_view cacheType) {
+        if (m_shown.empty() || cacheType != m_stored) {
+            m_stored = cacheType;
+            m_shown = typeWord(cacheType);
+        }
+        return m_shown;
+    }
+
+  private:
+    std::string m_stored;
+    std::string m_shown;
+};
 
 using Look = std::function<void(std::int32_t, std::string_view)>;
 
@@ -61,7 +83,9 @@ Walk walkValues(SQLite::Database &project, const RowIds &sorted, UrlColumn colum
     if (isGathered(column))
         return walkGathered(project, sorted, column, task, look);
     const UrlColumnFacts &facts = factsOf(column);
-    const bool isFlag = facts.rule == CellRule::YesNo || facts.rule == CellRule::Flag;
+    const bool isFlag = facts.rule == CellRule::YesNo || facts.rule == CellRule::Flag ||
+                        facts.rule == CellRule::Rebuilt || facts.rule == CellRule::Note;
+    TypeWords types;
     SQLite::Statement row(project, fmt::format("SELECT URL_ID, {} FROM URLs WHERE URL_ID >= ? "
                                                "ORDER BY URL_ID",
                                                sourceOf(column)));
@@ -77,6 +101,8 @@ Walk walkValues(SQLite::Database &project, const RowIds &sorted, UrlColumn colum
             const SQLite::Column value = row.getColumn(1);
             if (isFlag)
                 look(id, value.getInt() != 0 ? "Yes" : "No");
+            else if (facts.rule == CellRule::Type)
+                look(id, types.of(textIn(value)));
             else
                 look(id, textIn(value));
         });
@@ -110,6 +136,9 @@ ColumnValues valuesOf(UrlColumn column) {
     case CellRule::Text:
     case CellRule::YesNo:
     case CellRule::Flag:
+    case CellRule::Type:
+    case CellRule::Rebuilt:
+    case CellRule::Note:
         return ColumnValues::texts;
     case CellRule::Number:
         return ColumnValues::numbers;

@@ -14,7 +14,8 @@
 namespace nv {
 
 /// Which rows a table shows by what stands in one column. Of its conditions those that are given
-/// have to be met. Columns are compared as the project stores them, flags as "Yes" and "No".
+/// have to be met. Columns are compared as the project
+/// stores them, flags as "Yes" and "No", types in the words of the table.
 struct ColumnLimit {
     UrlColumn column = UrlColumn::Host;
     std::optional<std::vector<std::string>> oneOf = {}; ///< whole values

@@ -1,6 +1,7 @@
 #include "views/TimelineChart.h"
 
 #include "base/Text.h"
+#include "readers/RecordKind.h"
 
 #include <fmt/format.h>
 
@@ -27,6 +28,29 @@ std::vector<std::size_t> orderOf(const TimedEvents &events, const TimeBars &bars
     });
     return order;
 }
+
+/// Which colour a part has. The places are those of the lists of colours that draw it.
+struct ColorPlace {
+    std::string_view part;
+    std::uint32_t place = 0;
+};
+constexpr std::uint32_t kGrey = 5;
+const std::array<ColorPlace, 7> kColorPlaces = {{{"", 0}, // nothing is divided
+                                                 {groupWord(RecordGroup::cache), 0},
+                                                 {groupWord(RecordGroup::history), 1},
+                                                 {groupWord(RecordGroup::cookies), 2},
+                                                 {groupWord(RecordGroup::bookmarks), 3},
+                                                 {groupWord(RecordGroup::other), kGrey},
+                                                 {"Unknown", kGrey}}};
+/// Browsers by what their names hold: those of one family look alike.
+constexpr std::array<ColorPlace, 6> kFamilyColors = {{{families::internetExplorer.name, 0},
+                                                      {families::firefox.name, 1},
+                                                      {families::chrome.name, 2},
+                                                      {families::safari.name, 3},
+                                                      {families::opera.name, 4},
+                                                      {"Edge", 6}}};
+/// Of the browsers beside them.
+constexpr std::array<std::uint32_t, 2> kFreeColors = {7, 3};
 
 /// A distance of labels.
 struct Distance {
@@ -113,11 +137,29 @@ std::vector<TimeChart::Gap> gapsIn(const TimedEvents &events, const TimeBars &ba
 
 } // namespace
 
+std::uint32_t colorPlaceOf(std::string_view part) {
+    const auto found = std::ranges::find(kColorPlaces, part, &ColorPlace::part);
+    if (found != kColorPlaces.end())
+        return found->place;
+    const auto family = std::ranges::find_if(
+        kFamilyColors, [part](const ColorPlace &each) { return containsNoCase(part, each.part); });
+    if (family != kFamilyColors.end())
+        return family->place;
+    std::uint32_t sum = 0; // one name is one colour on each machine
+    for (const char letter : part)
+        sum = sum * 31 + static_cast<unsigned char>(letter);
+    return kFreeColors.at(sum % kFreeColors.size());
+}
+
 TimeChart chartOf(const TimedEvents &events, const TimeBars &bars, std::size_t mostLabels) {
     TimeChart chart;
     const std::vector<std::size_t> order = orderOf(events, bars);
-    for (const std::size_t part : order)
+    chart.parts.reserve(order.size());
+    chart.colors.reserve(order.size());
+    for (const std::size_t part : order) {
         chart.parts.push_back(events.parts.empty() ? std::string() : events.parts[part]);
+        chart.colors.push_back(colorPlaceOf(chart.parts.back()));
+    }
     chart.bars = bars.count;
     chart.counts.reserve(bars.counts.size());
     for (std::size_t bar = 0; bar < bars.count; ++bar)

@@ -1,7 +1,10 @@
 #include "gui/Desk.h"
+#include "ui/views/CardPane.h"
 #include "ui/views/HexGrid.h"
 #include "ui/views/HexPane.h"
 #include "ui/views/NotesPane.h"
+#include "ui/views/PropertiesPane.h"
+#include "ui/window/Theme.h"
 
 #include <QClipboard>
 #include <QLabel>
@@ -9,6 +12,9 @@
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QTest>
+#include <QTextBlock>
+#include <QTextCursor>
+#include <QTextEdit>
 
 #include <map>
 
@@ -25,6 +31,7 @@ class PanesTest : public QObject {
     void aCopyThatIsCutIsTold();
     void aSearchThatFailsIsNotTakenForOneWithoutAFind();
     void aNoteThatCouldntBeStoredComesAgain();
+    void theCardGoesWithTheTheme();
 
   private:
     TempFolder folder;
@@ -110,6 +117,26 @@ void PanesTest::aNoteThatCouldntBeStoredComesAgain() {
     notes.forgetUnstored();
     notes.showRecord(UrlId{2});
     QCOMPARE(text.toPlainText(), QString());
+}
+
+/// The frames of a theme reach the text after the pane around it has changed.
+void PanesTest::theCardGoesWithTheTheme() {
+    auto *properties = new PropertiesPane([](UrlId) { return std::vector<Property>(); });
+    CardPane card(
+        [](UrlId) {
+            return RecordCard{"Tides", "", {{"Browser", "Chrome"}}};
+        },
+        *properties);
+    card.show();
+    card.showRecord(UrlId{1});
+    const auto &text = child<QTextEdit>(card, "cardText");
+    for (const Theme theme : {Theme::Dark, Theme::Light, Theme::Dark, Theme::System}) {
+        applyTheme(theme);
+        QTextCursor label(text.document()->lastBlock());
+        label.movePosition(QTextCursor::NextCharacter);
+        QCOMPARE(label.charFormat().foreground().color().rgb(),
+                 text.palette().color(QPalette::Text).rgb());
+    }
 }
 
 } // namespace nv

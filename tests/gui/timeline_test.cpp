@@ -28,6 +28,7 @@ class TimelineTest : public QObject {
     void keysStepAndChoose();
     void emptyBarsAreNotChosen();
     void barsSayWhatTheyHold();
+    void aNarrowLegendLeavesOutTheSmallestParts();
     void itLooksRightInBothPalettes();
     void aMillionEventsAreDrawnAtOnce();
     void theTableShowsTheChosenTimeOnly();
@@ -147,6 +148,31 @@ void TimelineTest::barsSayWhatTheyHold() {
                             "day; the highest has 10; 3 rows without a date"));
 }
 
+void TimelineTest::aNarrowLegendLeavesOutTheSmallestParts() {
+    TimedEvents events;
+    events.parts = {"Bookmarks", "Cookies", "Cache", "History"};
+    for (std::uint16_t part = 0; part < 4; ++part)
+        for (int event = 0; event <= part; ++event) {
+            events.seconds.push_back(secondOf(1 + event));
+            events.part.push_back(part);
+        }
+    m_strip->setEvents(events, QStringLiteral("UTC"));
+    m_strip->resize(1600, 120);
+    m_strip->grab();
+    QCOMPARE(m_strip->legend().names,
+             QStringList({QStringLiteral("History"), QStringLiteral("Cache"),
+                          QStringLiteral("Cookies"), QStringLiteral("Bookmarks")}));
+    QVERIFY(m_strip->legend().others.isEmpty());
+    m_strip->resize(420, 120);
+    const QImage image = m_strip->grab().toImage();
+    if (const QString place = qEnvironmentVariable("NV_SCREENSHOTS"); !place.isEmpty())
+        image.save(QStringLiteral("%1/time-narrow.png").arg(place));
+    const TimeStrip::Legend legend = m_strip->legend();
+    QVERIFY(!legend.names.isEmpty() && legend.names.size() < 4);
+    QCOMPARE(legend.names.front(), QStringLiteral("History"));
+    QCOMPARE(legend.others, QStringLiteral("+%1").arg(4 - legend.names.size()));
+}
+
 /// NV_SCREENSHOTS keeps them to be looked at.
 void TimelineTest::itLooksRightInBothPalettes() {
     m_strip->setHours(true);
@@ -167,7 +193,7 @@ void TimelineTest::itLooksRightInBothPalettes() {
         bool isDrawn = false; // low above the axis
         for (int y = 60; y < 120; ++y)
             isDrawn |= image.pixelColor((m_strip->leftOf(0) + m_strip->leftOf(1)) / 2, y) ==
-                       chartColor(0, palette);
+                       chartColor(1, palette);
         QVERIFY(isDrawn);
         QVERIFY(!isGround({(m_strip->leftOf(19) + m_strip->leftOf(20)) / 2, 40}));
         QVERIFY(isGround({(m_strip->leftOf(0) + m_strip->leftOf(1)) / 2, 40}));

@@ -46,6 +46,7 @@ bool fits(const TimeChart &chart) {
     return chart.bars <= kMostChartBars && !chart.parts.empty() &&
            chart.parts.size() <= kMostChartParts &&
            chart.counts.size() == chart.bars * chart.parts.size() &&
+           (chart.colors.empty() || chart.colors.size() == chart.parts.size()) &&
            (chart.hours.empty() || chart.hours.size() == chart.bars) &&
            std::ranges::all_of(chart.labels, isThere, &TimeChart::Label::bar) &&
            std::ranges::all_of(chart.gaps, [&](const TimeChart::Gap &gap) {
@@ -62,10 +63,10 @@ std::string textOf(const TimeChart &chart) {
     json gaps = json::array();
     for (const TimeChart::Gap &gap : chart.gaps)
         gaps.push_back({gap.first, gap.last});
-    const json object{{"title", chart.title},    {"lines", chart.lines},
-                      {"parts", chart.parts},    {"bars", chart.bars},
-                      {"counts", chart.counts},  {"labels", std::move(labels)},
-                      {"gaps", std::move(gaps)}, {"hours", chart.hours}};
+    const json object{
+        {"title", chart.title},    {"lines", chart.lines},   {"parts", chart.parts},
+        {"bars", chart.bars},      {"counts", chart.counts}, {"labels", std::move(labels)},
+        {"gaps", std::move(gaps)}, {"hours", chart.hours},   {"colors", chart.colors}};
     return object.dump(-1, ' ', false, json::error_handler_t::replace);
 }
 
@@ -79,6 +80,7 @@ std::optional<TimeChart> chartOf(std::string_view text) {
     chart.parts = textsIn(arrayIn(object, "parts"));
     chart.bars = numberIn(object.at("bars"));
     chart.counts = numbersIn(arrayIn(object, "counts"));
+    chart.colors = numbersIn(arrayIn(object, "colors"));
     for (const json &label : arrayIn(object, "labels"))
         if (label.is_array() && label.size() == 2)
             chart.labels.push_back({numberIn(label.at(0)), textIn(label.at(1))});

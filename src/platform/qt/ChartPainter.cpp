@@ -61,9 +61,9 @@ QColor mixed(const QColor &from, const QColor &to, double share) {
 
 } // namespace
 
-QColor chartColor(std::size_t part, const QPalette &palette) {
+QColor chartColor(std::size_t place, const QPalette &palette) {
     const auto &colors = isDark(palette) ? kOnDark : kOnLight;
-    return QColor::fromRgb(colors.at(std::min(part, colors.size() - 1)));
+    return QColor::fromRgb(colors.at(std::min(place, colors.size() - 1)));
 }
 
 ChartPainter::ChartPainter(const TimeChart &chart, const QRect &area, const QPalette &palette)
@@ -145,7 +145,7 @@ void ChartPainter::drawBars(QPainter &painter) const {
             const int from = heightOf(below);
             const int to = heightOf(below += count);
             painter.fillRect(left, m_bars.bottom() + 1 - to, width, to - from,
-                             chartColor(part, m_palette));
+                             chartColor(m_chart.colorOf(part), m_palette));
         }
     }
 }
@@ -247,7 +247,7 @@ class Picture {
             if (name.isEmpty() || left + room > kMargin + width())
                 continue;
             painter.fillRect(left, m_top + (metrics.height() - kSwatch) / 2, kSwatch, kSwatch,
-                             chartColor(part, m_palette));
+                             chartColor(m_chart.colorOf(part), m_palette));
             painter.drawText(QPoint(left + kSwatch + kGap, m_top + metrics.ascent()), name);
             left += room;
             isAny = true;

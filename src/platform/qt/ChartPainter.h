@@ -10,9 +10,9 @@ class QPainter;
 
 namespace nv {
 
-/// The colour of a chart's part, told apart on light and dark ground; others are added up in the
-/// last one. 0-based.
-QColor chartColor(std::size_t part, const QPalette &palette);
+/// The colour at a place of TimeChart::colors, told apart on light and dark ground; places behind
+/// the last one have its colour. 0-based.
+QColor chartColor(std::size_t place, const QPalette &palette);
 
 /// Draws the bars, the axis and the hours of a chart into a part of a window or picture; title,
 /// lines and names of parts are others' to draw.

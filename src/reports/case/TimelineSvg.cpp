@@ -63,11 +63,11 @@ std::string oneBar(const TimeChart &chart, std::size_t bar, std::size_t parts,
         const double high =
             std::max(0.5, kHigh * static_cast<double>(count) / static_cast<double>(highest));
         bottom -= high;
-        text +=
-            fmt::format("<rect class=\"p{}\" x=\"{:.2f}\" y=\"{:.2f}\" width=\"{:.2f}\" "
-                        "height=\"{:.2f}\"><title>{}{}</title></rect>",
-                        part % kColours, static_cast<double>(bar) * wide, bottom, wide - gap, high,
-                        chart.parts[part].empty() ? "" : htmlText(chart.parts[part]) + ": ", count);
+        text += fmt::format(
+            "<rect class=\"p{}\" x=\"{:.2f}\" y=\"{:.2f}\" width=\"{:.2f}\" "
+            "height=\"{:.2f}\"><title>{}{}</title></rect>",
+            chart.colorOf(part) % kColours, static_cast<double>(bar) * wide, bottom, wide - gap,
+            high, chart.parts[part].empty() ? "" : htmlText(chart.parts[part]) + ": ", count);
     }
     return text;
 }
@@ -99,7 +99,7 @@ std::string barsKey(const TimeChart &chart) {
             text +=
                 fmt::format("<span class=\"key\"><svg viewBox=\"0 0 10 10\" aria-hidden=\"true\">"
                             "<rect class=\"p{}\" width=\"10\" height=\"10\"/></svg>{}</span>",
-                            part % kColours, htmlText(chart.parts[part]));
+                            chart.colorOf(part) % kColours, htmlText(chart.parts[part]));
     return text + "</p>\n";
 }
 

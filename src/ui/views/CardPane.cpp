@@ -87,6 +87,7 @@ CardPane::CardPane(Load load, PropertiesPane &properties, QWidget *parent)
     m_text->setFrameShape(QFrame::NoFrame);
     m_text->setPlaceholderText(tr("Choose a row to see its card."));
     m_text->setMinimumHeight(2 * fontMetrics().height());
+    m_text->installEventFilter(this);
     auto *halves = new QSplitter(Qt::Vertical);
     halves->setObjectName(QStringLiteral("cardSplitter"));
     halves->addWidget(m_text);
@@ -133,11 +134,11 @@ void CardPane::mark() {
     m_text->setExtraSelections(hitSelections(*m_text->document(), m_finder.get()));
 }
 
-/// Its colours are those of the palette.
-void CardPane::changeEvent(QEvent *event) {
-    QWidget::changeEvent(event);
-    if (event->type() == QEvent::PaletteChange && m_card)
+/// The labels' colour is that of the text's palette, which changes after the pane's own.
+bool CardPane::eventFilter(QObject *watched, QEvent *event) {
+    if (watched == m_text && event->type() == QEvent::PaletteChange && m_card)
         write();
+    return QWidget::eventFilter(watched, event);
 }
 
 } // namespace nv

@@ -31,7 +31,7 @@ class CardPane final : public QWidget, public RecordPane {
     void setHits(std::shared_ptr<HitFinder> finder);
 
   protected:
-    void changeEvent(QEvent *event) override;
+    bool eventFilter(QObject *watched, QEvent *event) override;
 
   private:
     void write();

@@ -19,11 +19,9 @@ namespace nv {
 
 namespace {
 
-constexpr int kMargin = 6; ///< pixels
-constexpr int kHeight = 120;
+constexpr int kMargin = 6;   ///< pixels
+constexpr int kHeight = 120; ///< of the bars, and of the hours too
 constexpr int kLeastHeight = 60;
-constexpr int kHeightOfHours = 120;
-constexpr int kLeastHeightOfHours = 60;
 constexpr int kPixelsPerBar = 3; ///< at least
 constexpr int kPixelsPerLabel = 110;
 constexpr std::size_t kLeastBars = 30;   ///< of a unit that is taken by itself
@@ -45,11 +43,11 @@ TimeStrip::TimeStrip(QWidget *parent) : QWidget(parent) {
 }
 
 QSize TimeStrip::sizeHint() const {
-    return {600, kHeight + (m_hasHours ? kHeightOfHours : 0)};
+    return {600, kHeight + (m_hasHours ? kHeight : 0)};
 }
 
 QSize TimeStrip::minimumSizeHint() const {
-    return {120, kLeastHeight + (m_hasHours ? kLeastHeightOfHours : 0)};
+    return {120, kLeastHeight + (m_hasHours ? kLeastHeight : 0)};
 }
 
 void TimeStrip::setEvents(TimedEvents events, const QString &zone) {
@@ -165,24 +163,51 @@ QString TimeStrip::textOf(std::size_t bar) const {
     return parts.isEmpty() ? events : tr("%1 (%2)").arg(events, parts.join(QStringLiteral(", ")));
 }
 
+/// In pixels, with the colour before it.
+int TimeStrip::roomOf(const QString &name) const {
+    return fontMetrics().horizontalAdvance(name) + fontMetrics().ascent() + 2 * kMargin;
+}
+
+/// The largest parts come first, so those that find no room are the smallest.
+TimeStrip::Legend TimeStrip::legend() const {
+    const auto all = static_cast<qsizetype>(m_chart.parts.size());
+    if (all == 1 && m_chart.parts.front().empty())
+        return {};
+    Legend legend;
+    QStringList &names = legend.names;
+    int room = width() / 2 - kMargin;
+    for (const std::string &part : m_chart.parts) {
+        const QString name = fontMetrics().elidedText(toQt(part), Qt::ElideRight, width() / 6);
+        const qsizetype others = all - names.size() - 1;
+        const int after = others > 0 ? roomOf(QStringLiteral("+%1").arg(others)) : 0;
+        if (!names.isEmpty() && roomOf(name) + after > room)
+            break;
+        room -= roomOf(name);
+        names << name;
+    }
+    if (names.size() < all)
+        legend.others = QStringLiteral("+%1").arg(all - names.size());
+    return legend;
+}
+
 void TimeStrip::drawSummary(QPainter &painter) const {
     const QFontMetrics metrics = fontMetrics();
-    int right = width() - kMargin;
-    for (std::size_t part = m_chart.parts.size(); part-- > 0;) {
-        const QString name =
-            metrics.elidedText(toQt(m_chart.parts[part]), Qt::ElideRight, width() / 6);
-        const int room = metrics.horizontalAdvance(name) + metrics.ascent() + 2 * kMargin;
-        if (name.isEmpty() || right - room < width() / 2)
-            continue;
-        right -= room;
-        painter.fillRect(right, kMargin, metrics.ascent(), metrics.ascent(),
-                         chartColor(part, palette()));
-        painter.drawText(QPoint(right + metrics.ascent() + kMargin / 2, kMargin + metrics.ascent()),
-                         name);
-    }
-    painter.drawText(QPoint(kMargin, kMargin + metrics.ascent()),
+    const Legend legend = this->legend();
+    int left = width() - kMargin - (legend.others.isEmpty() ? 0 : roomOf(legend.others));
+    for (const QString &name : legend.names)
+        left -= roomOf(name);
+    const int line = kMargin + metrics.ascent();
+    painter.drawText(QPoint(kMargin, line),
                      metrics.elidedText(m_cursor ? textOf(*m_cursor) : summary(), Qt::ElideRight,
-                                        right - 2 * kMargin));
+                                        left - 2 * kMargin));
+    std::size_t part = 0;
+    for (const QString &name : legend.names) {
+        painter.fillRect(left, kMargin, metrics.ascent(), metrics.ascent(),
+                         chartColor(m_chart.colorOf(part++), palette()));
+        painter.drawText(QPoint(left + metrics.ascent() + kMargin / 2, line), name);
+        left += roomOf(name);
+    }
+    painter.drawText(QPoint(left + kMargin / 2, line), legend.others);
 }
 
 void TimeStrip::drawChosen(QPainter &painter) const {

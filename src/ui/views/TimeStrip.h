@@ -4,6 +4,7 @@
 #include "views/Timeline.h"
 
 #include <QString>
+#include <QStringList>
 #include <QWidget>
 
 #include <optional>
@@ -40,6 +41,12 @@ class TimeStrip final : public QWidget {
     QString summary() const;
     /// "2011-03-01: 12 events (History 8, Cache 4)".
     QString textOf(std::size_t bar) const;
+    /// The names of the largest parts, as far as there is room, and "+2" for those left out.
+    struct Legend {
+        QStringList names;
+        QString others;
+    };
+    Legend legend() const;
 
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override;
@@ -73,6 +80,7 @@ class TimeStrip final : public QWidget {
     void choose(std::size_t one, std::size_t other);
     void clear();
     void drawChosen(QPainter &painter) const;
+    int roomOf(const QString &name) const;
     void drawSummary(QPainter &painter) const;
 
     TimedEvents m_events;

@@ -47,6 +47,28 @@ TEST_F(ColumnLimitTest, keepsPartsInEitherCaseOfAllAlphabets) {
     EXPECT_THAT(kept({.column = UrlColumn::WebpageTitle, .part = "%"}), IsEmpty());
 }
 
+TEST_F(ColumnLimitTest, keepsTypesByTheWordsOfTheTable) {
+    project.connection().exec(
+        "UPDATE URLs SET CacheType = CASE URL_ID WHEN 1 THEN 'Chrome Cache' WHEN 2 THEN "
+        "'chrome cache' WHEN 3 THEN 'Chrome History' END");
+    ASSERT_EQ(valuesOf(UrlColumn::Type), ColumnValues::texts);
+    CountedValues counted;
+    EXPECT_EQ(countValues(project.connection(), {1, 2, 3}, UrlColumn::Type, 10, task, counted),
+              Walk::Finished);
+    EXPECT_THAT(counted.values, ElementsAre(Pair("CHROME CACHE", 2), Pair("CHROME HISTORY", 1)));
+    EXPECT_THAT(kept({.column = UrlColumn::Type, .oneOf = {{"CHROME CACHE"}}}), ElementsAre(2, 1));
+    EXPECT_THAT(kept({.column = UrlColumn::Type, .part = "history"}), ElementsAre(3));
+    EXPECT_THAT(kept({.column = UrlColumn::Type, .oneOf = {{""}}}), ElementsAre(4));
+}
+
+TEST_F(ColumnLimitTest, keepsRowsThatAreRebuiltOrHaveANote) {
+    project.connection().exec("UPDATE URLs SET CacheFileRebuilt = (URL_ID = 2), Notes = CASE "
+                              "URL_ID WHEN 1 THEN 'seen' WHEN 3 THEN '' END");
+    EXPECT_THAT(kept({.column = UrlColumn::Note, .oneOf = {{"Yes"}}}), ElementsAre(1));
+    ASSERT_EQ(valuesOf(UrlColumn::Rebuilt), ColumnValues::texts);
+    EXPECT_THAT(kept({.column = UrlColumn::Rebuilt, .oneOf = {{"No"}}}), ElementsAre(4, 3, 1));
+}
+
 TEST_F(ColumnLimitTest, keepsRangesOfNumbers) {
     EXPECT_THAT(kept({.column = UrlColumn::Visits, .from = 3, .to = 7}), ElementsAre(4, 1));
     EXPECT_THAT(kept({.column = UrlColumn::Visits, .from = 8}), ElementsAre(2));

@@ -225,6 +225,26 @@ TEST_F(TimelineTest, chartsBeginWithTheLargestPartAndHaveRoundLabels) {
     EXPECT_THAT(chart.hours, IsEmpty());
 }
 
+TEST_F(TimelineTest, aPartHasOneColourWhateverElseIsShown) {
+    const auto colorOf = [this](std::string_view part) {
+        const TimedEvents loaded = events(TimeStack::kind);
+        const TimeChart chart =
+            chartOf(loaded, barsOf(loaded, TimeUnit::day, wholeSpan(loaded), 100), 10);
+        const auto found = std::ranges::find(chart.parts, part);
+        return chart.colorOf(static_cast<std::size_t>(found - chart.parts.begin()));
+    };
+    add({2011, 3, 1, 12, 0, 0}, "Chrome Cache");
+    const std::size_t cache = colorOf("Cache");
+    add({2011, 3, 1, 12, 0, 0}, "Chrome History");
+    add({2011, 3, 2, 12, 0, 0}, "Chrome History");
+    EXPECT_EQ(colorOf("Cache"), cache);
+    EXPECT_NE(colorOf("History"), cache);
+    EXPECT_EQ(colorPlaceOf("Google Chrome"), colorPlaceOf("Chrome"));
+    EXPECT_NE(colorPlaceOf("Edge"), colorPlaceOf("Chrome"));
+    EXPECT_EQ(colorPlaceOf("Unknown"), colorPlaceOf("Other"));
+    EXPECT_LT(colorPlaceOf("\xFF no such browser"), 8U);
+}
+
 TEST_F(TimelineTest, cancelledKeepsWhatWasRead) {
     for (int day = 1; day <= 9; ++day)
         add({2011, 3, day, 12, 0, 0});
@@ -236,12 +256,13 @@ TEST_F(TimelineTest, cancelledKeepsWhatWasRead) {
 }
 
 TEST(ChartFile, bringsAChartAcross) {
-    const TimeChart chart{"T",          {"one \xC3\xA4"}, {"a", "b"}, 2,
-                          {1, 2, 3, 4}, {{1, "label"}},   {{0, 1}},   {{1}, {2}}};
+    const TimeChart chart{"T",      {"one \xC3\xA4"}, {"a", "b"}, 2, {1, 2, 3, 4}, {{1, "label"}},
+                          {{0, 1}}, {{1}, {2}},       {3, 1}};
     const auto read = chartOf(textOf(chart));
     ASSERT_TRUE(read);
     EXPECT_EQ(textOf(*read), textOf(chart));
     EXPECT_THAT(read->counts, ElementsAre(1, 2, 3, 4));
+    EXPECT_THAT(read->colors, ElementsAre(3, 1));
 }
 
 TEST(ChartFile, refusesWhatDoesNotFit) {
@@ -249,6 +270,7 @@ TEST(ChartFile, refusesWhatDoesNotFit) {
          {"", "[]", "{}", R"({"bars":1})", R"({"bars":1,"parts":["a"],"counts":[]})",
           R"({"bars":1,"parts":["a"],"counts":[1],"labels":[[1,"x"]]})",
           R"({"bars":1,"parts":["a"],"counts":[1],"gaps":[[0,1]]})",
+          R"({"bars":1,"parts":["a"],"counts":[1],"colors":[0,1]})",
           R"({"bars":1,"parts":["a"],"counts":[1],"hours":[[],[]]})",
           R"({"bars":4294967295,"parts":[],"counts":[]})",
           R"({"bars":-1,"parts":["a"],"counts":[1]})",
