@@ -151,7 +151,7 @@ void TimelineTest::barsSayWhatTheyHold() {
 void TimelineTest::aNarrowLegendLeavesOutTheSmallestParts() {
     TimedEvents events;
     events.parts = {"Bookmarks", "Cookies", "Cache", "History"};
-    for (std::uint16_t part = 0; part < 4; ++part)
+    for (std::uint8_t part = 0; part < 4; ++part)
         for (int event = 0; event <= part; ++event) {
             events.seconds.push_back(secondOf(1 + event));
             events.part.push_back(part);
