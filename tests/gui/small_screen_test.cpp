@@ -27,6 +27,7 @@ class SmallScreenTest : public QObject {
     void init();
     void cleanup();
     void theWindowFitsWhateverIsInFront();
+    void theListOfTagsFitsBesideThePlaces();
     void theBoxesOverBytesAreWideEnough_data();
     void theBoxesOverBytesAreWideEnough();
     void longNamesDontWidenIt();
@@ -75,7 +76,6 @@ void SmallScreenTest::cleanup() {
 void SmallScreenTest::theWindowFitsWhateverIsInFront() {
     trigger(*m_form, "actHosts");
     trigger(*m_form, "actFind");
-    trigger(*m_form, "actTags");
     auto &data = child<QTabWidget>(*m_form, "dataTabs");
     auto &viewers = child<QTabWidget>(*m_form, "viewerTabs");
     for (int tab = 0; tab < data.count(); ++tab)
@@ -87,6 +87,14 @@ void SmallScreenTest::theWindowFitsWhateverIsInFront() {
         }
     m_form->resize(kRoom);
     QCOMPARE(m_form->size(), kRoom);
+}
+
+void SmallScreenTest::theListOfTagsFitsBesideThePlaces() {
+    child<QAction>(*m_form, "actHosts").setChecked(false);
+    child<QAction>(*m_form, "actPlaces").setChecked(true);
+    child<QAction>(*m_form, "actTags").setChecked(true);
+    QApplication::processEvents();
+    QCOMPARE(tooLarge(), QString());
 }
 
 void SmallScreenTest::theBoxesOverBytesAreWideEnough_data() {

@@ -55,7 +55,7 @@ TagsPane::TagsPane(QWidget *parent) : QWidget(parent) {
         label->setWordWrap(true);
         label->setMargin(4);
     }
-    constexpr int kNarrowest = 26; // characters
+    constexpr int kNarrowest = 20; // characters
     setMinimumWidth(kNarrowest * fontMetrics().averageCharWidth());
     auto *column = new QVBoxLayout(this);
     column->setContentsMargins(0, 0, 0, 0);
