@@ -1,6 +1,7 @@
 #include "app/program/ProjectHold.h"
 #include "db/RecordTags.h"
 #include "gui/LimitedTable.h"
+#include "gui/PlacesTree.h"
 #include "support/builders/IndexDat.h"
 #include "ui/import/ImportForm.h"
 #include "ui/views/FilterForm.h"
@@ -75,24 +76,9 @@ class HashSetsTest : public QObject {
         return cells;
     }
     QTreeView &tree() { return child<QTreeView>(m_on->form, "PlacesTree"); }
-    QModelIndex placeOf(const QString &name, const QModelIndex &parent = {}) {
-        const QAbstractItemModel &model = *tree().model();
-        for (int row = 0; row < model.rowCount(parent); ++row) {
-            const QModelIndex index = model.index(row, 0, parent);
-            if (index.data().toString() == name)
-                return index;
-            if (const QModelIndex below = placeOf(name, index); below.isValid())
-                return below;
-        }
-        return {};
-    }
+    QModelIndex placeOf(const QString &name) { return placeIn(tree(), name); }
     void click(const QString &name, Qt::KeyboardModifiers keys = Qt::NoModifier) {
-        const QModelIndex index = placeOf(name);
-        QVERIFY2(index.isValid(), qPrintable(name));
-        tree().scrollTo(index);
-        QTest::mouseClick(tree().viewport(), Qt::LeftButton, keys,
-                          tree().visualRect(index).center());
-        QTest::qWait(10);
+        clickPlace(tree(), name, keys);
     }
     void matchBoth() {
         inForm([this](HashSetsForm &form) {

@@ -52,6 +52,7 @@ class ImportStepsTest : public QObject {
     static QList<QUrl> urlsOf(const std::vector<fs::path> &paths);
     /// Lets the check begin and end.
     static void waitForCheck(ImportForm &wizard);
+    void importByTheThirdStep();
     fs::path secondEvidence();
     int rows() { return child<TableTab>(*m_form, "TableTab").grid().model()->rowCount(); }
 
@@ -97,6 +98,15 @@ void ImportStepsTest::drop(QWidget &target, const QList<QUrl> &urls) {
 
 void ImportStepsTest::waitForCheck(ImportForm &wizard) {
     QVERIFY(waitFor([&wizard] { return wizard.isReady(); }));
+}
+
+void ImportStepsTest::importByTheThirdStep() {
+    whenShown<ImportForm>([](ImportForm &wizard) {
+        auto &next = child<QPushButton>(wizard, "btnNext");
+        QVERIFY(waitFor([&next] { return next.text() == QStringLiteral("Finished"); }));
+        next.click();
+    });
+    button("btnStepImport").click();
 }
 
 fs::path ImportStepsTest::secondEvidence() {
@@ -154,12 +164,7 @@ void ImportStepsTest::theCheckIsKeptUntilTheImport() {
     QVERIFY(text("labStepCheck").contains(QStringLiteral("3 of 3 files")));
     QVERIFY(text("labStepCheck").contains(QStringLiteral("Time zone: ")));
     QVERIFY(button("btnStepImport").isEnabled());
-    whenShown<ImportForm>([](ImportForm &wizard) {
-        auto &next = child<QPushButton>(wizard, "btnNext");
-        QVERIFY(waitFor([&next] { return next.text() == QStringLiteral("Finished"); }));
-        next.click();
-    });
-    button("btnStepImport").click();
+    importByTheThirdStep();
     QCOMPARE(rows(), 6);
 }
 
@@ -177,12 +182,7 @@ void ImportStepsTest::theCheckOutlivesTheProject() {
     child<QPushButton>(empty, "btnStepCheck").click();
     trigger(*m_form, "actClose");
     m_desk->dialogs.answer = m_desk->folder.path() / "second.nvp";
-    whenShown<ImportForm>([](ImportForm &wizard) {
-        auto &next = child<QPushButton>(wizard, "btnNext");
-        QVERIFY(waitFor([&next] { return next.text() == QStringLiteral("Finished"); }));
-        next.click();
-    });
-    button("btnStepImport").click();
+    importByTheThirdStep();
     QCOMPARE(rows(), 6);
 }
 

@@ -1,4 +1,5 @@
 #include "gui/CachedSite.h"
+#include "gui/PlacesTree.h"
 #include "platform/qt/PageGuard.h"
 #include "platform/qt/QtText.h"
 #include "ui/views/PlacesPane.h"
@@ -62,25 +63,9 @@ class PlacesTest : public QObject {
         tab().grid().setCurrentUrl(UrlId{id});
         QTest::qWait(30);
     }
-    /// The place of this name.
-    QModelIndex placeOf(const QString &name, const QModelIndex &parent = {}) {
-        const QAbstractItemModel &model = *tree().model();
-        for (int row = 0; row < model.rowCount(parent); ++row) {
-            const QModelIndex index = model.index(row, 0, parent);
-            if (index.data().toString() == name)
-                return index;
-            if (const QModelIndex below = placeOf(name, index); below.isValid())
-                return below;
-        }
-        return {};
-    }
+    QModelIndex placeOf(const QString &name) { return placeIn(tree(), name); }
     void click(const QString &name, Qt::KeyboardModifiers keys = Qt::NoModifier) {
-        const QModelIndex index = placeOf(name);
-        QVERIFY2(index.isValid(), qPrintable(name));
-        tree().scrollTo(index);
-        QTest::mouseClick(tree().viewport(), Qt::LeftButton, keys,
-                          tree().visualRect(index).center());
-        QTest::qWait(10);
+        clickPlace(tree(), name, keys);
     }
     void choose(const QString &name, const char *action) {
         const QModelIndex index = placeOf(name);
