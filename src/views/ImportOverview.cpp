@@ -70,50 +70,46 @@ class TrailReading {
         m_overview.isKnown = m_hasAny;
         if (!m_hasEnd || m_isOpen)
             m_overview.scope = ImportScope::all;
-        if (m_overview.scope == ImportScope::all) {
-            m_overview.gaps = std::move(m_allGaps);
-            m_overview.read = m_allRead;
-            m_overview.reached = m_allReached;
-        } else {
-            m_overview.gaps = std::move(m_gaps);
-            m_overview.read = m_read;
-            m_overview.reached = m_reached;
-        }
-        if (m_overview.scope == ImportScope::last)
-            m_overview.end = m_last;
-        else
-            m_overview.end = m_sum;
+        Told &told = m_overview.scope == ImportScope::all ? m_all : m_last;
+        m_overview.gaps = std::move(told.gaps);
+        m_overview.read = told.read;
+        m_overview.reached = told.reached;
+        m_overview.end = told.end;
         m_overview.found = m_overview.reached + m_overview.end.notReached;
         std::ranges::stable_sort(m_overview.gaps, std::greater(), &ImportGap::light);
     }
 
   private:
+    struct Told {
+        std::vector<ImportGap> gaps;
+        std::uint64_t read = 0;    ///< files
+        std::uint64_t reached = 0; ///< files
+        ImportEnd end;
+    };
+
     /// Forgets the import before when the next one begins.
     void beginIfNeeded() {
         m_hasAny = true;
         if (std::exchange(m_isOpen, true))
             return;
-        m_gaps.clear();
-        m_read = m_reached = 0;
+        m_last = {};
         m_overview.verified.clear();
         m_overview.hasChanged = false;
     }
 
     void addGap(ImportGap gap) {
-        m_allGaps.push_back(gap);
-        m_gaps.push_back(std::move(gap));
+        m_all.gaps.push_back(gap);
+        m_last.gaps.push_back(std::move(gap));
     }
 
     void takeFile(const ImportedFile &file, const TrailEntry &entry) {
         beginIfNeeded();
         noteEnd(entry);
-        ++m_reached;
-        ++m_allReached;
-        const ImportLight light = file.lacksRows ? ImportLight::red : lightOfState(file.state);
-        if (file.state == ArtefactState::complete) {
-            ++m_read;
-            ++m_allRead;
+        for (Told *told : {&m_last, &m_all}) {
+            ++told->reached;
+            told->read += file.state == ArtefactState::complete ? 1 : 0;
         }
+        const ImportLight light = file.lacksRows ? ImportLight::red : lightOfState(file.state);
         if (light != ImportLight::green)
             addGap(gapOf(entry, stateWord(file.state), file.why, light));
         compareWithBefore(entry);
@@ -144,16 +140,17 @@ class TrailReading {
         m_isOpen = false;
         m_hasEnd = true;
         noteEnd(entry);
-        m_last = end;
-        m_sum.lastRow = end.lastRow;
-        m_sum.notReached += end.notReached;
-        m_sum.rowsLost += end.rowsLost;
-        m_sum.passedOver += end.passedOver;
-        m_sum.linksNotFollowed += end.linksNotFollowed;
-        m_sum.shaderCaches += end.shaderCaches;
-        m_sum.cancelled |= end.cancelled;
+        m_last.end = end;
+        ImportEnd &sum = m_all.end;
+        sum.lastRow = end.lastRow;
+        sum.notReached += end.notReached;
+        sum.rowsLost += end.rowsLost;
+        sum.passedOver += end.passedOver;
+        sum.linksNotFollowed += end.linksNotFollowed;
+        sum.shaderCaches += end.shaderCaches;
+        sum.cancelled |= end.cancelled;
         if (!end.failure.empty())
-            m_sum.failure = end.failure;
+            sum.failure = end.failure;
     }
 
     void noteEnd(const TrailEntry &entry) {
@@ -173,14 +170,8 @@ class TrailReading {
 
     ImportOverview &m_overview;
     std::map<std::string, std::string> m_hashes; ///< of each path as it was imported last
-    std::vector<ImportGap> m_gaps;               ///< of the import in hand
-    std::vector<ImportGap> m_allGaps;
-    ImportEnd m_last;
-    ImportEnd m_sum;
-    std::uint64_t m_read = 0;
-    std::uint64_t m_reached = 0;
-    std::uint64_t m_allRead = 0;
-    std::uint64_t m_allReached = 0;
+    Told m_last;                                 ///< of the import in hand, or of the last one
+    Told m_all;
     bool m_hasAny = false;
     bool m_hasEnd = false;
     bool m_isOpen = false; ///< an import has begun whose end hasn't come
