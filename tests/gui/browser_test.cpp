@@ -1,4 +1,5 @@
 #include "gui/CachedSite.h"
+#include "gui/HostilePages.h"
 #include "platform/qt/PageGuard.h"
 #include "platform/qt/QtText.h"
 #include "ui/views/BrowserPane.h"
@@ -9,7 +10,6 @@
 #include <QPushButton>
 #include <QSignalSpy>
 #include <QTabWidget>
-#include <QTcpServer>
 #include <QTest>
 #include <QWebEngineView>
 #include <SQLiteCpp/Database.h>
@@ -50,18 +50,14 @@ class BrowserTest : public QObject {
     void clickLink();
     fs::path tempFile(const char *name) { return m_desk->program.state.tempFolderPath / name; }
 
-    std::unique_ptr<QTcpServer> m_server;
-    int m_heard = 0;
+    std::unique_ptr<Listener> m_listener;
     std::unique_ptr<Desk> m_desk;
     std::unique_ptr<MainForm> m_form;
 };
 
 void BrowserTest::init() {
-    m_server = std::make_unique<QTcpServer>();
-    m_heard = 0;
-    connect(m_server.get(), &QTcpServer::newConnection, this, [this] { ++m_heard; });
-    QVERIFY(m_server->listen(QHostAddress::LocalHost));
-    const std::string live = "http://127.0.0.1:" + std::to_string(m_server->serverPort());
+    m_listener = std::make_unique<Listener>();
+    const std::string live = m_listener->in("@");
     m_desk = std::make_unique<Desk>();
     m_form = std::make_unique<MainForm>(m_desk->program, m_desk->dialogs);
     m_form->resize(1200, 900);
@@ -87,7 +83,7 @@ void BrowserTest::init() {
 }
 
 void BrowserTest::cleanup() {
-    QCOMPARE(m_heard, 0);
+    QCOMPARE(m_listener->heard, 0);
     m_form.reset();
     m_desk.reset();
 }
@@ -137,8 +133,7 @@ void BrowserTest::aClickOnALinkIsRefusedAndTold() {
     QCOMPARE(pageText(), QStringLiteral("live")); // and no script has run
     const QString before = location();
     clickLink();
-    const QString blocked =
-        QStringLiteral("URL BLOCKED: http://127.0.0.1:%1/next").arg(m_server->serverPort());
+    const QString blocked = toQt(m_listener->in("URL BLOCKED: @/next"));
     QVERIFY(waitFor([&] { return child<QLabel>(*m_form, "labNotice").text() == blocked; }));
     QCOMPARE(location(), before);
     QCOMPARE(pageText(), QStringLiteral("live"));

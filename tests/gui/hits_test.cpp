@@ -1,4 +1,5 @@
 #include "gui/CachedSite.h"
+#include "gui/HostilePages.h"
 #include "platform/qt/PageGuard.h"
 #include "platform/qt/QtText.h"
 #include "ui/views/BrowserHits.h"
@@ -12,7 +13,6 @@
 #include <QPlainTextEdit>
 #include <QSignalSpy>
 #include <QTabWidget>
-#include <QTcpServer>
 #include <QTest>
 #include <QTextEdit>
 #include <QToolButton>
@@ -53,18 +53,14 @@ class HitsTest : public QObject {
     /// Points of the pane in the colour of marks.
     static int marked(QWidget &widget, const QColor &ground);
 
-    std::unique_ptr<QTcpServer> m_server;
-    int m_heard = 0;
+    std::unique_ptr<Listener> m_listener;
     std::unique_ptr<Desk> m_desk;
     std::unique_ptr<MainForm> m_form;
 };
 
 void HitsTest::init() {
-    m_server = std::make_unique<QTcpServer>();
-    m_heard = 0;
-    connect(m_server.get(), &QTcpServer::newConnection, this, [this] { ++m_heard; });
-    QVERIFY(m_server->listen(QHostAddress::LocalHost));
-    const std::string live = "http://127.0.0.1:" + std::to_string(m_server->serverPort());
+    m_listener = std::make_unique<Listener>();
+    const std::string live = m_listener->in("@");
     m_desk = std::make_unique<Desk>();
     m_form = std::make_unique<MainForm>(m_desk->program, m_desk->dialogs);
     m_form->resize(1280, 900);
@@ -86,7 +82,7 @@ void HitsTest::init() {
 }
 
 void HitsTest::cleanup() {
-    QCOMPARE(m_heard, 0);
+    QCOMPARE(m_listener->heard, 0);
     m_form.reset();
     m_desk.reset();
 }
