@@ -82,7 +82,6 @@ void Verdict::applyTo(UrlRecord &record) const {
 }
 
 Verdict Categories::verdictOn(const UrlRecord &record, SavedContent &content) const {
-    // A cookie is one whatever its file, or the address that it belongs to, is called.
     if (record.IsCookie)
         return {"", record.Category};
     Verdict verdict;
@@ -95,8 +94,9 @@ Verdict Categories::verdictOn(const UrlRecord &record, SavedContent &content) co
     return verdict;
 }
 
+/// A cookie is one whatever its file, or the address that it belongs to, is called.
 bool Categories::looksAtContent(const UrlRecord &record) const {
-    return !record.IsHistory && record.CacheFileExists &&
+    return !record.IsCookie && !record.IsHistory && record.CacheFileExists &&
            (m_signatures == Signatures::verify || record.CacheFileExt.empty());
 }
 

@@ -35,10 +35,11 @@ class Categories {
     /// them; its names must be in order (orderNames() in db/RecordNames.h). Cached content that
     /// can't be read is logged, and the name decides.
     Verdict verdictOn(const UrlRecord &record, SavedContent &content) const;
+    /// Whether it takes a look at the content for that.
+    bool looksAtContent(const UrlRecord &record) const;
 
   private:
     std::string extensionByContent(const UrlRecord &record, SavedContent &content) const;
-    bool looksAtContent(const UrlRecord &record) const;
 
     Signatures m_signatures;
     FailureLog &m_log;

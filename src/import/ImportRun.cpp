@@ -8,7 +8,6 @@
 #include "db/SourceFiles.h"
 #include "db/UncheckedReferences.h"
 #include "db/WriteBatch.h"
-#include "import/Categories.h"
 #include "import/ImportSink.h"
 #include "readers/BrowserOf.h"
 #include "readers/ContentProbe.h"
@@ -130,9 +129,8 @@ class Import {
                                                .folder = m_scratch.path(),
                                                .log = m_log,
                                                .classicOnly = job.classicOnly},
-          m_categories(job.verifyFileSignatures ? Signatures::verify : Signatures::trustNames,
-                       m_log),
-          m_metadata(m_log), m_looksIntoPages(job.parseAdvancedMetadata),
+          m_looks{job.verifyFileSignatures ? Signatures::verify : Signatures::trustNames,
+                  job.parseAdvancedMetadata, run.hashSets != nullptr},
           m_classicOnly(job.classicOnly), m_secrets(job.secrets), m_browserOf(run.evidence, &m_log),
           m_sources(run.project, run.clock, m_log,
                     job.classicOnly ? ReadBy::classicRules : ReadBy::allRules),
@@ -217,11 +215,13 @@ class Import {
     void read(const Reader &reader, HistoryFile &file, ArtefactResult &result, SubTask task) {
         if (!isReadAtOnce(reader, file))
             m_batch.commit(); // what came before doesn't wait for it
-        ImportSink sink(m_store, m_categories, m_extraction, m_content, m_batch, file, result,
-                        m_looksIntoPages ? &m_metadata : nullptr, m_run.hashSets);
+        ImportSink sink(m_store, m_looks, m_extraction, m_content, m_batch, file, result);
+        sink.lookWith(m_workers);
+        sink.lookUpIn(m_run.hashSets);
         AskedSink asked(sink, m_asked, reader);
         settle(result, ArtefactState::failed, "the import ended while this file was read");
         ReadResult outcome = readTrapped(reader, file, asked, task);
+        sink.finish();
         result.type = file.historyFileType;
         if (std::exchange(result.origin, file.origin) != file.origin)
             m_sources.noteOrigin(file); // its reading has told more than its place
@@ -283,9 +283,7 @@ class Import {
     ContentProbe m_content;
     ScratchFolder m_scratch;
     Extraction m_extraction;
-    Categories m_categories;
-    AdvancedMetadata m_metadata;
-    bool m_looksIntoPages;
+    ContentLooks m_looks;
     bool m_classicOnly;
     bool m_secrets;
     BrowserOf m_browserOf;
@@ -296,6 +294,7 @@ class Import {
     std::size_t m_finished = 0; ///< artefacts, from the first
     std::size_t m_finishedKept = 0;
     RowsByKind m_rowsKept; ///< of the artefact after them
+    Workers m_workers;
     WriteBatch m_batch;    ///< over artefacts: a commit for each loose page takes long
 };
 

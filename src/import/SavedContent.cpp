@@ -39,6 +39,11 @@ const ContentFacts &SavedContent::factsIn(const Body &found) {
     });
 }
 
+bool SavedContent::isOutsideScratch() {
+    const Body *found = body();
+    return found && (found->isInMemory || !isScratch(*found));
+}
+
 const ContentFacts *SavedContent::facts() {
     const Body *found = body();
     if (!found)

@@ -27,6 +27,9 @@ class SavedContent {
     // Each throws FileFailure when the content can't be read, and StorageFailure when what was
     // fetched into scratch isn't there any more.
 
+    /// Finds the content. False where there is none, and where it lies in scratch, under a name
+    /// that the next record's gets too.
+    [[nodiscard]] bool isOutsideScratch();
     /// Null when there is no content.
     const ContentFacts *facts();
     /// Where it lies, or would lie if it weren't in memory; empty when there is none.

@@ -21,7 +21,9 @@ namespace nv {
 class RecordSink {
   public:
     virtual ~RecordSink() = default;
-    /// Saves the record: its URLID stands in it afterwards, and its category and links are stored.
+    /// Takes the record on its way into the project. Rows are written in the order of their coming,
+    /// some of them a little later: what the record then holds is what its reader gave, or beyond
+    /// that its category, and its URLID.
     virtual void save(UrlRecord &record) = 0;
 };
 

@@ -1,6 +1,5 @@
 #include "db/RecordStore.h"
 #include "db/WriteBatch.h"
-#include "import/Categories.h"
 #include "import/ImportSink.h"
 #include "support/TestProject.h"
 
@@ -81,10 +80,10 @@ void saveThroughTheSink(benchmark::State &state) {
     WriteBatch batch(project.connection());
     const Evidence evidence("/evidence");
     ContentProbe content;
-    const Categories categories(Signatures::verify, project.log);
     const Extraction extraction{evidence, project.folder.path(), project.log};
     ArtefactResult result;
-    ImportSink sink(store, categories, extraction, content, batch, project.file, result);
+    const ContentLooks looks = {Signatures::verify, false, false};
+    ImportSink sink(store, looks, extraction, content, batch, project.file, result);
     std::int64_t n = 0;
     for (auto _ : state) {
         UrlRecord record = cacheRecord(++n);

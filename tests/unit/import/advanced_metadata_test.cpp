@@ -33,11 +33,8 @@ class AdvancedMetadataTest : public testing::Test {
     /// The record on its way into the project.
     UrlRecord saved(UrlRecord record) {
         const Extraction extraction{evidence, project.folder.path(), project.log};
-        const Categories categories(Signatures::verify, project.log);
-        const AdvancedMetadata metadata(project.log);
         WriteBatch batch(project.connection());
-        ImportSink sink(store, categories, extraction, content, batch, project.file, result,
-                        &metadata);
+        ImportSink sink(store, ContentLooks(), extraction, content, batch, project.file, result);
         sink.save(record);
         return record;
     }

@@ -27,12 +27,12 @@ struct HashSetImportTest : testing::Test {
         record.RootPath = evidence.rootOf(file);
         record.CacheFileRelativePath = evidence.relativeOf(file);
         const Extraction extraction{evidence, project.folder.path(), project.log};
-        const Categories categories(Signatures::verify, project.log);
+        const ContentLooks looks = {Signatures::verify, false, lookup != nullptr};
         ContentProbe bodies;
         WriteBatch batch(project.connection());
-        ImportSink(store, categories, extraction, bodies, batch, project.file, result, nullptr,
-                   lookup)
-            .save(record);
+        ImportSink sink(store, looks, extraction, bodies, batch, project.file, result);
+        sink.lookUpIn(lookup);
+        sink.save(record);
         return record;
     }
 
