@@ -320,10 +320,10 @@ void PlacesPane::showMenu(const QPoint &place) {
         else
             addPlaceActions(*limit);
         m_menu->addSeparator();
-        addAction("actTagPlace", tr("&Tag Its Rows"), [this, limit] {
+        addAction("actTagPlace", tr("&Tick Its Rows"), [this, limit] {
             emit tagWanted(*limit, true);
         })->setEnabled(!m_readOnly);
-        addAction("actUntagPlace", tr("&Untag Its Rows"), [this, limit] {
+        addAction("actUntagPlace", tr("&Untick Its Rows"), [this, limit] {
             emit tagWanted(*limit, false);
         })->setEnabled(!m_readOnly);
         m_menu->addSeparator();
