@@ -17,7 +17,8 @@ Argument tagOption(std::string &tag) {
 
 Argument tagsOption(std::vector<std::string> &tags) {
     return value("--tag", tags,
-                 "Only rows with a tag of this name; of several names, with one or more of them");
+                 "Only rows with a tag of this name; said for several, with one or more of them")
+        .saidForEach();
 }
 
 NamedTag namedTag(SQLite::Database &project, const std::string &name) {

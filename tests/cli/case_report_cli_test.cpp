@@ -64,7 +64,7 @@ TEST_F(CaseReportCliTest, rowsAreChosenBySeveralTags) {
     EXPECT_THAT(report({"--overwrite"}).out, HasSubstr("3 rows reported"))
         << "only the window offers what was chosen last";
     EXPECT_EQ(report({"--tag", "Important", "--tag", "None", "--overwrite"}).exit, 1);
-    EXPECT_EQ(cli({"list", project, "--tag", "Important", "--tag", "Later", "--columns", "id",
+    EXPECT_EQ(cli({"list", "--tag", "Important", project, "--tag", "Later", "--columns", "id",
                    "--format", "tsv"})
                   .out,
               "id\n1\n3\n");
