@@ -40,7 +40,6 @@ class PlacesTest : public QObject {
     void keysChooseToo();
     void theMenuLeavesOutAndTags();
     void aBoxFindsPlaces();
-    void theMarkGoesWithTheLimit();
     void theListOfHostsStandsInTheirPlace();
     void aNewProjectHasNoLimit();
     void theCardSaysWhatTheRecordIs();
@@ -76,13 +75,6 @@ class PlacesTest : public QObject {
         child<QAction>(menu, action).trigger();
         menu.close();
         QTest::qWait(10);
-    }
-    /// The places that look clicked.
-    QStringList marked() {
-        QStringList names;
-        for (const QModelIndex &index : tree().selectionModel()->selectedRows())
-            names += index.data().toString();
-        return names;
     }
     QString cardText() { return child<QTextEdit>(*m_form, "cardText").toPlainText(); }
     QString front() { return viewers().currentWidget()->objectName(); }
@@ -204,37 +196,6 @@ void PlacesTest::aBoxFindsPlaces() {
     QVERIFY(!placeOf(QStringLiteral("other.example")).isValid());
     click(QStringLiteral("img.harbour.example"));
     QCOMPARE(rows(), 1);
-}
-
-void PlacesTest::theMarkGoesWithTheLimit() {
-    const QStringList other{QStringLiteral("other.example")};
-    const QStringList harbour{QStringLiteral("harbour.example")};
-    click(other.front());
-    click(harbour.front());
-    QCOMPARE(marked(), harbour);
-    trigger(*m_form, "actUndo");
-    QCOMPARE(rows(), 2);
-    QCOMPARE(marked(), other);
-    trigger(*m_form, "actUndo");
-    QCOMPARE(rows(), 4);
-    QCOMPARE(marked(), QStringList());
-    shot("places-undone");
-    trigger(*m_form, "actRedo");
-    QCOMPARE(marked(), other);
-    trigger(*m_form, "actClearLimits");
-    QCOMPARE(rows(), 4);
-    QCOMPARE(marked(), QStringList());
-    click(harbour.front());
-    child<QToolButton>(*m_form, "btnChip0").click();
-    QTRY_COMPARE(rows(), 4);
-    QCOMPARE(marked(), QStringList());
-    click(harbour.front());
-    click(other.front(), Qt::ControlModifier);
-    click(other.front(), Qt::ControlModifier);
-    QCOMPARE(marked(), harbour);
-    choose(other.front(), "actWithoutPlace");
-    QTest::mouseClick(&child<QToolButton>(pane(), "btnAllPlaces"), Qt::LeftButton);
-    QCOMPARE(marked(), QStringList());
 }
 
 void PlacesTest::theListOfHostsStandsInTheirPlace() {

@@ -1,5 +1,4 @@
 #include "base/Files.h"
-#include "db/RecordTags.h"
 #include "gui/CachedSite.h"
 #include "platform/qt/PageGuard.h"
 #include "ui/reports/RedactionForm.h"
@@ -13,7 +12,6 @@
 #include <QDialogButtonBox>
 #include <QLabel>
 #include <QLineEdit>
-#include <QListWidget>
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QRadioButton>
@@ -37,7 +35,6 @@ class ReportTest : public QObject {
     void aTypeHasToBeChosen();
     void aReportIsMadeOfTheRowsInView();
     void taggedRowsAreOfferedFirst();
-    void rowsWithTagsAreChosenAndKept();
     void optionsAreKept();
     void aFinishedReportComesToTheFront();
     void aReportIsFoundAgainWithItsProject();
@@ -125,62 +122,6 @@ void ReportTest::taggedRowsAreOfferedFirst() {
     const std::string text = page("index-history.htm");
     QVERIFY(text.find("name='box1'") != std::string::npos);
     QVERIFY(text.find("name='box2'") == std::string::npos);
-}
-
-void ReportTest::rowsWithTagsAreChosenAndKept() {
-    SQLite::Database &project = m_desk->program.state.projectDB.connection();
-    NamedTags tags(project);
-    Unwatched nobody;
-    const auto add = [&](const char *name, const RowIds &rows) {
-        const NamedTag tag =
-            tags.add({.tagID = 0, .name = name, .color = {}, .position = 0, .note = {}});
-        QVERIFY(RecordTags(project).set(tag.tagID, rows, {}, nobody));
-    };
-    add("Important", {2});
-    add("Ask <b>", {1, 2});
-    add("Later", {});
-    const auto check = [](ReportForm &form, int row, Qt::CheckState state) {
-        child<QListWidget>(form, "lstReportTags").item(row)->setCheckState(state);
-    };
-    const auto named = [](ReportForm &form) -> QRadioButton & {
-        return child<QRadioButton>(form, "opNamedTags");
-    };
-    whenShown<ReportForm>([&](ReportForm &form) {
-        auto &list = child<QListWidget>(form, "lstReportTags");
-        QCOMPARE(list.count(), 3);
-        QCOMPARE(list.item(1)->text(), QStringLiteral("Ask <b> (2)"));
-        QVERIFY(!named(form).isChecked());
-        child<QComboBox>(form, "cbReportType").setCurrentIndex(3);
-        named(form).click();
-        press(form, QDialogButtonBox::Ok);
-        QVERIFY2(form.isVisible(), "no tag is checked");
-        QCOMPARE(m_desk->examiner.heard.back(), std::string("report-tag-missing"));
-        child<QRadioButton>(form, "opAll").click();
-        check(form, 0, Qt::Checked);
-        QVERIFY2(named(form).isChecked(), "who checks a tag means its rows");
-        QVERIFY(named(form).text().contains(u'1'));
-        QCOMPARE(child<QComboBox>(form, "cbCards").currentData().toInt(),
-                 static_cast<int>(CaseCards::tagged));
-        if (const QString shots = qEnvironmentVariable("NV_SHOTS"); !shots.isEmpty())
-            form.grab().save(shots + QStringLiteral("/report-tags.png"));
-        child<QComboBox>(form, "cbReportType").setCurrentIndex(2);
-        press(form, QDialogButtonBox::Ok);
-    });
-    trigger(*m_form, "actCreateReport");
-    const std::string text = page("index-history.htm");
-    QVERIFY(text.find("name='box1'") != std::string::npos);
-    QVERIFY(text.find("name='box2'") == std::string::npos);
-    tags.remove(tags.find("Later")->tagID);
-    make(2, [&](ReportForm &form) {
-        QVERIFY2(named(form).isChecked(), "kept with the project");
-        QCOMPARE(child<QListWidget>(form, "lstReportTags").item(0)->checkState(), Qt::Checked);
-        QCOMPARE(child<QListWidget>(form, "lstReportTags").item(1)->checkState(), Qt::Unchecked);
-        check(form, 1, Qt::Checked);
-        QVERIFY(named(form).text().contains(u'2'));
-    });
-    QVERIFY(page("index-history.htm").find("name='box2'") != std::string::npos);
-    make(2, [&](ReportForm &form) { child<QRadioButton>(form, "opAll").click(); });
-    make(2, [&](ReportForm &form) { QVERIFY(!named(form).isChecked()); });
 }
 
 void ReportTest::optionsAreKept() {
