@@ -23,6 +23,11 @@ Argument Argument::from1() && {
     return std::move(*this);
 }
 
+Argument Argument::saidForEach() && {
+    isSaidAgain = true;
+    return std::move(*this);
+}
+
 Argument Argument::separatedByCommas() && {
     hasCommas = true;
     return std::move(*this);

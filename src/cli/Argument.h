@@ -31,8 +31,9 @@ struct Argument {
     std::string_view what; ///< its line in the help
 
     bool isRequired = false;
-    bool isFrom1 = false;                  ///< of numbers: 0 and less are refused
-    bool hasCommas = false;                ///< several values may stand in one word
+    bool isFrom1 = false;     ///< of numbers: 0 and less are refused
+    bool hasCommas = false;   ///< several values may stand in one word
+    bool isSaidAgain = false; ///< of several values: the option is said for each of them
     std::vector<std::string> choices = {}; ///< in any case; empty when each word will do
     std::string standard = {};             ///< the default as the help shows it; may be empty
     std::string_view needs = {}; ///< an earlier option of the command that must be there too
@@ -40,6 +41,7 @@ struct Argument {
     Argument required() &&;
     Argument from1() &&;
     Argument separatedByCommas() &&;
+    Argument saidForEach() &&;
     Argument oneOf(std::vector<std::string> words) &&;
     /// What the target holds is shown as the default.
     Argument showingDefault() &&;

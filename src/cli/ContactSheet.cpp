@@ -56,7 +56,7 @@ std::string tileText(const Tile &tile, const Bytes &thumbnail) {
     return fmt::format("<figure{}><div class=\"picture\">{}</div><figcaption>{}{}{}<small>{}"
                        "</small></figcaption></figure>\n",
                        tile.tagged ? " class=\"tagged\"" : "", pictureOf(thumbnail),
-                       captionOf(tile), tile.tagged ? ", tagged" : "", shape,
+                       captionOf(tile), tile.tagged ? ", ticked" : "", shape,
                        htmlText(plainLine(tile.toolTip)));
 }
 

@@ -50,18 +50,56 @@ std::string_view stateWord(SourceNow state) {
     return {};
 }
 
+/// Marks of direction and the like, which would turn the lines of a terminal around, stand in JSON
+/// as "\u202e". They only come in texts.
+std::string unmasked(const std::string &json) {
+    std::string plain;
+    plain.reserve(json.size());
+    for (std::size_t at = 0; at < json.size(); ++at) {
+        const auto byte = [&](std::size_t place) {
+            return static_cast<std::uint8_t>(place < json.size() ? json[place] : 0);
+        };
+        const std::uint32_t code =
+            (byte(at) & 0x0FU) << 12U | (byte(at + 1) & 0x3FU) << 6U | (byte(at + 2) & 0x3FU);
+        const bool isMark = byte(at) == 0xE2 && ((code >= 0x200B && code <= 0x200F) ||
+                                                 (code >= 0x2028 && code <= 0x202E) ||
+                                                 (code >= 0x2060 && code <= 0x206F));
+        const bool isControl = byte(at) == 0x7F || (byte(at) == 0xC2 && byte(at + 1) < 0xA0);
+        if (isMark)
+            plain += fmt::format("\\u{:04x}", code);
+        else if (isControl)
+            plain += fmt::format("\\u{:04x}", byte(at) == 0x7F ? 0x7F : byte(at + 1));
+        else
+            plain.push_back(json[at]);
+        at += isMark ? 2 : isControl && byte(at) == 0xC2 ? 1 : 0;
+    }
+    return plain;
+}
+
+/// Programs get more than people are shown, but no megabytes.
+std::string bounded(const std::string &text) {
+    constexpr std::size_t kMost = 65536; // bytes
+    std::size_t end = std::min(text.size(), kMost);
+    while (end > 0 && end < text.size() && (static_cast<unsigned char>(text[end]) & 0xC0U) == 0x80U)
+        --end; // not amid a character
+    return text.substr(0, end);
+}
+
 void writeJson(Session &session, const RecordOrigin &record) {
     using Json = nlohmann::ordered_json;
     Json values = Json::array();
     for (const ValueOrigin &value : record.values) {
-        Json one = {
-            {"field", value.field}, {"value", value.value}, {"check", checkWord(value.check)}};
+        Json one = {{"field", value.field},
+                    {"value", bounded(value.value)},
+                    {"check", checkWord(value.check)}};
+        if (bounded(value.value).size() < value.value.size())
+            one["value_bytes"] = value.value.size();
         for (const auto &[name, text] :
              {std::pair("place", &value.place), std::pair("stored", &value.stored),
               std::pair("rule", &value.rule), std::pair("zone", &value.zone),
               std::pair("note", &value.note)})
             if (!text->empty())
-                one[name] = *text;
+                one[name] = bounded(*text);
         if (value.offset) {
             one["offset"] = *value.offset;
             one["length"] = value.length;
@@ -85,7 +123,7 @@ void writeJson(Session &session, const RecordOrigin &record) {
                         {"today", stateWord(record.state)}}},
                       {"further_files", further},
                       {"values", values}};
-    session.out << all.dump(1, ' ', false, Json::error_handler_t::replace) << '\n';
+    session.out << unmasked(all.dump(1, ' ', false, Json::error_handler_t::replace)) << '\n';
 }
 
 Exit run(Session &session, const Arguments &arguments) {

@@ -31,7 +31,7 @@ struct Arguments {
     std::string delimiter = "|";        ///< or "," ";" "tab"
     std::vector<std::string> columns;   ///< keys; empty for all
     RowsAsked rows;
-    std::string tag; ///< the name of one; empty for all rows
+    std::vector<std::string> tags; ///< names; none for all rows
     HashSetsAsked hashSets;
     FieldNames names = FieldNames::people;
     bool tagged = false;
@@ -137,7 +137,7 @@ Exit run(Session &session, const Arguments &arguments) {
     {
         SQLite::Database &project = session.program.state.projectDB.connection();
         UrlTable table(project, session.program.log, state.gmtZone);
-        limitToTag(session, arguments.tag, table);
+        limitToTags(session, arguments.tags, table);
         limitToHashSets(session, arguments.hashSets, table);
         if (loadTable(session, choiceOf(arguments.rows), table) == LoadResult::Loaded) {
             if (arguments.tagged)
@@ -192,7 +192,7 @@ Command exportCommand() {
                  .separatedByCommas(),
              queryOption(given->rows), hostOption(given->rows), filterOption(given->rows),
              namesOption(given->names), flag("--tagged", given->tagged, "Only rows with the tick"),
-             tagOption(given->tag),
+             tagsOption(given->tags),
              flag("--guard-formulas", given->guardFormulas,
                   "Of csv: an apostrophe before texts that a spreadsheet takes for a formula"),
              flag("--overwrite", given->overwrite, "Replace FILE when it is there")},

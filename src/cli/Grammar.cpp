@@ -89,6 +89,8 @@ void addArgument(CLI::App &to, const Argument &argument, bool mayBeMissing) {
         option->check(CLI::Validator([](std::string &input) { return notFrom1(input); }, ""));
     if (argument.hasCommas)
         option->delimiter(',');
+    if (argument.isSaidAgain) // the words behind its value are others'
+        option->allow_extra_args(false);
     if (!argument.choices.empty())
         option->transform(std::holds_alternative<Choice>(argument.target)
                               ? placeIn(argument.choices)

@@ -134,13 +134,9 @@ void tell(Session &session, std::span<const HashSetFile> sets, const HashMatch &
                      static_cast<std::int64_t>(sets[at].count()),
                      static_cast<std::int64_t>(match.rows.at(at))});
     writer->finish();
-    session.err << fmt::format("{} with a hash compared\n", counted(match.rowsWithHash, "row"));
-    if (match.bodiesWithoutHash > 0)
-        session.err << fmt::format(
-            "{} cached content that was not hashed when it was imported, so nothing is said of "
-            "it: import with --hash-sets hashes all content\n",
-            match.bodiesWithoutHash == 1 ? "1 row has"
-                                         : fmt::format("{} rows have", match.bodiesWithoutHash));
+    session.err << matchText(match, "Import it with --hash-sets into a new project to have "
+                                    "it compared.")
+                << '\n';
 }
 
 Exit match(Session &session, const Arguments &arguments) {

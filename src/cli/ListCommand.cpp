@@ -19,7 +19,7 @@ namespace {
 struct Arguments {
     std::string project;
     RowsAsked rows;
-    std::string tag; ///< the name of one; empty for all rows
+    std::vector<std::string> tags; ///< names; none for all rows
     HashSetsAsked hashSets;
     std::vector<std::string> columns;
     std::string layout; ///< empty for none
@@ -48,7 +48,7 @@ std::vector<UrlColumn> chosenColumns(const Arguments &arguments) {
         std::vector<UrlColumn> usual(std::begin(kUsualColumns), std::end(kUsualColumns));
         if (arguments.format != Format::table)
             usual = allColumns();
-        if (!arguments.tag.empty())
+        if (!arguments.tags.empty())
             usual.push_back(UrlColumn::TagNames);
         if (arguments.hashSets.notable || !arguments.hashSets.sets.empty())
             usual.push_back(UrlColumn::HashSets);
@@ -120,7 +120,7 @@ Exit run(Session &session, const Arguments &arguments) {
         if (!arguments.layout.empty())
             columns = takeLayout(session, arguments, table);
         table.showColumns(columns);
-        limitToTag(session, arguments.tag, table);
+        limitToTags(session, arguments.tags, table);
         limitToHashSets(session, arguments.hashSets, table);
         loaded = loadTable(session, choiceOf(arguments.rows), table);
         const auto writer =
@@ -149,7 +149,7 @@ Command listCommand() {
                       "all rows and columns for a spreadsheet"}},
         .arguments =
             {projectWord(given->project), queryOption(given->rows), hostOption(given->rows),
-             filterOption(given->rows), tagOption(given->tag),
+             filterOption(given->rows), tagsOption(given->tags),
              value("--columns", given->columns, "Columns, separated by commas").separatedByCommas(),
              value("--layout", given->layout,
                    "The columns of a layout: Examiner, Caches, Pictures, Classic or "

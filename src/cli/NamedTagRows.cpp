@@ -7,10 +7,18 @@
 
 #include <fmt/format.h>
 
+#include <utility>
+
 namespace nv::cli {
 
 Argument tagOption(std::string &tag) {
     return value("--tag", tag, "Only rows with a tag of this name");
+}
+
+Argument tagsOption(std::vector<std::string> &tags) {
+    return value("--tag", tags,
+                 "Only rows with a tag of this name; said for several, with one or more of them")
+        .saidForEach();
 }
 
 NamedTag namedTag(SQLite::Database &project, const std::string &name) {
@@ -21,11 +29,14 @@ NamedTag namedTag(SQLite::Database &project, const std::string &name) {
     return std::move(*tag);
 }
 
-void limitToTag(Session &session, const std::string &tag, UrlTable &table) {
-    if (tag.empty())
+void limitToTags(Session &session, const std::vector<std::string> &tags, UrlTable &table) {
+    if (tags.empty())
         return;
-    const NamedTag known = namedTag(session.program.state.projectDB.connection(), tag);
-    table.tags = TagLimit{{known.tagID}, false};
+    TagLimit limit;
+    limit.tagIDs.reserve(tags.size());
+    for (const std::string &tag : tags)
+        limit.tagIDs.push_back(namedTag(session.program.state.projectDB.connection(), tag).tagID);
+    table.tags = std::move(limit);
 }
 
 } // namespace nv::cli

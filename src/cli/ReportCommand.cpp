@@ -1,4 +1,5 @@
 #include "app/jobs/ReportJob.h"
+#include "app/jobs/ReportTags.h"
 #include "app/jobs/Trail.h"
 #include "app/project/Project.h"
 #include "base/Files.h"
@@ -142,7 +143,7 @@ void setOptions(ReportWriter &report, const Arguments &arguments) {
 void setCaseOptions(Session &session, ReportWriter &report, const Arguments &arguments) {
     CaseOptions &options = report.caseOptions;
     // Who chooses rows by a tag means cards of those.
-    if (!arguments.rows.tag.empty() && options.cards == CaseCards::ticked)
+    if (!arguments.rows.tags.empty() && options.cards == CaseCards::ticked)
         options.cards = CaseCards::tagged;
     take(arguments.cards, options.cards);
     take(arguments.tagNotes, options.tagNotes);
@@ -185,7 +186,8 @@ std::optional<Made> make(Session &session, const Arguments &arguments, const Row
         throw StorageFailure(fmt::format("the redactions that the project keeps: {}", *fault));
     setOptions(tools.report, arguments);
     setCaseOptions(session, tools.report, arguments);
-    if (arguments.remember && !writeProjectReportOptions(session.program, tools.report))
+    if (arguments.remember && (!writeProjectReportOptions(session.program, tools.report) ||
+                               !keepReportTags(session.program, arguments.rows.tags)))
         session.err << "the choices could not be kept with the project\n";
     const bool finished = tools.run(ids);
     if (!finished && !tools.report.cancel)

@@ -1,5 +1,6 @@
 #include "cli/ReportedRows.h"
 
+#include "app/jobs/ReportTags.h"
 #include "app/jobs/SearchJob.h"
 #include "app/project/Project.h"
 #include "cli/AskedSpan.h"
@@ -52,7 +53,7 @@ std::optional<RowIds> found(Session &session, const std::string &text, const Row
 
 std::vector<Argument> chosenRowsOptions(ReportedRows &chosen) {
     std::vector<Argument> options{
-        tagOption(chosen.tag),
+        tagsOption(chosen.tags),
         queryOption(chosen.rows),
         hostOption(chosen.rows),
         filterOption(chosen.rows),
@@ -79,7 +80,7 @@ std::optional<RowIds> idsOf(Session &session, const ReportedRows &chosen) {
     UrlTable table(program.state.projectDB.connection(), program.log, program.state.gmtZone);
     if (const auto span = spanOf(chosen))
         table.time = limitOf(*span, program.state.gmtZone, dateSettings(program).enableDSTChanges);
-    limitToTag(session, chosen.tag, table);
+    limitToTags(session, chosen.tags, table);
     limitToHashSets(session, chosen.hashSets, table);
     if (loadTable(session, choiceOf(chosen.rows), table) == LoadResult::Cancelled)
         return std::nullopt;
@@ -100,8 +101,8 @@ std::string contentText(const ReportedRows &chosen) {
         parts.push_back(fmt::format("from {}", chosen.from));
     if (!chosen.to.empty())
         parts.push_back(fmt::format("up to {}", chosen.to));
-    if (!chosen.tag.empty())
-        parts.push_back(fmt::format("the tag \"{}\"", chosen.tag));
+    if (!chosen.tags.empty())
+        parts.push_back(tagsText(chosen.tags));
     for (std::string &part : contentOf(chosen.hashSets))
         parts.push_back(std::move(part));
     if (chosen.tagged)

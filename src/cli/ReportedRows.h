@@ -15,10 +15,10 @@ class Session;
 /// Which rows a report is to be made of, or a sheet of pictures.
 struct ReportedRows {
     RowsAsked rows;
-    std::string from;   ///< dates by the zone's clock; empty for no limit
-    std::string to;     ///< belongs to the span
-    std::string search; ///< as `search` takes it
-    std::string tag;    ///< the name of one; empty for all rows
+    std::string from;              ///< dates by the zone's clock; empty for no limit
+    std::string to;                ///< belongs to the span
+    std::string search;            ///< as `search` takes it
+    std::vector<std::string> tags; ///< names; none for all rows
     HashSetsAsked hashSets;
     bool tagged = false; ///< of reports
 };

@@ -38,7 +38,7 @@ class SheetFolder {
 };
 
 SheetFile::Tile tileOf(const Tile &tile) {
-    SheetFile::Tile told{{captionOf(tile) + (tile.tagged ? ", tagged" : "")}, tile.tagged};
+    SheetFile::Tile told{{captionOf(tile) + (tile.tagged ? ", ticked" : "")}, tile.tagged};
     if (std::string shape = shapeText(tile); !shape.empty())
         told.captions.push_back(std::move(shape));
     told.captions.push_back(plainLine(tile.toolTip));

@@ -150,7 +150,7 @@ bool setTicks(Session &session, const Arguments &arguments, const RowIds &ids) {
                      .rows = static_cast<std::int64_t>(ids.size()),
                      .which = arguments.where.empty() ? idsInWords(ids) : arguments.where});
     session.out << fmt::format("{} {}\n", counted(done ? ids.size() : 0, "row"),
-                               arguments.off ? "untagged" : "tagged");
+                               arguments.off ? "unticked" : "ticked");
     return done;
 }
 

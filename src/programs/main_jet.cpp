@@ -2,7 +2,8 @@
 // JSON each, in this order:
 //   {"rows":28,"kinds":["text",null]}     rows that the definition counts, a kind for each column
 //                                         asked for; null where there is none
-//   {"row":["a",null],"place":4110}       and "cut":[0] where a value is not whole
+//   {"row":["a",null],"place":4110,"at":[[4096,1],null]}   where each value lies, and its length;
+//                                         and "cut":[0] where a value is not whole
 //   {"damage":"...","place":4112}         a row that can't be read
 //   {"end":true,"deleted":2,"unlisted":0,"damage":""}      without this line the output is cut
 // or, when nothing can be read:
@@ -83,14 +84,17 @@ void writeRow(const JetFile &file, const std::vector<Column> &columns, const Row
         return write({{"damage", row.damage}, {"place", row.place}});
     json cells = json::array();
     json cut = json::array();
+    json at = json::array();
     for (const Column &column : columns) {
         const Value value =
             column.index ? valueOf(file, column.type, row.fields.at(*column.index)) : Value{};
         if (value.isCut)
             cut.push_back(cells.size());
         cells.push_back(value.json);
+        const Field field = column.index ? row.fields.at(*column.index) : Field{};
+        at.push_back(field.bytes.empty() ? json() : json({field.place, field.bytes.size()}));
     }
-    json line = {{"row", cells}, {"place", row.place}};
+    json line = {{"row", cells}, {"place", row.place}, {"at", at}};
     if (!cut.empty())
         line["cut"] = cut;
     write(line);

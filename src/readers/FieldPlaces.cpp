@@ -117,6 +117,12 @@ void FieldPlaces::headerLine(std::string_view field, const SourceBytes &headers,
     }
 }
 
+void FieldPlaces::isLocal(std::string_view field) {
+    for (FieldPlace &place : m_places)
+        if (equalsNoCase(place.field, field))
+            place.form = SourceForm::fileTimeLocal;
+}
+
 void FieldPlaces::derived(std::string_view field, std::string_view rule) {
     if (FieldPlace *place = add(field)) {
         place->state = FieldPlace::State::derived;

@@ -79,6 +79,9 @@ class FieldPlaces {
     /// on, which lines or zeros part. `rule` says how the value is made of it.
     void headerLine(std::string_view field, const SourceBytes &headers, std::string_view name,
                     MadeValue made, std::string rule = {});
+    /// The date that was told of the field is of a clock on the wall: the offset of the machine
+    /// that imported lies between it and the record's.
+    void isLocal(std::string_view field);
     /// A field that other fields give.
     void derived(std::string_view field, std::string_view rule);
     void unknown(std::string_view field, std::string_view why);

@@ -26,10 +26,14 @@ std::vector<UrlId> tickedRows(SQLite::Database &project) {
     return ids;
 }
 
+std::string shown(const std::string &text) {
+    return htmlText(shownOrigin(text));
+}
+
 std::string headOf(const RecordOrigin &record) {
     std::string text = "<p>";
     for (const auto &[name, words] : linesOf(record))
-        text += fmt::format("<strong>{}</strong> {}<br>\r\n", htmlText(name), htmlText(words));
+        text += fmt::format("<strong>{}</strong> {}<br>\r\n", htmlText(name), shown(words));
     return text + "</p>";
 }
 
@@ -38,9 +42,9 @@ std::string tableOf(const RecordOrigin &record) {
                                                   {"Field", "Value", "Lies at", "As it lies",
                                                    "Rule", "Zone", "Check", "Note"});
     for (const ValueOrigin &value : record.values)
-        text += htmlRow({htmlText(value.field), htmlText(value.value), htmlText(value.place),
-                         htmlText(value.stored), htmlText(value.rule), htmlText(value.zone),
-                         htmlText(checkWord(value.check)), htmlText(value.note)});
+        text += htmlRow({shown(value.field), shown(value.value), shown(value.place),
+                         shown(value.stored), shown(value.rule), shown(value.zone),
+                         htmlText(checkWord(value.check)), shown(value.note)});
     return text + "</table>";
 }
 

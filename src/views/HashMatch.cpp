@@ -105,12 +105,18 @@ class Matching {
     }
 
     bool countBodies() {
-        SQLite::Statement count(m_project, "SELECT count(*) FROM URLs WHERE CacheFileExists <> 0");
+        SQLite::Statement count(m_project,
+                                "SELECT count(*) FILTER (WHERE CacheFileExists <> 0), count(*) "
+                                "FROM URLs");
         StatementWatch watch(m_project, m_task);
         if (watch.step(count) != Step::Row)
             return false;
         const auto all = static_cast<std::uint64_t>(count.getColumn(0).getInt64());
         m_found.bodiesWithoutHash = all - std::min(all, m_bodies);
+        m_found.rowsOfProject = static_cast<std::uint64_t>(count.getColumn(1).getInt64());
+        m_found.withoutContent =
+            m_found.rowsOfProject -
+            std::min(m_found.rowsOfProject, m_found.rowsWithHash + m_found.bodiesWithoutHash);
         return true;
     }
 
@@ -120,6 +126,7 @@ class Matching {
         m_findings.erase(std::unique(m_findings.begin(), m_findings.end(), isSameRowAndSet),
                          m_findings.end());
         std::ranges::reverse(m_findings);
+        countFound();
         if (ensureHashSetIndex(m_project, m_task) == IndexState::Cancelled)
             return false;
         SQLite::Transaction transaction(m_project); // rolled back when it isn't committed
@@ -137,6 +144,13 @@ class Matching {
         }
         transaction.commit();
         return true;
+    }
+
+    /// The findings of a row stand beside each other.
+    void countFound() {
+        for (std::size_t at = 0; at < m_findings.size(); ++at)
+            m_found.rowsFound +=
+                at == 0 || m_findings[at].record != m_findings[at - 1].record ? 1 : 0;
     }
 
     void dropFindings(EarlierFindings earlier) {

@@ -18,9 +18,12 @@ enum class EarlierFindings { keep, drop };
 
 /// What came of a match.
 struct HashMatch {
-    std::vector<std::uint64_t> rows;     ///< found, by the place of the set
+    std::vector<std::uint64_t> rows; ///< found, by the place of the set
+    std::uint64_t rowsOfProject = 0;
     std::uint64_t rowsWithHash = 0;      ///< that could be asked for
+    std::uint64_t rowsFound = 0;         ///< in one set or more
     std::uint64_t bodiesWithoutHash = 0; ///< rows with cached content of which no hash is known
+    std::uint64_t withoutContent = 0;    ///< the rest: there is nothing to hash
     bool cancelled = false;              ///< the project stays as it was
 };
 

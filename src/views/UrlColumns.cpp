@@ -71,7 +71,7 @@ constexpr std::array<UrlColumnFacts, kTableColumnCount> kTableColumns = {{
     {C::Browser, "COL_URL_BROWSER", "Browser", 1600, Shown::No, R::Text, "Browser"},
     {C::Profile, "COL_URL_PROFILE", "Profile", 1600, Shown::No, R::Text, "Profile"},
     {C::Person, "COL_URL_PERSON", "Person", 1300, Shown::No, R::Text, "Person"},
-    {C::TagNames, "COL_URL_TAG_NAMES", "Tag Names", 1800, Shown::No, R::TagNames, ""},
+    {C::TagNames, "COL_URL_TAG_NAMES", "Tags", 1800, Shown::No, R::TagNames, ""},
     {C::HashSets, "COL_URL_HASH_SETS", "Hash Sets", 2000, Shown::No, R::HashSets, ""},
 }};
 // clang-format on

@@ -53,6 +53,23 @@ TEST_F(CaseReportCliTest, aCaseReportIsHandedOver) {
     EXPECT_THAT(cli({"trail", project}).out, HasSubstr("Case report of 3 rows"));
 }
 
+TEST_F(CaseReportCliTest, rowsAreChosenBySeveralTags) {
+    ASSERT_EQ(cli({"tag", project, "1", "--name", "Important"}).exit, 0);
+    ASSERT_EQ(cli({"tag", project, "1", "3", "--name", "Later"}).exit, 0);
+    EXPECT_THAT(report({"--tag", "important"}).out, HasSubstr("1 row reported"));
+    EXPECT_THAT(report({"--tag", "Important", "--tag", "Later", "--overwrite", "--remember"}).out,
+                HasSubstr("2 rows reported"));
+    EXPECT_THAT(text(out / "index.htm"),
+                HasSubstr("one of the tags &quot;Important&quot;, &quot;Later&quot;"));
+    EXPECT_THAT(report({"--overwrite"}).out, HasSubstr("3 rows reported"))
+        << "only the window offers what was chosen last";
+    EXPECT_EQ(report({"--tag", "Important", "--tag", "None", "--overwrite"}).exit, 1);
+    EXPECT_EQ(cli({"list", "--tag", "Important", project, "--tag", "Later", "--columns", "id",
+                   "--format", "tsv"})
+                  .out,
+              "id\n1\n3\n");
+}
+
 TEST_F(CaseReportCliTest, rowsAreChosenBySearchAndSpan) {
     EXPECT_THAT(report({"--search", "tide"}).out, HasSubstr("1 row reported"));
     EXPECT_THAT(text(out / "index.htm"), HasSubstr("the search &quot;tide&quot;"));

@@ -179,5 +179,72 @@ TEST_F(ExplainCliTest, oneFieldIsToldInWords) {
     EXPECT_EQ(cli({"explain", project, "99"}).exit, 1);
 }
 
+TEST_F(ExplainCliTest, aRowThatAnotherLeadsToIsRead) {
+    importAll();
+    const json visit = valueIn(explained(2), "URL");
+    EXPECT_EQ(visit.at("place"), "table urls, row 7, column url");
+    EXPECT_EQ(visit.at("check"), "same");
+    const json transition = valueIn(explained(1), "transition");
+    EXPECT_EQ(transition.at("place"), "table visits, row 3, column transition");
+    EXPECT_EQ(transition.at("check"), "same");
+}
+
+/// Safari's and macOS's clock is none that people know: its text says from when it counts.
+TEST_F(ExplainCliTest, theClockOfSafariIsToldInPlainWords) {
+    const std::string head = "<plist><dict><key>WebHistoryDates</key><array>\n<dict><key></key>";
+    writeWhole(folder.path() / "evidence/ada/History.plist",
+               head + "<string>http://a.example/?a=1&amp;b</string>\n<key>lastVisitedDate</key>"
+                      "<string>320673600.5</string><key>visitCount</key><integer>3</integer>"
+                      "</dict></array></dict></plist>");
+    importAll();
+    for (int row = 1; row <= 4; ++row) {
+        const json record = explained(row);
+        if (record.at("kind") != "Safari History")
+            continue;
+        const json date = valueIn(record, "ActionDateUTC");
+        EXPECT_EQ(date.at("stored"), "320673600.5");
+        EXPECT_EQ(date.at("check"), "same");
+        EXPECT_EQ(date.at("value"), "2011-03-01 12:00:00 [UTC]");
+        EXPECT_THAT(date.at("rule"), HasSubstr("seconds since 2001-01-01 00:00:00 UTC"));
+        EXPECT_THAT(date.at("place"), HasSubstr("line 3, column"));
+        EXPECT_THAT(date.at("place"), HasSubstr("value of key \"lastVisitedDate\""));
+        const json url = valueIn(record, "URL");
+        EXPECT_EQ(url.at("stored"), "http://a.example/?a=1&amp;b");
+        EXPECT_EQ(url.at("offset"), head.size() + std::string("<string>").size());
+        EXPECT_EQ(url.at("check"), "same");
+        return;
+    }
+    FAIL() << "no row of the list";
+}
+
+/// Megabytes, control characters and marks of direction in what an evidence holds.
+TEST_F(ExplainCliTest, aHostileRecordIsBoundedAndEscaped) {
+    {
+        SQLite::Database file(history.string(), SQLite::OPEN_READWRITE);
+        SQLite::Statement row(file, "UPDATE urls SET title = ?, url = ?");
+        row.bind(1, "safe\xE2\x80\xAE"
+                    "fdp.exe\x1B[31m\n\xC2\x9B" +
+                        std::string(3'000'000, 'A'));
+        row.bind(2, "http://a.example/" + std::string(2'000'000, 'b'));
+        row.exec();
+    }
+    importAll();
+    const CliResult run = cli({"explain", project, "1"});
+    EXPECT_EQ(run.exit, 0) << run.err;
+    EXPECT_LT(run.out.size(), 200'000U);
+    EXPECT_THAT(run.out, HasSubstr("<U+202E>"));
+    EXPECT_THAT(run.out, HasSubstr("bytes in all)"));
+    const CliResult whole = cli({"explain", project, "1", "--format", "json"});
+    EXPECT_LT(whole.out.size(), 1'000'000U);
+    for (const std::string &text : {run.out, whole.out})
+        for (const char *hidden : {"\xE2\x80\xAE", "\x1B", "\xC2\x9B"})
+            EXPECT_EQ(text.find(hidden), std::string::npos);
+    const json title = valueIn(json::parse(whole.out), "WebPageTitle");
+    EXPECT_EQ(title.at("value").get<std::string>().size(), 65536U);
+    EXPECT_GT(title.at("value_bytes").get<std::size_t>(), 3'000'000U);
+    EXPECT_EQ(title.at("check"), "same");
+    EXPECT_THAT(title.at("value").get<std::string>(), HasSubstr("\xE2\x80\xAE"));
+}
+
 } // namespace
 } // namespace nv::test

@@ -47,7 +47,7 @@ TEST_F(GalleryCliTest, aSheetHoldsPicturesCaptionsAndShapes) {
     EXPECT_THAT(run.out, HasSubstr("page 1 of 1, 5 of 5"));
     const std::string html = sheet();
     EXPECT_THAT(html, HasSubstr("data:image/gif;base64,R0lGODlhMQ=="));
-    EXPECT_THAT(html, HasSubstr("ID #0000002, tagged<small>468 x 60, P.A.R.D. 88</small>"));
+    EXPECT_THAT(html, HasSubstr("ID #0000002, ticked<small>468 x 60, P.A.R.D. 88</small>"));
     EXPECT_THAT(html, HasSubstr("http://host1.example/&lt;b&gt;&amp;p.gif"));
     EXPECT_THAT(html, Not(HasSubstr("<b>")));
     EXPECT_THAT(html, Not(HasSubstr("href")));

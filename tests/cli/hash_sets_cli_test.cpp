@@ -67,7 +67,10 @@ TEST_F(HashSetsCliTest, matchesLaterWhatWasHashed) {
     const CliResult unhashed = cli({"hashsets", "match", project, "--format", "csv"});
     EXPECT_EQ(unhashed.exit, 0) << unhashed.err;
     EXPECT_THAT(unhashed.out, HasSubstr("cases,notable,1,0"));
-    EXPECT_THAT(unhashed.err, HasSubstr("2 rows have cached content that was not hashed"));
+    EXPECT_THAT(unhashed.err, HasSubstr("Nothing was compared: of 2 records none has a hash."));
+    EXPECT_THAT(unhashed.err,
+                HasSubstr("Nothing is said of 2 records with cached content that was "
+                          "not hashed when it was imported. Import it with --hash-sets"));
     SQLite::Database(project, SQLite::OPEN_READWRITE)
         .exec("INSERT INTO RecordFacts VALUES (1, 'content_md5', '" + md5Of("known content") +
               "', NULL)");

@@ -215,8 +215,8 @@ TEST_F(RebuildCliTest, nothingIsWrittenIntoTheEvidence) {
 }
 
 TEST_F(RebuildCliTest, ticksAreSetAndTakenAway) {
-    EXPECT_NE(cli({"tag", project, "1", "2"}).out.find("2 rows tagged"), std::string::npos);
-    EXPECT_NE(cli({"tag", project, "1", "--off"}).out.find("1 row untagged"), std::string::npos);
+    EXPECT_NE(cli({"tag", project, "1", "2"}).out.find("2 rows ticked"), std::string::npos);
+    EXPECT_NE(cli({"tag", project, "1", "--off"}).out.find("1 row unticked"), std::string::npos);
     EXPECT_NE(cli({"query", project, "SELECT Count(*) FROM URLs WHERE Tagged"}).out.find("1"),
               std::string::npos);
     EXPECT_EQ(cli({"tag", project, "99"}).exit, 1);

@@ -65,7 +65,7 @@ TEST_F(TagsCliTest, rowsAreChosenAsOtherCommandsChooseThem) {
     EXPECT_EQ(out({"tag", project, "--host", "two", "--name", "Two"}), "1 row tagged \"Two\"\n");
     EXPECT_EQ(out({"tag", project, "--query", "_DEFAULT", "--name", "All"}),
               "3 rows tagged \"All\"\n");
-    EXPECT_EQ(out({"tag", project, "--host", "one"}), "1 row tagged\n") << "the tick";
+    EXPECT_EQ(out({"tag", project, "--host", "one"}), "1 row ticked\n");
     EXPECT_THAT(out({"search", project, "tag:T -tag:Two", "--format", "tsv"}),
                 HasSubstr("three.example"));
 }

@@ -106,8 +106,8 @@ void ExactRebuildTest::bothMethodsAreInTheMenusAndTakeTheTaggedPages() {
     QCOMPARE(method(1), std::string("Cache"));
     project().exec("UPDATE URLs SET Tagged = 1 WHERE URL_ID IN (1, 4)");
     trigger(*m_form, "actRefresh");
-    QCOMPARE(exactly.text(), QStringLiteral("Rebuild 2 Tagged E&xactly"));
-    QCOMPARE(byClassic.text(), QStringLiteral("Rebuild 2 Tagged by Cla&ssic Rules"));
+    QCOMPARE(exactly.text(), QStringLiteral("Rebuild 2 Ticked E&xactly"));
+    QCOMPARE(byClassic.text(), QStringLiteral("Rebuild 2 Ticked by Cla&ssic Rules"));
     choose(2);
     exactly.trigger();
     QCOMPARE(method(1), std::string("Cache, exact"));

@@ -34,6 +34,7 @@ class HashSetsTest : public QObject {
     void cleanup() { m_on.reset(); }
 
     void aSetIsMadeMatchedAndRemoved();
+    void aMatchSaysWhatItCouldNotCompare();
     void whatMakesNoSetIsTold();
     void knownFilesAreHiddenAndComeBack();
     void placesCountSetsAndLimit();
@@ -112,9 +113,12 @@ void HashSetsTest::aSetIsMadeMatchedAndRemoved() {
                               QStringLiteral("2"), QStringLiteral("0")}));
         child<QPushButton>(form, "btnMatchHashSets").click();
         QCOMPARE(lineOf(form, QStringLiteral("library")).at(3), QStringLiteral("2"));
-        QVERIFY(child<QLabel>(form, "labHashSetsNote")
-                    .text()
-                    .startsWith(QStringLiteral("2 rows with a hash compared.")));
+        const QString told = child<QLabel>(form, "labHashSetsNote").text();
+        QVERIFY2(told.startsWith(QStringLiteral("Compared: 2 of %1 records, those with a hash. "
+                                                "Found in a set: 2.")
+                                     .arg(m_on->all)),
+                 qPrintable(told));
+        QVERIFY2(told.endsWith(QStringLiteral("library (known): 2 records")), qPrintable(told));
         auto &remove = child<QPushButton>(form, "btnRemoveHashSet");
         remove.click();
         QVERIFY2(remove.isEnabled(), "the answer was no");
@@ -130,6 +134,23 @@ void HashSetsTest::aSetIsMadeMatchedAndRemoved() {
                  .execAndGet("SELECT count(*) FROM AuditTrail WHERE Action = 'Hash Set'")
                  .getInt(),
              1);
+}
+
+void HashSetsTest::aMatchSaysWhatItCouldNotCompare() {
+    m_on->project().exec("DELETE FROM RecordFacts WHERE Name LIKE 'content%'");
+    m_on->project().exec("UPDATE URLs SET CacheFileExists = 1 WHERE URL_ID = 1");
+    inForm([this](HashSetsForm &form) {
+        add(form, "cases", true, m_hashes.at(0) + "\n");
+        child<QPushButton>(form, "btnMatchHashSets").click();
+        const QString told = child<QLabel>(form, "labHashSetsNote").text();
+        QVERIFY2(told.startsWith(QStringLiteral("Nothing was compared: of ")), qPrintable(told));
+        QVERIFY2(told.contains(QStringLiteral("hash sets\" ticked in the wizard")),
+                 qPrintable(told));
+        QVERIFY2(told.contains(QStringLiteral("nothing to hash: ")), qPrintable(told));
+        QVERIFY2(told.endsWith(QStringLiteral("cases (notable): 0 records")), qPrintable(told));
+        if (const QString shots = qEnvironmentVariable("NV_SHOTS"); !shots.isEmpty())
+            form.grab().save(shots + QStringLiteral("/hash-sets-nothing.png"));
+    });
 }
 
 void HashSetsTest::whatMakesNoSetIsTold() {

@@ -1,4 +1,5 @@
 #include "gui/LimitedTable.h"
+#include "gui/PlacesTree.h"
 #include "ui/views/ColumnLimitForm.h"
 #include "ui/views/TimeStrip.h"
 
@@ -43,6 +44,7 @@ class LimitsTest : public QObject {
     void headingsLimitByDate();
     void whatHidesAllSaysHowToShowIt();
     void undoInATextFieldIsTheFields();
+    void theMarkOfAPlaceGoesWithItsLimit();
     void itLooksRight_data();
     void itLooksRight();
 
@@ -257,6 +259,45 @@ void LimitsTest::undoInATextFieldIsTheFields() {
     QTest::keyClick(&m_on->box(), Qt::Key_Z, Qt::ControlModifier);
     QCOMPARE(m_on->box().text(), QString());
     QCOMPARE(m_on->rows(), 1);
+}
+
+void LimitsTest::theMarkOfAPlaceGoesWithItsLimit() {
+    trigger(m_on->form, "actPlaces");
+    auto &tree = child<QTreeView>(m_on->form, "PlacesTree");
+    QTRY_VERIFY(tree.model()->rowCount() > 0);
+    const auto marked = [&tree] {
+        QStringList names;
+        for (const QModelIndex &index : tree.selectionModel()->selectedRows())
+            names += index.data().toString();
+        return names;
+    };
+    const QModelIndex hosts = placeIn(tree, QStringLiteral("Hosts"));
+    QVERIFY(tree.model()->rowCount(hosts) > 1);
+    tree.expand(hosts);
+    const QStringList one{tree.model()->index(0, 0, hosts).data().toString()};
+    const QStringList other{tree.model()->index(1, 0, hosts).data().toString()};
+    clickPlace(tree, one.front());
+    clickPlace(tree, other.front());
+    QCOMPARE(marked(), other);
+    trigger(m_on->form, "actUndo");
+    QCOMPARE(marked(), one);
+    trigger(m_on->form, "actUndo");
+    QCOMPARE(m_on->rows(), m_on->all);
+    QCOMPARE(marked(), QStringList());
+    trigger(m_on->form, "actRedo");
+    QCOMPARE(marked(), one);
+    trigger(m_on->form, "actClearLimits");
+    QCOMPARE(marked(), QStringList());
+    clickPlace(tree, other.front());
+    m_on->chip(other.front())->click();
+    QTRY_COMPARE(m_on->rows(), m_on->all);
+    QCOMPARE(marked(), QStringList());
+    clickPlace(tree, one.front());
+    clickPlace(tree, other.front(), Qt::ControlModifier);
+    clickPlace(tree, other.front(), Qt::ControlModifier);
+    QCOMPARE(marked(), one);
+    QTest::mouseClick(&child<QToolButton>(m_on->form, "btnAllPlaces"), Qt::LeftButton);
+    QCOMPARE(marked(), QStringList());
 }
 
 void LimitsTest::itLooksRight_data() {

@@ -130,15 +130,15 @@ void RebuildTest::rebuildSaysHowManyTaggedPagesItTakes() {
     QCOMPARE(action->text(), QStringLiteral("&Rebuild"));
     tick(1);
     tick(3);
-    QCOMPARE(action->text(), QStringLiteral("&Rebuild 2 Tagged"));
+    QCOMPARE(action->text(), QStringLiteral("&Rebuild 2 Ticked"));
     choose(3);
     trigger(*m_form, "actTag");
-    QCOMPARE(action->text(), QStringLiteral("&Rebuild 1 Tagged"));
+    QCOMPARE(action->text(), QStringLiteral("&Rebuild 1 Ticked"));
     // Those that the table doesn't show are left alone.
     child<TableTab>(*m_form, "TableTab").filterByHost(QStringLiteral("elsewhere"));
     QCOMPARE(action->text(), QStringLiteral("&Rebuild"));
     child<TableTab>(*m_form, "TableTab").filterByHost({});
-    QCOMPARE(action->text(), QStringLiteral("&Rebuild 1 Tagged"));
+    QCOMPARE(action->text(), QStringLiteral("&Rebuild 1 Ticked"));
     trigger(*m_form, "actClose");
     QCOMPARE(action->text(), QStringLiteral("&Rebuild"));
 }

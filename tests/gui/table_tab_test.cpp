@@ -92,16 +92,16 @@ void TableTabTest::spaceTicksAllSelectedRows() {
     grid().selectAll();
     QTest::keyClick(&grid(), Qt::Key_Space);
     QCOMPARE(project().execAndGet("SELECT count(*) FROM URLs WHERE Tagged = 1").getInt(), 6);
-    QCOMPARE(child<QLabel>(*m_form, "labTagged").text(), QStringLiteral("Tagged: 6"));
+    QCOMPARE(child<QLabel>(*m_form, "labTagged").text(), QStringLiteral("Ticked: 6"));
     QTest::keyClick(&grid(), Qt::Key_Space);
     QCOMPARE(project().execAndGet("SELECT count(*) FROM URLs WHERE Tagged = 1").getInt(), 0);
 }
 
 void TableTabTest::aTickShowsInTheStatusBarAtOnce() {
     QTest::keyClick(&grid(), Qt::Key_Space);
-    QCOMPARE(child<QLabel>(*m_form, "labTagged").text(), QStringLiteral("Tagged: 1"));
+    QCOMPARE(child<QLabel>(*m_form, "labTagged").text(), QStringLiteral("Ticked: 1"));
     trigger(*m_form, "actTag");
-    QCOMPARE(child<QLabel>(*m_form, "labTagged").text(), QStringLiteral("Tagged: 0"));
+    QCOMPARE(child<QLabel>(*m_form, "labTagged").text(), QStringLiteral("Ticked: 0"));
 }
 
 void TableTabTest::copiedRowsAreTheShownColumnsWithHeadings() {

@@ -145,7 +145,7 @@ void TemplatesTest::theCurrentPageBecomesATemplate() {
     QCOMPARE(cell(0, TemplateModel::filesColumn), QStringLiteral("2"));
     QCOMPARE(cell(0, TemplateModel::filePathColumn), pathToQt(folder() / "page.html.NVT"));
     QCOMPARE(child<QLabel>(*m_form, "labTemplates").text(),
-             QStringLiteral("Templates: 1. Tagged: 0."));
+             QStringLiteral("Templates: 1. Ticked: 0."));
 }
 
 void TemplatesTest::taggedPagesBecomeTemplates() {
@@ -221,7 +221,7 @@ void TemplatesTest::onlyTaggedTemplatesAreLaid() {
                       QPoint(box.left() + 10, box.center().y()));
     QCOMPARE(tab().chosen().size(), 2U);
     QCOMPARE(child<QLabel>(*m_form, "labTemplates").text(),
-             QStringLiteral("Templates: 2. Tagged: 2."));
+             QStringLiteral("Templates: 2. Ticked: 2."));
 }
 
 void TemplatesTest::aTemplateThatFailsIsTold() {

@@ -98,7 +98,7 @@ void WindowLifeTest::saveAsGoesOnInTheCopy() {
     trigger(*m_form, "actClose");
     m_desk->dialogs.answer = project();
     trigger(*m_form, "actOpen");
-    QCOMPARE(child<QLabel>(*m_form, "labTagged").text(), QStringLiteral("Tagged: 0"));
+    QCOMPARE(child<QLabel>(*m_form, "labTagged").text(), QStringLiteral("Ticked: 0"));
 }
 
 void WindowLifeTest::aCopyThatFailsLeavesTheProjectOpen() {

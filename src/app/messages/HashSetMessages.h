@@ -1,8 +1,11 @@
 #pragma once
 
 #include "base/Examiner.h"
+#include "db/HashSetFile.h"
 #include "db/HashSets.h"
+#include "views/HashMatch.h"
 
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -12,6 +15,13 @@ namespace nv {
 std::string noHashText(const HashSetMade &made);
 /// Of names that no set can have.
 std::string noSetNameText(std::string_view name);
+
+/// What came of a match that wasn't cancelled, in sentences: how many rows have a hash, how many
+/// were found, of how many nothing is said and why. `how` says how an import makes hashes, where
+/// some are missing.
+std::string matchText(const HashMatch &match, std::string_view how);
+/// "library (known): 12 rows", a line a set; of many sets the first.
+std::string matchedSetsText(std::span<const HashSetFile> sets, const HashMatch &match);
 
 namespace messages {
 

@@ -13,6 +13,11 @@ Message reportTypeMissing() {
                   "The report TYPE has not been selected.");
 }
 
+Message reportTagMissing() {
+    return notice("report-tag-missing", "Option Missing",
+                  "No tag is chosen: check one or more in the list, or choose other rows.");
+}
+
 Message reportingError(std::string_view reason) {
     return failure("reporting-error", "Reporting Error", reason);
 }

@@ -9,6 +9,7 @@ namespace nv::messages {
 // What the examiner is told of reports; as everywhere the texts stand as they are.
 
 Message reportTypeMissing();
+Message reportTagMissing();
 Message reportingError(std::string_view reason);
 Message reportNotLoaded(std::string_view reason);
 Message nothingToPublish();

@@ -28,6 +28,7 @@ class JetFailure : public std::runtime_error {
 struct Field {
     bool isNull = true; ///< the whole value of a field of type bool
     ByteView bytes;
+    std::uint64_t place = 0; ///< of the first one in the file, 0-based
 };
 
 /// A row, or why it can't be read.

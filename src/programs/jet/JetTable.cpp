@@ -196,8 +196,10 @@ void JetTable::crack(const Slot &slot, Row &row) {
         const auto start = static_cast<std::uint64_t>(std::max(field.start, 0));
         const auto size = static_cast<std::uint64_t>(std::max(field.siz, 0));
         row.fields[i].isNull = field.is_null != 0;
-        if (page.has(start, size))
-            row.fields[i].bytes = page.sub(start, size);
+        if (!page.has(start, size))
+            continue;
+        row.fields[i].bytes = page.sub(start, size);
+        row.fields[i].place = handle.cur_pg * m_file.pageSize() + start;
     }
 }
 

@@ -43,22 +43,6 @@ constexpr std::array<NumberRule, 4> kWeeklyDates = {{
     {"OtherDate", kSecondDate, kLong, F::fileTimeMoved},
 }};
 
-/// Records begin at blocks of 0x80 bytes, and say how many they have.
-SourceBytes recordBytes(const PlaceSearch &search) {
-    constexpr std::uint64_t kHead = 8;
-    constexpr std::uint64_t kBlock = 0x80;
-    const auto at = static_cast<std::uint64_t>(
-        factNumber(search.record, "source_offset").value_or(search.record.MapFileOffset));
-    const EvidenceFile file = search.evidence.open(search.source);
-    const Bytes head = file.read(at, kHead);
-    const std::string_view mark = ByteView(head).raw().substr(0, 4);
-    constexpr std::array<std::string_view, 4> kMarks = {"URL ", "LEAK", "FILE", "REDR"};
-    if (head.size() < kHead || std::ranges::find(kMarks, mark) == kMarks.end())
-        throw std::runtime_error(fmt::format("no record begins at byte {}", at));
-    const std::uint64_t told = std::uint64_t{ByteView(head).u32le(kBlocks)} * kBlock;
-    return {"the record", search.source, {}, at, file.read(at, std::min(told, kMostRecord))};
-}
-
 void placeAddress(const UrlRecord &row, const SourceBytes &record, FieldPlaces &places) {
     const bool isRedirect = record.view().sub(0, 4).raw() == "REDR";
     const bool isRecovered = row.cacheType == kIERemnant.word;
@@ -126,10 +110,44 @@ void placeOfFile(FieldPlaces &places) {
     places.derived("source_offset", "where this program found the record");
 }
 
+std::uint64_t offsetOf(const UrlRecord &record) {
+    return static_cast<std::uint64_t>(
+        factNumber(record, "source_offset").value_or(record.MapFileOffset));
+}
+
 } // namespace
 
+SourceBytes indexRecordAt(const PlaceSearch &search, std::uint64_t at) {
+    constexpr std::uint64_t kHead = 8;
+    constexpr std::uint64_t kBlock = 0x80;
+    const EvidenceFile file = search.evidence.open(search.source);
+    const Bytes head = file.read(at, kHead);
+    const std::string_view mark = ByteView(head).raw().substr(0, 4);
+    constexpr std::array<std::string_view, 4> kMarks = {"URL ", "LEAK", "FILE", "REDR"};
+    const bool isMark = std::ranges::any_of(
+        kMarks, [mark](std::string_view each) { return equalsNoCase(each, mark); });
+    if (head.size() < kHead || !isMark)
+        throw std::runtime_error(fmt::format("no record begins at byte {}", at));
+    const std::uint64_t told = std::uint64_t{ByteView(head).u32le(kBlocks)} * kBlock;
+    return {"the record", search.source, {}, at, file.read(at, std::min(told, kMostRecord))};
+}
+
+void locateCarved(const PlaceSearch &search, FieldPlaces &places) {
+    const SourceBytes record =
+        indexRecordAt(search, static_cast<std::uint64_t>(search.record.MapFileOffset));
+    placeAddress(search.record, record, places);
+    if (record.view().sub(0, 4).raw() == "REDR")
+        return places.derived("Visits", "a redirect has nothing but its address");
+    places.number(record, {"Visits", kHits});
+    for (const std::string_view field : {"ActionDateUTC", "LastVisited"})
+        places.number(record, {field, kSecondDate, kLong, F::fileTime});
+    places.value("CacheFileCreated", record, kCreated, kLong, createdDate(record.view()),
+                 "FILETIME, UTC; where that is no time of 1980 to 2100, a FAT date and time");
+    places.derived("RecordSize", "number of the record's blocks, 4 bytes into it, times 128");
+}
+
 void locateInIndex(const PlaceSearch &search, FieldPlaces &places) {
-    const SourceBytes record = recordBytes(search);
+    const SourceBytes record = indexRecordAt(search, offsetOf(search.record));
     const bool isRedirect = record.view().sub(0, 4).raw() == "REDR";
     const bool isWeekly = search.record.OtherDateMeaning == "File Created (GMT)";
     placeAddress(search.record, record, places);

@@ -45,6 +45,13 @@ JetCell cellOf(const json &value) {
     return {};
 }
 
+std::pair<std::uint64_t, std::uint64_t> placeOf(const json &value) {
+    const bool isPlace = value.is_array() && value.size() == 2 && value[0].is_number_unsigned() &&
+                         value[1].is_number_unsigned();
+    return isPlace ? std::pair(value[0].get<std::uint64_t>(), value[1].get<std::uint64_t>())
+                   : std::pair(std::uint64_t{0}, std::uint64_t{0});
+}
+
 } // namespace
 
 JetLines::JetLines(std::size_t columns, Receiver receiver)
@@ -95,6 +102,9 @@ bool JetLines::takeRow(const Parsed &line) {
         std::transform(cells->begin(), cells->end(), std::back_inserter(row.cells), cellOf);
     if (row.damage.empty() && row.cells.size() != m_columns)
         return refuse();
+    if (const json *at = line.array("at"))
+        std::transform(at->begin(), at->end(), std::back_inserter(row.places), placeOf);
+    row.places.resize(row.cells.size());
     if (const json *cut = line.array("cut"))
         for (const json &index : *cut)
             if (index.is_number_unsigned() && index.get<std::size_t>() < row.cells.size())

@@ -5,6 +5,7 @@
 #include <functional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <variant>
 #include <vector>
 
@@ -16,6 +17,9 @@ using JetCell = std::variant<std::monostate, bool, double, std::string>;
 struct JetRow {
     std::uint64_t place = 0; ///< of the row's entry in the file, 0-based
     std::vector<JetCell> cells;
+    /// Where the bytes of each cell begin in the file, and how many there are; 0 for none. Of long
+    /// texts it is what leads to them.
+    std::vector<std::pair<std::uint64_t, std::uint64_t>> places;
     std::vector<std::size_t> cut; ///< cells that are not whole
     std::string damage;           ///< why the row can't be read; it then has no cells
 };

@@ -18,7 +18,7 @@ CaseSection cardSection(CaseCards chosen) {
     CaseSection cards;
     cards.part = CaseSection::Part::cards;
     cards.title = chosen == CaseCards::ticked   ? "Ticked"
-                  : chosen == CaseCards::tagged ? "Tagged"
+                  : chosen == CaseCards::tagged ? "Ticked or tagged"
                                                 : "All rows";
     cards.name = chosen == CaseCards::ticked   ? "ticked"
                  : chosen == CaseCards::tagged ? "tagged"

@@ -109,7 +109,7 @@ QVariant TemplateModel::data(const QModelIndex &index, int role) const {
         return textOf(shown, index.column());
     case Qt::ToolTipRole:
         if (index.column() == tagColumn)
-            return tr("Tagged templates are the ones that are applied");
+            return tr("Ticked templates are the ones that are applied");
         // Tooltips guess whether they are rich text: titles of evidence never are.
         return Qt::convertFromPlainText(textOf(shown, index.column()));
     case Qt::CheckStateRole:
@@ -139,7 +139,7 @@ QVariant TemplateModel::headerData(int section, Qt::Orientation orientation, int
         return {};
     switch (section) {
     case tagColumn:
-        return tr("Tag");
+        return tr("Tick");
     case nameColumn:
         return tr("Name");
     case titleColumn:

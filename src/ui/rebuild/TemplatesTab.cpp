@@ -108,11 +108,11 @@ void TemplatesTab::makeActions() {
                        tr("Show the template's page beside the list (Enter; Esc closes it)"),
                        &TemplatesTab::viewWanted);
     m_apply = newAction("actTemplateApply", tr("&Apply to Pages"),
-                        tr("Lay the tagged templates, or the current one, over the tagged pages of "
+                        tr("Lay the ticked templates, or the current one, over the ticked pages of "
                            "the table, or over its current page"),
                         &TemplatesTab::applyWanted);
     m_create = newAction("actTemplateCreate", tr("&Create from Pages"),
-                         tr("Make a template of each tagged page of the table, or of its current "
+                         tr("Make a template of each ticked page of the table, or of its current "
                             "page; it has to be rebuilt first"),
                          &TemplatesTab::createWanted);
     m_rename =
@@ -150,7 +150,7 @@ QWidget *TemplatesTab::newEmptyPage() {
     auto *text = new QLabel(tr("There are no templates yet.\n\n"
                                "A template keeps a rebuilt page with its parts, so that it can be "
                                "laid over other pages of the site.\n"
-                               "Go to a web page in the table, or tag some, rebuild it, and make "
+                               "Go to a web page in the table, or tick some, rebuild it, and make "
                                "its template here."));
     text->setObjectName(QStringLiteral("labNoTemplates"));
     text->setAlignment(Qt::AlignCenter);
@@ -228,7 +228,7 @@ void TemplatesTab::showState() {
     for (QAction *action : {m_apply, m_view, m_rename, m_delete})
         action->setEnabled(some);
     m_pages->setCurrentIndex(all > 0 ? 1 : 0);
-    m_count->setText(tr("Templates: %L1. Tagged: %L2.")
+    m_count->setText(tr("Templates: %L1. Ticked: %L2.")
                          .arg(all)
                          .arg(static_cast<qint64>(m_model->tagged().size())));
 }

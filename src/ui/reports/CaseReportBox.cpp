@@ -62,6 +62,11 @@ void CaseReportBox::apply(CaseOptions &options) const {
     options.tagNotes = m_tagNotes->isChecked();
 }
 
+void CaseReportBox::preferTaggedCards() {
+    if (m_cards->currentData().toInt() == static_cast<int>(CaseCards::ticked))
+        m_cards->setCurrentIndex(m_cards->findData(static_cast<int>(CaseCards::tagged)));
+}
+
 void CaseReportBox::chooseRedactions() {
     RedactionForm form(m_redactions, this);
     if (form.exec() != QDialog::Accepted)

@@ -19,6 +19,8 @@ class CaseReportBox final : public QWidget {
 
     void show(const CaseOptions &options);
     void apply(CaseOptions &options) const;
+    /// Who chooses rows by their tags means cards of these, and not of ticked ones.
+    void preferTaggedCards();
 
   private:
     void chooseRedactions();

@@ -71,7 +71,7 @@ QWidget *ExportForm::newColumns() {
     m_columns->setAlternatingRowColors(true);
     for (const ListedColumn &column : columnsFromString(m_job.columnsAsString)) {
         const QString header = toQt(column.columnHeader);
-        auto *item = new QListWidgetItem(header.isEmpty() ? tr("Tag") : header, m_columns);
+        auto *item = new QListWidgetItem(header.isEmpty() ? tr("Tick") : header, m_columns);
         item->setData(Qt::UserRole, toQt(column.keyName));
         item->setToolTip(toQt(column.keyName));
         item->setFlags(Qt::ItemIsEnabled | Qt::ItemIsSelectable | Qt::ItemIsUserCheckable);
@@ -97,7 +97,7 @@ QWidget *ExportForm::newRowChoice(std::size_t rows) {
         row->addWidget(button);
     };
     add(tr("A&ll rows (%L1)").arg(rows), "opRowsAll");
-    add(tr("&Tagged rows (%L1)").arg(m_job.selectedURLs.count()), "opRowsTagged");
+    add(tr("&Ticked rows (%L1)").arg(m_job.selectedURLs.count()), "opRowsTagged");
     row->addStretch();
     m_rows->button(0)->setChecked(true);
     return line;

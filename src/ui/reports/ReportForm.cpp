@@ -1,6 +1,7 @@
 #include "ui/reports/ReportForm.h"
 
 #include "app/messages/ReportMessages.h"
+#include "base/DisplayText.h"
 #include "platform/qt/QtText.h"
 #include "reports/ReportFolder.h"
 #include "ui/reports/CaseReportBox.h"
@@ -15,12 +16,15 @@
 #include <QImageReader>
 #include <QLabel>
 #include <QLineEdit>
+#include <QListWidget>
 #include <QPixmap>
 #include <QPushButton>
 #include <QRadioButton>
 #include <QStackedWidget>
 
+#include <algorithm>
 #include <array>
+#include <utility>
 
 namespace nv {
 
@@ -52,15 +56,14 @@ QWidget *side(std::initializer_list<QWidget *> widgets) {
 
 } // namespace
 
-ReportForm::ReportForm(const ReportWriter &report, std::size_t rows, std::size_t tagged,
-                       Examiner &examiner, QWidget *parent)
-    : QDialog(parent), m_examiner(examiner) {
+ReportForm::ReportForm(const ReportWriter &report, Rows rows, Examiner &examiner, QWidget *parent)
+    : QDialog(parent), m_rows(std::move(rows)), m_examiner(examiner) {
     setObjectName(QStringLiteral("ReportForm"));
     setWindowTitle(tr("Create Report"));
     auto *column = new QVBoxLayout(this);
     auto *form = new QFormLayout;
     form->setFieldGrowthPolicy(QFormLayout::AllNonFixedFieldsGrow);
-    addWhat(*form, rows, tagged);
+    addWhat(*form);
     addTexts(*form);
     addPictures(*form);
     addContents(*form);
@@ -69,6 +72,8 @@ ReportForm::ReportForm(const ReportWriter &report, std::size_t rows, std::size_t
     column->addWidget(newButtons());
     resize(640, sizeHint().height());
     show(report);
+    if (m_named && !m_rows.chosenTags.empty())
+        m_named->setChecked(true);
 }
 
 QWidget *ReportForm::newButtons() {
@@ -88,7 +93,7 @@ QWidget *ReportForm::newButtons() {
     return buttons;
 }
 
-void ReportForm::addWhat(QFormLayout &form, std::size_t rows, std::size_t tagged) {
+void ReportForm::addWhat(QFormLayout &form) {
     m_type = new QComboBox;
     m_type->setObjectName(QStringLiteral("cbReportType"));
     m_type->setAccessibleName(tr("Type"));
@@ -103,15 +108,72 @@ void ReportForm::addWhat(QFormLayout &form, std::size_t rows, std::size_t tagged
     m_explanation->setMinimumHeight(2 * fontMetrics().lineSpacing());
     m_explanation->setAlignment(Qt::AlignTop | Qt::AlignLeft);
     form.addRow(QString(), m_explanation);
-    m_all = named<QRadioButton>("opAll", tr("All %L1 rows of the &view").arg(rows));
-    m_tagged = named<QRadioButton>("opTagged", tr("The %L1 ta&gged ones").arg(tagged));
-    m_tagged->setToolTip(tr("Rows with the tick that the table shows"));
-    form.addRow(tr("Rows:"), side({m_all, m_tagged}));
+    addRows(form);
     m_ascending = named<QRadioButton>("opSortAscending", tr("&Oldest first"));
     m_descending = named<QRadioButton>("opSortDescending", tr("Newest &first"));
     QWidget *order = side({m_ascending, m_descending});
     order->setObjectName(QStringLiteral("opSort"));
     form.addRow(tr("Order:"), order);
+}
+
+void ReportForm::addRows(QFormLayout &form) {
+    m_all = named<QRadioButton>("opAll", tr("All %L1 rows of the &view").arg(m_rows.all));
+    m_tagged = named<QRadioButton>("opTagged", tr("T&he %L1 ticked ones").arg(m_rows.ticked));
+    m_tagged->setToolTip(tr("Rows with the tick that the table shows"));
+    if (m_rows.tags.empty())
+        return form.addRow(tr("Rows:"), side({m_all, m_tagged}));
+    m_named = named<QRadioButton>("opNamedTags", {});
+    m_named->setToolTip(tr("Rows that the table shows and that have one of the checked tags"));
+    form.addRow(tr("Rows:"), side({m_all, m_tagged, m_named}));
+    addTags(form);
+}
+
+void ReportForm::addTags(QFormLayout &form) {
+    m_tags = new QListWidget;
+    m_tags->setObjectName(QStringLiteral("lstReportTags"));
+    m_tags->setAccessibleName(tr("Tags of the rows"));
+    m_tags->setToolTip(tr("The tags, and how many rows of the table have each"));
+    m_tags->setTextElideMode(Qt::ElideMiddle);
+    m_tags->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    for (const ReportTag &each : m_rows.tags) {
+        auto *item = new QListWidgetItem(
+            tr("%1 (%L2)").arg(toQt(displayText(each.tag.name))).arg(each.rows.size()), m_tags);
+        item->setFlags(item->flags() | Qt::ItemIsUserCheckable);
+        const bool isChosen =
+            std::ranges::find(m_rows.chosenTags, each.tag.name) != m_rows.chosenTags.end();
+        item->setCheckState(isChosen ? Qt::Checked : Qt::Unchecked);
+    }
+    m_tags->setCurrentRow(0);
+    constexpr int kMostLines = 3;
+    const int lines = std::clamp(m_tags->count(), 1, kMostLines);
+    m_tags->setFixedHeight(lines * m_tags->sizeHintForRow(0) + 2 * m_tags->frameWidth());
+    form.addRow(QString(), m_tags);
+    connect(m_tags, &QListWidget::itemChanged, this, [this] {
+        m_named->setChecked(true); // who checks a tag means its rows
+        countTagged();
+    });
+    connect(m_named, &QRadioButton::toggled, this, [this](bool chosen) {
+        if (chosen)
+            m_case->preferTaggedCards();
+    });
+    countTagged();
+}
+
+std::vector<std::string> ReportForm::checkedTags() const {
+    std::vector<std::string> names;
+    for (int row = 0; m_tags && row < m_tags->count(); ++row)
+        if (m_tags->item(row)->checkState() == Qt::Checked)
+            names.push_back(m_rows.tags.at(static_cast<std::size_t>(row)).tag.name);
+    return names;
+}
+
+void ReportForm::countTagged() {
+    m_named->setText(
+        tr("The %L1 with a ta&g of these:").arg(rowsWithOneOf(m_rows.tags, checkedTags()).size()));
+}
+
+std::vector<std::string> ReportForm::chosenTags() const {
+    return m_named && m_named->isChecked() ? checkedTags() : std::vector<std::string>();
 }
 
 void ReportForm::addTexts(QFormLayout &form) {
@@ -129,7 +191,6 @@ void ReportForm::addPictures(QFormLayout &form) {
     m_useLogo = named<QCheckBox>("chkUseCustomLogo", tr("Own &logo:"));
     form.addRow(m_useLogo, picturePath(m_logo, "txtLogoPath", tr("Logo")));
     m_logoPreview = named<QLabel>("picLogo", {});
-    m_logoPreview->setFixedHeight(kPreview.height());
     form.addRow(QString(), m_logoPreview);
     connect(m_logo, &QLineEdit::textChanged, this, &ReportForm::previewLogo);
     m_useThumbnail = named<QCheckBox>("chkUseDefaultThumbnail", tr("Own default &picture:"));
@@ -236,7 +297,7 @@ void ReportForm::show(const ReportWriter &report) {
 
 void ReportForm::apply(ReportWriter &report) const {
     report.reportType = type();
-    report.includeAll = m_all->isChecked();
+    report.includeAll = !m_tagged->isChecked();
     report.sortAscending = m_ascending->isChecked();
     report.reportTitle = fromQt(m_title->text());
     report.caseNumber = fromQt(m_caseNumber->text());
@@ -266,6 +327,8 @@ int ReportForm::type() const {
 void ReportForm::accept() {
     if (type() < 0)
         m_examiner.tell(messages::reportTypeMissing());
+    else if (m_named && m_named->isChecked() && checkedTags().empty())
+        m_examiner.tell(messages::reportTagMissing());
     else
         QDialog::accept();
 }
@@ -295,6 +358,9 @@ void ReportForm::followType() {
 }
 
 void ReportForm::previewLogo() {
+    // Without a picture it takes no room of a small screen.
+    m_logoPreview->setFixedHeight(m_logo->text().isEmpty() ? fontMetrics().lineSpacing()
+                                                           : kPreview.height());
     if (m_logo->text().isEmpty())
         return m_logoPreview->setText(type() == kCaseType ? tr("No logo is shown.")
                                                           : tr("The program's logo is shown."));

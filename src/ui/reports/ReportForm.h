@@ -1,5 +1,6 @@
 #pragma once
 
+#include "app/jobs/ReportTags.h"
 #include "base/Examiner.h"
 #include "reports/ReportWriter.h"
 
@@ -10,6 +11,7 @@ class QComboBox;
 class QFormLayout;
 class QLabel;
 class QLineEdit;
+class QListWidget;
 class QRadioButton;
 class QStackedWidget;
 
@@ -22,18 +24,31 @@ class ReportForm final : public QDialog {
     Q_OBJECT
 
   public:
-    /// `report` and `examiner` must outlive it. The counts are those of the table.
-    ReportForm(const ReportWriter &report, std::size_t rows, std::size_t tagged, Examiner &examiner,
+    /// The rows of the table.
+    struct Rows {
+        std::size_t all = 0;
+        std::size_t ticked = 0;
+        std::vector<ReportTag> tags;
+        std::vector<std::string> chosenTags; ///< of the last report; empty for none
+    };
+    /// `report` and `examiner` must outlive it.
+    ReportForm(const ReportWriter &report, Rows rows, Examiner &examiner,
                QWidget *parent = nullptr);
 
     /// Takes what the examiner chose into `report`.
     void apply(ReportWriter &report) const;
     void accept() override;
+    /// The report holds rows with one of these tags only; empty for no such limit.
+    std::vector<std::string> chosenTags() const;
     /// The report is to be published as soon as it is made.
     bool publishes() const { return m_publishes; }
 
   private:
-    void addWhat(QFormLayout &form, std::size_t rows, std::size_t tagged);
+    void addWhat(QFormLayout &form);
+    void addRows(QFormLayout &form);
+    void addTags(QFormLayout &form);
+    std::vector<std::string> checkedTags() const;
+    void countTagged();
     void addTexts(QFormLayout &form);
     void addPictures(QFormLayout &form);
     void addContents(QFormLayout &form);
@@ -45,11 +60,14 @@ class ReportForm final : public QDialog {
     QWidget *picturePath(QLineEdit *&path, const char *name, const QString &title);
     int type() const; ///< -1 when none is chosen
 
+    Rows m_rows;
     Examiner &m_examiner;
     QComboBox *m_type = nullptr;
     QLabel *m_explanation = nullptr;
     QRadioButton *m_all = nullptr;
     QRadioButton *m_tagged = nullptr;
+    QRadioButton *m_named = nullptr; ///< null in a project without tags
+    QListWidget *m_tags = nullptr;
     QRadioButton *m_ascending = nullptr;
     QRadioButton *m_descending = nullptr;
     QLineEdit *m_title = nullptr;

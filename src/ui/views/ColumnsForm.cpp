@@ -15,7 +15,7 @@ namespace nv {
 QString columnTitle(UrlColumn column) {
     switch (column) {
     case UrlColumn::Tag:
-        return ColumnsForm::tr("Tag");
+        return ColumnsForm::tr("Tick");
     case UrlColumn::FileId:
         return ColumnsForm::tr("Source File ID");
     case UrlColumn::LastVisited:

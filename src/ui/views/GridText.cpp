@@ -30,7 +30,7 @@ QString headingsOf(const UrlTable &table, const std::vector<UrlColumn> &columns)
 /// The tick has no heading; that of the zone's dates has two lines.
 std::string headingOf(const UrlTable &table, UrlColumn column) {
     const std::string heading = fromQt(oneLine(toQt(table.header(column))));
-    return heading.empty() ? "Tagged" : heading;
+    return heading.empty() ? "Ticked" : heading;
 }
 
 } // namespace

@@ -28,6 +28,8 @@ class PlacesModel final : public QAbstractItemModel {
     void setHashLimit(const HashLimit &limit);
     /// The rows of a place; nothing for a heading.
     std::optional<PlaceLimit> limitAt(const QModelIndex &index) const;
+    /// Whether the place is one of those that limit the rows now.
+    bool isInForce(const PlaceLimit &limit) const { return isChosen(limit) || isLeftOut(limit); }
     /// How many rows a place has.
     std::uint64_t recordsAt(const QModelIndex &index) const;
 

@@ -7,6 +7,7 @@
 #include <QApplication>
 #include <QBoxLayout>
 #include <QHeaderView>
+#include <QItemSelectionModel>
 #include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
@@ -201,6 +202,7 @@ void PlacesPane::chooseHashSets(const HashLimit &limit) {
 void PlacesPane::setHashLimit(const HashLimit &limit) {
     m_hashLimit = limit;
     m_model.setHashLimit(limit);
+    moveMark();
 }
 
 void PlacesPane::setChoice(const PlaceChoice &choice) {
@@ -211,6 +213,29 @@ void PlacesPane::setChoice(const PlaceChoice &choice) {
     m_chosen->setText(choice.only.empty() ? text : tr("Only %1").arg(text));
     m_chosen->setVisible(any);
     m_all->setVisible(any);
+    moveMark();
+}
+
+/// A click marks the place and limits the rows. Where the limit goes by another way, such as undo
+/// or the cross of its chip, the mark goes with it, and comes back with it. Nothing is scrolled.
+void PlacesPane::moveMark() {
+    QItemSelectionModel &marks = *m_tree->selectionModel();
+    const QModelIndexList marked = marks.selectedRows();
+    if (!marked.isEmpty())
+        if (const auto limit = limitAt(marked.front()); limit && m_model.isInForce(*limit))
+            return;
+    QModelIndex chosen;
+    if (!m_choice.isEmpty() || !m_hashLimit.isEmpty())
+        forEachRow(m_found, {}, [&](const QModelIndex &index) {
+            const auto limit = chosen.isValid() ? std::nullopt : limitAt(index);
+            if (limit && m_model.isInForce(*limit))
+                chosen = index;
+            return !chosen.isValid();
+        });
+    if (chosen.isValid())
+        marks.select(chosen, QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
+    else
+        marks.clearSelection();
 }
 
 void PlacesPane::showNote(const QString &note) {
@@ -226,6 +251,7 @@ void PlacesPane::setPlaces(Places places) {
     else if (m_model.rowCount() > 0)
         m_tree->expandToDepth(1);
     m_hasPlaces = m_model.rowCount() > 0;
+    moveMark();
 }
 
 QStringList PlacesPane::openPlaces() const {
@@ -294,10 +320,10 @@ void PlacesPane::showMenu(const QPoint &place) {
         else
             addPlaceActions(*limit);
         m_menu->addSeparator();
-        addAction("actTagPlace", tr("&Tag Its Rows"), [this, limit] {
+        addAction("actTagPlace", tr("&Tick Its Rows"), [this, limit] {
             emit tagWanted(*limit, true);
         })->setEnabled(!m_readOnly);
-        addAction("actUntagPlace", tr("&Untag Its Rows"), [this, limit] {
+        addAction("actUntagPlace", tr("&Untick Its Rows"), [this, limit] {
             emit tagWanted(*limit, false);
         })->setEnabled(!m_readOnly);
         m_menu->addSeparator();

@@ -58,6 +58,7 @@ class PlacesPane final : public QWidget {
     std::optional<PlaceLimit> limitAt(const QModelIndex &index) const;
     QStringList openPlaces() const;
     void openAgain(const QStringList &open);
+    void moveMark();
 
     PlacesModel m_model;
     QSortFilterProxyModel m_found;

@@ -309,7 +309,7 @@ void TableTab::flipTags() {
     if (m_project && isReadOnly(*m_project))
         return emit tickingRefused();
     if (m_grid->selectedRowCount() > 1) {
-        m_runTask({"TAGGING URLS", "", "", ""},
+        m_runTask({"TICKING ROWS", "", "", ""},
                   [this](TaskMonitor &task) { m_grid->flipSelectedTags(task); });
         const qint64 before = m_ticks.all();
         m_ticks.forget();

@@ -19,7 +19,7 @@ QColor textOn(const QColor &color);
 /// A round spot of the colour, for lists and menus.
 QIcon tagIcon(const NamedTag &tag);
 
-/// Draws the cells of column "Tag Names": a pill of the tag's colour with its name for each tag of
+/// Draws the cells of column "Tags": a pill of the tag's colour with its name for each tag of
 /// the row, as many as there is room for.
 class TagPills final : public QStyledItemDelegate {
     Q_OBJECT

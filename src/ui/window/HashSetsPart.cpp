@@ -14,6 +14,7 @@
 #include <QSignalBlocker>
 #include <QSplitter>
 
+#include <span>
 #include <utility>
 
 namespace nv {
@@ -38,15 +39,11 @@ QString madeText(const HashSetMade &made, const std::string &name) {
     return text;
 }
 
-QString matchText(const HashMatch &match) {
-    QString text =
-        HashSetsPart::tr("%1 with a hash compared.").arg(toQt(counted(match.rowsWithHash, "row")));
-    if (match.bodiesWithoutHash > 0)
-        text +=
-            HashSetsPart::tr(" Of %1 with cached content no hash is known, so nothing is said "
-                             "of them: an import that looks into the hash sets hashes all content.")
-                .arg(toQt(counted(match.bodiesWithoutHash, "row")));
-    return text;
+QString matchedText(std::span<const HashSetFile> sets, const HashMatch &match) {
+    const QString how =
+        HashSetsPart::tr("To have it compared, import the evidence into a new project, with \"Look "
+                         "for cached content in the hash sets\" ticked in the wizard.");
+    return toQt(matchText(match, fromQt(how)) + '\n' + matchedSetsText(sets, match));
 }
 
 } // namespace
@@ -197,6 +194,7 @@ void HashSetsPart::remove(HashSetsForm &form, const QString &name) {
 
 void HashSetsPart::match(HashSetsForm &form) {
     std::optional<HashMatch> found;
+    QString told;
     m_bench.runTask({"MATCHING HASH SETS",
                      "Looking for the hashes of the project's files in the "
                      "hash sets",
@@ -205,11 +203,12 @@ void HashSetsPart::match(HashSetsForm &form) {
                         auto sets = openHashSets(m_bench.program.paths.hashSets());
                         found =
                             matchOpenProject(m_bench.program, sets, EarlierFindings::drop, task);
+                        told = matchedText(sets, *found);
                     });
     if (found && found->cancelled)
         form.showNote(tr("Cancelled: the project has what earlier matches found."));
     else if (found)
-        form.showNote(matchText(*found));
+        form.showNote(told);
     if (found && !found->cancelled) {
         emit m_bench.hashSetsMatched();
         m_bench.reload();

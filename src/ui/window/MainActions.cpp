@@ -50,7 +50,7 @@ MainActions::MainActions(QObject *o)
       search(make(o, "actSearch", tr("&Search"), "find", QKeySequence::Find)),
       find(make(o, "actFind", tr("&Find in Columns..."), "", Qt::CTRL | Qt::ALT | Qt::Key_F)),
       findNext(make(o, "actFindNext", tr("Find &Next"), "", QKeySequence::FindNext)),
-      tag(make(o, "actTag", tr("&Tag or Untag"), "tag", Qt::CTRL | Qt::Key_T)),
+      tag(make(o, "actTag", tr("&Tick or Untick"), "tag", Qt::CTRL | Qt::Key_T)),
       rebuild(make(o, "actRebuild", tr("&Rebuild"), "rebuild", Qt::CTRL | Qt::Key_B)),
       rebuildPage(make(o, "actRebuildPage", tr("Rebuild This Pa&ge"), "",
                        Qt::CTRL | Qt::SHIFT | Qt::Key_B)),
@@ -112,11 +112,11 @@ void MainActions::describe() const {
     find->setToolTip(tr("Find a text in the columns that are shown"));
     findNext->setToolTip(tr("Go to the next row with the text"));
     tag->setToolTip(tr("Set or take the ticks of the selected rows"));
-    rebuild->setToolTip(tr("Rebuild the tagged web pages, or the current one when none is tagged"));
-    rebuildPage->setToolTip(tr("Rebuild the current web page, whatever is tagged"));
-    rebuildExactly->setToolTip(tr("Rebuild the tagged web pages, or the current one, as a browser "
+    rebuild->setToolTip(tr("Rebuild the ticked web pages, or the current one when none is ticked"));
+    rebuildPage->setToolTip(tr("Rebuild the current web page, whatever is ticked"));
+    rebuildExactly->setToolTip(tr("Rebuild the ticked web pages, or the current one, as a browser "
                                   "reads them, whatever the setting says"));
-    rebuildByClassic->setToolTip(tr("Rebuild the tagged web pages, or the current one, by the "
+    rebuildByClassic->setToolTip(tr("Rebuild the ticked web pages, or the current one, by the "
                                     "rules of earlier versions, whatever the setting says"));
     linkAnalysis->setToolTip(tr("Find the cached pages that hold a link to each record"));
     filters->setToolTip(tr("Show only records of some sources, kinds and sites"));
@@ -142,7 +142,7 @@ void MainActions::describe() const {
     importSummary->setToolTip(tr("What the last import brought, and what it could not read"));
     caseTrail->setToolTip(tr("What was done with this project, when and on which file"));
     network->setToolTip(tr("Switch the computer's network connection"));
-    createReport->setToolTip(tr("Make a report of the tagged rows, or of all"));
+    createReport->setToolTip(tr("Make a report of ticked or tagged rows, or of all"));
     publishReport->setToolTip(tr("Copy a report to the folder that is handed over"));
     openReportFolder->setToolTip(tr("Open the folder of the last report"));
     upgradeWizard->setToolTip(tr("Bring a project of an earlier version up to date"));

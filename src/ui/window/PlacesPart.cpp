@@ -142,7 +142,7 @@ void PlacesPart::limitTo(const PlaceChoice &choice) const {
 void PlacesPart::tag(const PlaceLimit &limit, bool tagged) {
     if (!m_bench.mayWrite())
         return;
-    m_bench.runTask({"TAGGING URLS", "", "", ""}, [&](TaskMonitor &task) {
+    m_bench.runTask({"TICKING ROWS", "", "", ""}, [&](TaskMonitor &task) {
         FoundRows found;
         const IdQuery rows = placeQuery(m_bench.project(), {{limit}, {}});
         if (findRows(m_bench.project(), rows, RecordFilters(), task, found) == Walk::Finished &&

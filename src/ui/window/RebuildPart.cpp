@@ -50,11 +50,11 @@ RebuildPart::RebuildPart(Workbench &bench) : m_bench(bench) {
 void RebuildPart::sayWhatRebuildDoes() const {
     const qint64 count = m_bench.table->shownTaggedCount();
     const MainActions &actions = m_bench.actions;
-    actions.rebuild->setText(commandText(count, tr("&Rebuild"), tr("&Rebuild %L1 Tagged")));
+    actions.rebuild->setText(commandText(count, tr("&Rebuild"), tr("&Rebuild %L1 Ticked")));
     actions.rebuildExactly->setText(
-        commandText(count, tr("Rebuild E&xactly"), tr("Rebuild %L1 Tagged E&xactly")));
+        commandText(count, tr("Rebuild E&xactly"), tr("Rebuild %L1 Ticked E&xactly")));
     actions.rebuildByClassic->setText(commandText(count, tr("Rebuild by Cla&ssic Rules"),
-                                                  tr("Rebuild %L1 Tagged by Cla&ssic Rules")));
+                                                  tr("Rebuild %L1 Ticked by Cla&ssic Rules")));
 }
 
 std::vector<UrlId> shownTagged(Workbench &bench) {

@@ -2,6 +2,7 @@
 
 #include "app/jobs/RebuildJob.h"
 #include "app/jobs/ReportJob.h"
+#include "app/jobs/ReportTags.h"
 #include "app/jobs/Trail.h"
 #include "app/messages/Messages.h"
 #include "app/messages/ReportMessages.h"
@@ -43,8 +44,10 @@ void refuseEvidence(const fs::path &target, ProgramState &state) {
 }
 
 /// Which rows the report holds, for its cover.
-std::string contentOf(const UrlTable &table, bool isAll) {
+std::string contentOf(const UrlTable &table, bool isAll, const std::vector<std::string> &tags) {
     std::string text = isAll ? "the rows of the table" : "the ticked rows of the table";
+    if (!tags.empty())
+        text += " with " + tagsText(tags);
     if (!table.choice.activeQueryName.empty())
         text += fmt::format(", the query \"{}\"", table.choice.activeQueryName);
     if (table.choice.filterByHostEnabled)
@@ -55,6 +58,12 @@ std::string contentOf(const UrlTable &table, bool isAll) {
         text += fmt::format(" ({} hidden by the filters or by the time)",
                             counted(table.hiddenCount(), "row"));
     return text;
+}
+
+/// Those of `ids` that are among `tagged`, which are ascending, in their order.
+void leaveTagged(RowIds &ids, const RowIds &tagged) {
+    std::erase_if(ids,
+                  [&tagged](std::int32_t id) { return !std::ranges::binary_search(tagged, id); });
 }
 
 } // namespace
@@ -91,14 +100,15 @@ void ReportPart::create() {
         return;
     Program &program = m_bench.program;
     ReportTools tools(program, program.task, program.state.tempFolderPath);
-    if (!chooseOptions(tools))
+    RowIds rows = m_bench.table->table()->ids();
+    if (!chooseOptions(tools, rows))
         return;
     withdrawReport();
     bool finished = false;
     std::optional<std::string> failure;
     m_bench.runTask({"CREATING REPORT", "Overall Progress", "", ""}, [&](TaskMonitor &) {
-        failure = failureOf(program.log, "ReportForm.OkBtn_Click()",
-                            [&] { finished = tools.run(m_bench.table->table()->ids()); });
+        failure =
+            failureOf(program.log, "ReportForm.OkBtn_Click()", [&] { finished = tools.run(rows); });
     });
     if (!finished)
         findReport(); // an earlier one of the other type is still there
@@ -128,26 +138,31 @@ void ReportPart::findReport() {
 }
 
 /// False when the examiner thinks better of it.
-bool ReportPart::chooseOptions(ReportTools &tools) {
+bool ReportPart::chooseOptions(ReportTools &tools, RowIds &ids) {
     Program &program = m_bench.program;
     readReportOptions(program.settings, tools.report);
     // Those of another case, which an earlier version of the program kept with its settings.
     tools.report.caseNumber.clear();
     tools.report.reportedBy.clear();
     readProjectReportOptions(program, tools.report);
-    const RowIds &ids = m_bench.table->table()->ids();
     UnreadRows unread; // the report names them
     const auto tagged = taggedIds(program, unread);
     const auto shown = static_cast<std::size_t>(std::ranges::count_if(
         ids, [&tagged](auto id) { return std::ranges::binary_search(tagged, UrlId{id}); }));
     tools.report.includeAll = shown == 0;
-    ReportForm form(tools.report, ids.size(), shown, m_bench.examiner(), &m_bench.window);
+    const std::vector<ReportTag> tags = reportTags(program, ids);
+    ReportForm form(tools.report, {ids.size(), shown, tags, keptReportTags(program)},
+                    m_bench.examiner(), &m_bench.window);
     if (form.exec() != QDialog::Accepted)
         return false;
     form.apply(tools.report);
     m_publishes = form.publishes();
-    tools.report.caseOptions.content = contentOf(*m_bench.table->table(), tools.report.includeAll);
-    if (!writeProjectReportOptions(program, tools.report))
+    const std::vector<std::string> names = form.chosenTags();
+    if (!names.empty())
+        leaveTagged(ids, rowsWithOneOf(tags, names));
+    tools.report.caseOptions.content =
+        contentOf(*m_bench.table->table(), tools.report.includeAll, names);
+    if (!writeProjectReportOptions(program, tools.report) || !keepReportTags(program, names))
         m_bench.examiner().tell(messages::reportingError(
             "The choices could not be kept with the project; the log of the program says why."));
     if (!writeReportOptions(tools.report, program.settings))

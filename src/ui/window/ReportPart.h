@@ -27,7 +27,8 @@ class ReportPart final : public QObject {
     /// The newest report of the open project that is still there; empty for none.
     std::filesystem::path lastReport() const;
     void findReport();
-    bool chooseOptions(ReportTools &tools);
+    /// Leaves of the rows those that the report is of.
+    bool chooseOptions(ReportTools &tools, RowIds &ids);
     void tellOf(const ReportTools &tools, bool finished);
     void showLarge();
     void showReport(const std::filesystem::path &page);

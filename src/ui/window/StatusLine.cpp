@@ -57,7 +57,7 @@ void StatusLine::showTable(TableTab &tab, const ProgramState &state) {
     if (!table)
         return;
     m_rows->setText(tr("Rows: %L1").arg(table->rowCount()));
-    m_tagged->setText(tr("Tagged: %L1").arg(tab.taggedCount()));
+    m_tagged->setText(tr("Ticked: %L1").arg(tab.taggedCount()));
     const QString query = tab.queryName();
     // A column that is shown has its sign in the heading.
     const auto sort = table->columnSort();

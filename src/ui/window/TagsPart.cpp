@@ -82,7 +82,7 @@ TagsPart::TagsPart(Workbench &bench) : m_bench(bench), m_pane(new TagsPane) {
 
 /// In the menu of the window and in that of the table's rows.
 void TagsPart::addMenu() {
-    m_bench.tags = new QMenu(tr("Na&med Tags"), &m_bench.window);
+    m_bench.tags = new QMenu(tr("&Tags"), &m_bench.window);
     m_bench.tags->setObjectName(QStringLiteral("menuTags"));
     m_bench.tags->setIcon(icon("tag"));
     m_bench.tags->setEnabled(false);
@@ -192,13 +192,12 @@ void TagsPart::pressKey(int digit) {
     if (place < m_tags.size())
         flip(NamedTag(m_tags[place]));
     else
-        m_bench.showNotice(
-            tr("There is no tag %1: Edit, Named Tags, New Tag makes one.").arg(digit));
+        m_bench.showNotice(tr("There is no tag %1: Edit, Tags, New Tag makes one.").arg(digit));
 }
 
 void TagsPart::work(std::size_t rows, const std::function<void(TaskMonitor &)> &change) const {
     if (rows > kAtOnce)
-        return m_bench.runTask({"TAGGING URLS", "", "", ""}, change);
+        return m_bench.runTask({"TAGGING ROWS", "", "", ""}, change);
     Unwatched task;
     change(task);
 }

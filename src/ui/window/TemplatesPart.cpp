@@ -54,7 +54,7 @@ std::vector<UrlId> TemplatesPart::pages() {
     if (const auto current = m_bench.table->grid().currentUrl(); ids.empty() && current)
         ids.push_back(*current);
     if (ids.empty())
-        m_bench.showNotice(tr("No page is chosen: go to one in the table, or tag some."));
+        m_bench.showNotice(tr("No page is chosen: go to one in the table, or tick some."));
     return ids;
 }
 

@@ -228,9 +228,10 @@ void ViewersPart::explain(const QString &field) {
     if (!origin)
         return m_properties->showWhy(tr("The selected record could not be found."), false);
     QStringList lines;
+    constexpr std::size_t kMost = 2100; // a little more than is told of a value and its length
     const auto add = [&lines](const auto &told) {
         for (const auto &[name, text] : told)
-            lines += QStringLiteral("%1: %2").arg(toQt(name), toQt(displayText(text, 2000)));
+            lines += QStringLiteral("%1: %2").arg(toQt(name), toQt(displayText(text, kMost)));
     };
     for (const ValueOrigin &value : origin->values) {
         auto told = linesOf(value);

@@ -1,5 +1,6 @@
 #include "views/explain/Explain.h"
 
+#include "base/DisplayText.h"
 #include "base/Files.h"
 #include "base/Text.h"
 #include "base/Trap.h"
@@ -146,6 +147,15 @@ void Explainer::addFurther(const std::filesystem::path &file, RecordOrigin &orig
     origin.further.push_back({name, now.hashes ? now.hashes->sha256 : std::string()});
 }
 
+std::string shownOrigin(std::string_view text) {
+    constexpr std::size_t kMost = 2000; // characters
+    constexpr std::size_t kMostBytes = 4 * kMost;
+    // A value may have megabytes: no more of it is looked at than can be shown.
+    const std::string shown = displayText(text.substr(0, kMostBytes + 4), kMost);
+    const bool isCut = charCount(text.substr(0, kMostBytes)) > kMost || text.size() > kMostBytes;
+    return isCut ? fmt::format("{} ({} bytes in all)", shown, text.size()) : shown;
+}
+
 std::vector<std::pair<std::string, std::string>> linesOf(const RecordOrigin &record) {
     std::vector<std::pair<std::string, std::string>> lines = {
         {"Record", fmt::format("{} ({})", record.id, record.kind)},
@@ -175,11 +185,20 @@ std::vector<std::pair<std::string, std::string>> linesOf(const ValueOrigin &valu
     }};
     const auto words =
         std::ranges::find(kWords, value.check, &std::pair<OriginCheck, std::string_view>::first);
+    const bool isReadUncompared = value.check == OriginCheck::unread && !value.stored.empty();
     std::vector<std::pair<std::string, std::string>> lines = {
-        {"Value", value.value}, {"Lies at", value.place}, {"As it lies", value.stored},
-        {"Rule", value.rule},   {"Zone", value.zone},     {"Check", std::string(words->second)},
+        {"Value", value.value},
+        {"Lies at", value.place},
+        {"As it lies", value.stored},
+        {"Rule", value.rule},
+        {"Zone", value.zone},
+        {"Check", isReadUncompared
+                      ? "the source was read again; whether it gives this value can't be compared"
+                      : std::string(words->second)},
         {"Note", value.note}};
     std::erase_if(lines, [](const auto &line) { return line.second.empty(); });
+    for (auto &[name, text] : lines)
+        text = shownOrigin(text);
     return lines;
 }
 

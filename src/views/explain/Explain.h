@@ -12,6 +12,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -117,7 +118,11 @@ class Explainer {
     std::unique_ptr<EvidenceTables> m_tables;
 };
 
-/// In lines for people, each "name  text".
+/// A text of an origin as people can be shown it: one line, bounded, with what would deceive the
+/// eye written out, and how long it is where it is cut.
+std::string shownOrigin(std::string_view text);
+
+/// In lines for people, each "name  text". Those of a value are as shownOrigin() gives them.
 std::vector<std::pair<std::string, std::string>> linesOf(const RecordOrigin &record);
 std::vector<std::pair<std::string, std::string>> linesOf(const ValueOrigin &value);
 

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <array>
+#include <span>
 
 namespace nv {
 
@@ -67,12 +68,56 @@ constexpr std::array<MadeBy, 53> kMade = {{
     {"content_sha256", derived, "SHA-256 of the cached content, unpacked, at the import"},
 }};
 
+constexpr auto kMadeOtherwise = std::to_array<MadeBy>({
+    {"Action", derived, "a word of this program for what records of this kind tell", true},
+    {"Status", derived, "a word of this program, by the kind and the state of the record", true},
+    {"Host", derived, "part of URL (docs/formats/addresses.md)", true},
+    {"URLFileName", derived, "the last part of URL's path", true},
+    {"URLParameters", derived, "what follows \"?\" in URL"},
+    {"User", derived, "what stands before \"@\" in the stored address"},
+    {"Hidden", derived, "a mark that records of this kind don't have: no", true},
+    {"Visits", derived, "a count that records of this kind don't have: -1"},
+    {"LastVisited", derived,
+     "ActionDateUTC, or ActionDateUTC moved to the importing machine's zone"},
+    {"CacheFileSize", derived, "of the file, as the file system told at the import; 0 without one",
+     true},
+    {"CacheFileCreated", derived, "of the source file, as the file system told at the import",
+     true},
+    {"CacheFileName", derived, "name of the file that was read, or the last part of URL's path"},
+    {"CacheFolderName", derived, "folder of the file that was read"},
+    {"RecordSize", derived, "length of the file, or of URL in characters"},
+    {"WebPageTitle", derived, "title in the page that was read"},
+    {"Reference_ID", derived, "the row that this program found the record in; 0 without one", true},
+    {"MapFileOffset", derived, "where this program found the record; 0 without such a place", true},
+    {"DataBlockFileOffset", derived, "0: records of this kind have no such place", true},
+    {"MetaDataRecordOffset", derived, "where the headers begin; 0 without headers"},
+    {"source_table", derived, "the table that this program found the record in", true},
+    {"source_rowid", derived, "the row that this program found the record in", true},
+    {"source_offset", derived, "where this program found the record", true},
+    {"source_file", derived, "the file that this program found the record in", true},
+    {"visit_id", derived, "the visit of an address of its chain that is nearest to its start"},
+    {"download_id", derived, "the download that began at this visit"},
+    {"visit_source", derived, "the browser names no source for what was browsed here"},
+    {"OtherDate", derived, "the date of the fact that OtherDateMeaning names"},
+    {"permission", derived, "what the table is for: sites whose logins aren't to be saved"},
+    {"setting", derived, "what the table is for: sites whose logins aren't to be saved"},
+    {"url_from", derived, "the table that the address was found in"},
+});
+
+const MadeBy *foundIn(std::span<const MadeBy> rows, std::string_view field) {
+    const auto found = std::ranges::find_if(
+        rows, [field](const MadeBy &each) { return equalsNoCase(each.field, field); });
+    return found == rows.end() ? nullptr : &*found;
+}
+
 } // namespace
 
 const MadeBy *madeBy(std::string_view field) {
-    const auto found = std::ranges::find_if(
-        kMade, [field](const MadeBy &each) { return equalsNoCase(each.field, field); });
-    return found == kMade.end() ? nullptr : &*found;
+    return foundIn(kMade, field);
+}
+
+const MadeBy *madeOtherwise(std::string_view field) {
+    return foundIn(kMadeOtherwise, field);
 }
 
 } // namespace nv

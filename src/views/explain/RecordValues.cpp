@@ -3,7 +3,9 @@
 #include "base/Text.h"
 #include "db/BindId.h"
 #include "db/RecordFacts.h"
+#include "readers/sqlite/CellPath.h"
 #include "time/ExactZone.h"
+#include "views/explain/CellAgreement.h"
 #include "views/explain/LocatedFields.h"
 #include "views/explain/MadeBy.h"
 #include "views/explain/SourceValues.h"
@@ -21,6 +23,19 @@ namespace {
 const RecordFact *factNamed(const FactList &facts, std::string_view name) {
     const auto found = std::ranges::find(facts, name, &RecordFact::name);
     return found == facts.end() ? nullptr : &*found;
+}
+
+/// Of several of a name that which the property shows.
+const RecordFact *factOf(const FactList &facts, const ValueOrigin &value) {
+    for (const RecordFact &fact : facts)
+        if (fact.name == value.field && factText(fact) == value.value)
+            return &fact;
+    return factNamed(facts, value.field);
+}
+
+std::string tableOf(const StoredRecord &stored) {
+    const RecordFact *table = factNamed(stored.facts, "source_table");
+    return table ? factText(table->value) : std::string();
 }
 
 std::optional<std::int64_t> numberOf(const FactList &facts, std::string_view name) {
@@ -46,8 +61,29 @@ RecordPlace placeOf(const StoredRecord &stored, const KindRules *rules) {
     return place;
 }
 
+/// Whether a part of the text is the value; letters and digits alone stand in many.
+bool standsIn(const std::string &text, const std::string &value) {
+    constexpr std::size_t kLeast = 3;
+    return value.size() >= kLeast && (text.find(value) != std::string::npos ||
+                                      percentDecode(text).find(value) != std::string::npos);
+}
+
 bool isDateForm(SourceForm form) {
-    return form != SourceForm::text && form != SourceForm::number;
+    switch (form) {
+    case SourceForm::text:
+    case SourceForm::number:
+    case SourceForm::truth:
+    case SourceForm::hex:
+    case SourceForm::part:
+    case SourceForm::within:
+    case SourceForm::summand:
+    case SourceForm::encrypted:
+    case SourceForm::encryptedBase64:
+    case SourceForm::decrypted:
+        return false;
+    default:
+        return true;
+    }
 }
 
 } // namespace
@@ -72,11 +108,11 @@ class RecordValues::Reading {
   public:
     Reading(const ExplainSource &source, EvidenceTables &tables, UrlId id,
             const StoredRecord &stored, const std::optional<std::filesystem::path> &file)
-        : m_source(source), m_id(id), m_stored(stored), m_rules(rulesOf(stored.kind)),
-          m_place(placeOf(stored, m_rules)) {
+        : m_source(source), m_id(id), m_stored(stored),
+          m_rules(rulesOf(stored.kind, tableOf(stored))), m_place(placeOf(stored, m_rules)) {
         if (!file)
             return;
-        m_values.emplace(tables, source.log, *file, m_place);
+        m_values.emplace(tables, source.log, *file, m_place, stored.facts);
         m_located.emplace(source, tables, id, *file);
     }
 
@@ -89,22 +125,34 @@ class RecordValues::Reading {
             return value;
         }
         const MadeBy *made = madeBy(property.name);
-        const FieldRule *rule = m_rules ? fieldRule(*m_rules, property.name) : nullptr;
-        const bool isElsewhere = rule && !m_rules->table.empty() && m_rules->table != m_place.table;
-        if (made) {
-            value.check = made->check;
-            value.rule = made->rule;
-        } else if (rule && !isElsewhere) {
-            value.rule = wordsOf(rule->form);
-            read(*rule, value);
-        } else {
+        const auto rules =
+            m_rules ? rulesFor(*m_rules, property.name) : std::vector<const FieldRule *>();
+        if (made)
+            setMade(*made, value);
+        else if (!rules.empty())
+            read(rules, value);
+        else
             unknown(value);
-        }
-        setZone(value, rule ? rule->form : SourceForm::text);
+        // Where no cell tells of it, the field may be one that readers make of others.
+        const bool isTold =
+            value.check != OriginCheck::unread && value.check != OriginCheck::notKept;
+        if (const MadeBy *otherwise = madeOtherwise(property.name);
+            otherwise && !isTold && (!m_isCut || otherwise->isAlways))
+            setMade(*otherwise, value);
         return value;
     }
 
   private:
+    void setMade(const MadeBy &made, ValueOrigin &value) const {
+        value.check = made.check;
+        value.rule = made.rule;
+        value.place.clear();
+        value.stored.clear();
+        value.note.clear();
+        value.offset.reset();
+        setZone(value, SourceForm::text);
+    }
+
     void setLocated(const FieldPlace &place, ValueOrigin &value) const {
         m_located->describe(place, value);
         if (place.state == FieldPlace::State::found) {
@@ -121,7 +169,7 @@ class RecordValues::Reading {
 
     /// Nothing where the two can't be compared.
     std::optional<bool> agreesAsMade(const FieldPlace &place, ValueOrigin &value) const {
-        const RecordFact *fact = factNamed(m_stored.facts, value.field);
+        const RecordFact *fact = factOf(m_stored.facts, value);
         if (const auto *date = std::get_if<Date>(&place.made))
             return agreesAsDate(place.form, *date, fact, value);
         std::string kept = fact ? factText(fact->value) : columnText(value.field);
@@ -129,16 +177,23 @@ class RecordValues::Reading {
             return *text == kept;
         if (kept.ends_with(".0")) // some columns of whole numbers hold them with a fraction
             kept.resize(kept.size() - 2);
-        if (const auto *number = std::get_if<std::int64_t>(&place.made))
+        const auto *number = std::get_if<std::int64_t>(&place.made);
+        if (number && fact && std::to_string(*number) == factText(fact->raw))
+            return true; // the words stand for it
+        if (number)
             return std::to_string(*number) == kept ||
                    (place.length == 4 &&
                     std::to_string(static_cast<std::int32_t>(*number)) == kept);
+        if (standsIn(place.stored, kept) || (fact && standsIn(place.stored, factText(fact->raw)))) {
+            value.note = "it stands in the bytes that were read";
+            return true;
+        }
         value.note = "the bytes were read again; how the value is made of them is in the page of "
                      "the format";
         return std::nullopt;
     }
 
-    void unknown(ValueOrigin &value) const {
+    void unknown(ValueOrigin &value) {
         if (const std::size_t part = value.field.find(" > "); part != std::string::npos) {
             value.check = OriginCheck::derived;
             value.rule = fmt::format("part of {}, decoded by the rule in brackets",
@@ -148,6 +203,7 @@ class RecordValues::Reading {
         if (m_located && !m_located->failure().empty()) {
             value.check = OriginCheck::unread;
             value.note = m_located->failure();
+            m_isCut = true;
             return;
         }
         value.check = OriginCheck::notKept;
@@ -160,15 +216,41 @@ class RecordValues::Reading {
         }
     }
 
-    void read(const FieldRule &rule, ValueOrigin &value) {
+    /// The first cell that gives the value tells of it; of those that don't, the first that can't
+    /// be compared, then one that gives another value.
+    void read(const std::vector<const FieldRule *> &rules, ValueOrigin &value) {
         if (!m_values) {
             value.check = OriginCheck::unread;
-            value.place = rule.column.empty() ? "" : fmt::format("column {}", rule.column);
+            value.rule = wordsOf(rules.front()->form);
+            value.place = wordsOfPath(rules.front()->path);
             value.note = "the source file isn't there";
+            m_isCut = true;
             return;
         }
-        SourceValue found = m_values->read(rule);
-        value.place = std::move(found.place);
+        std::optional<ValueOrigin> best;
+        for (const FieldRule *rule : rules)
+            for (SourceValue &found : m_values->read(*rule)) {
+                ValueOrigin one = value;
+                set(*rule, found, one);
+                if (!best || rankOf(one) < rankOf(*best))
+                    best = std::move(one);
+                if (rankOf(*best) == 0)
+                    break;
+            }
+        value = std::move(*best);
+    }
+
+    static int rankOf(const ValueOrigin &value) {
+        if (value.check == OriginCheck::same)
+            return 0;
+        if (value.check == OriginCheck::unread)
+            return value.stored.empty() ? 3 : 1;
+        return 2;
+    }
+
+    void set(const FieldRule &rule, const SourceValue &found, ValueOrigin &value) const {
+        value.rule = wordsOf(rule.form);
+        value.place = found.place;
         value.offset = found.offset;
         value.length = found.length;
         value.stored = found.stored;
@@ -177,24 +259,34 @@ class RecordValues::Reading {
         value.check = !agreed   ? OriginCheck::unread
                       : *agreed ? OriginCheck::same
                                 : OriginCheck::differs;
+        setZone(value, rule.form);
     }
 
     /// Nothing where the two can't be compared.
     std::optional<bool> agrees(const FieldRule &rule, const SourceValue &found,
                                ValueOrigin &value) const {
-        const RecordFact *fact = factNamed(m_stored.facts, value.field);
+        const RecordFact *fact = factOf(m_stored.facts, value);
+        const bool isAsItLies = fact && found.number &&
+                                (factText(fact->raw) == std::to_string(*found.number) ||
+                                 factText(fact->value) == std::to_string(*found.number));
+        if (isDateForm(rule.form) && isAsItLies)
+            return true; // of some numbers no date comes
         if (isDateForm(rule.form))
             return found.number &&
                    agreesAsDate(rule.form, dateOf(rule.form, *found.number), fact, value);
-        if (rule.form == SourceForm::number) {
-            const std::string kept =
-                fact ? factText(std::holds_alternative<std::monostate>(fact->raw) ? fact->value
-                                                                                  : fact->raw)
-                     : columnText(value.field);
-            return agreesAsNumber(found, kept, value);
-        }
-        return agreesAsText(found.text, fact ? factText(fact->value) : columnText(value.field),
-                            value);
+        if (fact)
+            return cellAgrees(rule.form, found, {factText(fact->value), factText(fact->raw)},
+                              value.note);
+        const KeptValue kept{columnText(value.field), {}};
+        const auto agreed = cellAgrees(rule.form, found, kept, value.note);
+        const bool isAddress = value.field == "URL" && rule.form == SourceForm::text;
+        if (!isAddress || agreed.value_or(true))
+            return agreed;
+        // What stands around an address is cut away.
+        value.note = "cleaned up: percent coding undone, and what stands around the address cut "
+                     "away";
+        std::string unused;
+        return cellAgrees(rule.form, found, {m_stored.rawUrl, {}}, unused);
     }
 
     bool agreesAsDate(SourceForm form, Date made, const RecordFact *fact,
@@ -216,35 +308,6 @@ class RecordValues::Reading {
                                  "imported",
                                  apart / 60);
         return std::abs(apart) <= kMostOffset && apart % 60 == 0;
-    }
-
-    /// 32 bits count of numbers that SQLite has signed.
-    static std::optional<bool> agreesAsNumber(const SourceValue &found, const std::string &kept,
-                                              ValueOrigin &value) {
-        if (kept.empty() || kept.find_first_not_of("0123456789-.") != std::string::npos) {
-            value.note = "the number was read again; which words stand for it is in the page of "
-                         "the format";
-            return std::nullopt;
-        }
-        if (!found.number)
-            return found.text == kept;
-        return std::to_string(*found.number) == kept ||
-               std::to_string(static_cast<std::uint32_t>(*found.number)) == kept;
-    }
-
-    bool agreesAsText(const std::string &text, const std::string &kept, ValueOrigin &value) const {
-        const std::string_view bare =
-            std::string_view(text).starts_with('.') ? std::string_view(text).substr(1) : text;
-        if (text == kept || bare == kept)
-            return true;
-        const bool isCleaned =
-            value.field == "URL" && (text == m_stored.rawUrl || bare == m_stored.rawUrl);
-        if (isCleaned || percentDecode(text) == kept)
-            value.note = "cleaned up: percent coding undone, and what stands around the address "
-                         "cut away";
-        else if (text.size() >= 4096 && kept.starts_with(text.substr(0, 4000)))
-            value.note = "compared up to its 4,000th byte";
-        return !value.note.empty();
     }
 
     /// `field` is a column that a rule names, never a text of evidence.
@@ -282,6 +345,7 @@ class RecordValues::Reading {
     RecordPlace m_place;
     std::optional<SourceValues> m_values;
     std::optional<LocatedFields> m_located;
+    bool m_isCut = false; ///< the source file, or the record in it, isn't there
 };
 
 RecordValues::RecordValues(const ExplainSource &source, EvidenceTables &tables, UrlId id,

@@ -3,13 +3,16 @@
 #include "base/Files.h"
 #include "base/Text.h"
 #include "base/Trap.h"
+#include "readers/TextPlaces.h"
+#include "readers/sqlite/CellPath.h"
 #include "readers/sqlite/EvidenceCopy.h"
-#include "time/SourceClocks.h"
 
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <array>
+#include <charconv>
+#include <cmath>
+#include <limits>
 
 namespace nv {
 
@@ -17,10 +20,69 @@ namespace {
 
 constexpr std::string_view kProcedure = "MainForm.Explain()";
 constexpr std::size_t kMostBlob = 64;
+constexpr std::size_t kMostText = 65536; // bytes that are compared
+constexpr std::size_t kMostShown = 4096;
+constexpr std::size_t kLongestNumber = 40; // digits and blanks
 
-std::string hexOf(const ByteView &bytes) {
-    return bytesToHex(bytes, 0, std::min<std::uint64_t>(bytes.size(), kMostBlob)) +
+std::string hexOf(const std::string &bytes) {
+    const Bytes first(bytes.begin(), bytes.begin() + static_cast<std::ptrdiff_t>(
+                                                         std::min(bytes.size(), kMostBlob)));
+    return bytesToHex(ByteView(first), 0, first.size()) +
            (bytes.size() > kMostBlob ? "\u2026" : "");
+}
+
+/// The text is bounded: a cell may hold a gigabyte.
+std::string boundedText(const std::string &bytes, std::size_t most) {
+    return decodeText(std::string_view(bytes).substr(0, most)) +
+           (bytes.size() > most ? "\u2026" : "");
+}
+
+SourceValue unread(const FieldRule &rule, std::string why) {
+    SourceValue value;
+    value.place = wordsOfPath(rule.path);
+    value.whyNot = std::move(why);
+    return value;
+}
+
+/// As the readers take numbers with a fraction, and those that 64 bits can't hold.
+std::optional<std::int64_t> wholeOf(double number) {
+    constexpr double kTwoTo63 = 9223372036854775808.0;
+    using Limits = std::numeric_limits<std::int64_t>;
+    if (!std::isfinite(number))
+        return std::nullopt;
+    return number >= kTwoTo63   ? Limits::max()
+           : number < -kTwoTo63 ? Limits::min()
+                                : std::llround(number);
+}
+
+std::optional<std::int64_t> numberIn(std::string_view text) {
+    text = trim(text.substr(0, kLongestNumber));
+    if (const auto whole = wholeNumberIn(text))
+        return whole;
+    double number = 0;
+    const char *end = text.data() + text.size();
+    const auto [stop, error] = std::from_chars(text.data(), end, number);
+    return error == std::errc() && stop == end && !text.empty() ? wholeOf(number) : std::nullopt;
+}
+
+SourceValue valueOf(const CellFound &cell) {
+    SourceValue value;
+    value.place = cell.place;
+    if (const auto *number = std::get_if<std::int64_t>(&cell.value)) {
+        value.number = *number;
+        value.text = value.stored = std::to_string(*number);
+    } else if (const auto *real = std::get_if<double>(&cell.value)) {
+        value.text = value.stored = fmt::format("{}", *real);
+        value.number = wholeOf(*real);
+    } else if (const auto *bytes = std::get_if<std::string>(&cell.value)) {
+        value.bytes = *bytes;
+        value.text = decodeText(std::string_view(*bytes).substr(0, kMostText));
+        value.number = numberIn(value.text);
+        value.stored = cell.isText ? boundedText(*bytes, kMostShown) : hexOf(*bytes);
+    } else {
+        value.stored = "NULL";
+    }
+    return value;
 }
 
 } // namespace
@@ -49,51 +111,34 @@ EvidenceDatabase &EvidenceTables::of(const std::filesystem::path &file) {
 }
 
 SourceValues::SourceValues(EvidenceTables &tables, FailureLog &log, std::filesystem::path file,
-                           RecordPlace place)
-    : m_tables(tables), m_log(log), m_file(std::move(file)), m_place(std::move(place)) {}
+                           RecordPlace place, const FactList &facts)
+    : m_tables(tables), m_log(log), m_file(std::move(file)), m_place(std::move(place)),
+      m_facts(facts) {}
 
-SourceValue SourceValues::read(const FieldRule &rule) {
-    SourceValue value;
-    const auto failure = failureOf(m_log, kProcedure, [&] { readCell(rule, value); });
+std::vector<SourceValue> SourceValues::read(const FieldRule &rule) {
+    std::vector<SourceValue> values;
+    const auto failure = failureOf(m_log, kProcedure, [&] { readCells(rule, values); });
     if (failure)
-        value.whyNot = *failure;
-    return value;
+        values.assign(1, unread(rule, *failure));
+    return values;
 }
 
-void SourceValues::readCell(const FieldRule &rule, SourceValue &value) {
+void SourceValues::readCells(const FieldRule &rule, std::vector<SourceValue> &values) {
     if (!m_place.rowId || m_place.table.empty()) {
-        value.whyNot = "the project doesn't say in which row the record lies";
+        values.push_back(unread(rule, "the project doesn't say in which row the record lies"));
         return;
     }
-    value.place =
-        fmt::format("table {}, row {}, column {}", m_place.table, *m_place.rowId, rule.column);
-    EvidenceDatabase &database = m_tables.of(m_file);
-    if (!database.hasTable(m_place.table) ||
-        !database.columnsOf(m_place.table).contains(toLower(rule.column))) {
-        value.whyNot = "the file has no such column";
-        return;
-    }
-    SQLite::Statement row = database.prepare(
-        fmt::format("SELECT \"{}\" FROM \"{}\" WHERE rowid = ?", rule.column, m_place.table));
-    row.bind(1, *m_place.rowId);
-    database.expectOneRow();
-    if (!row.executeStep()) {
-        value.whyNot = "the file has no such row any more";
-        return;
-    }
-    const SQLite::Column cell = row.getColumn(0);
-    if (cell.isNull()) {
-        value.stored = "NULL";
-    } else if (cell.isInteger()) {
-        value.number = cell.getInt64();
-        value.stored = std::to_string(*value.number);
-    } else if (cell.isBlob()) {
-        const std::string bytes = cell.getString();
-        value.stored = hexOf(ByteView(Bytes(bytes.begin(), bytes.end())));
-        value.text = decodeText(bytes);
-    } else {
-        value.stored = value.text = decodeText(cell.getString());
-    }
+    std::optional<std::int64_t> start;
+    const std::string_view name = startOf(rule.path);
+    for (const RecordFact &fact : m_facts)
+        if (const auto *number = std::get_if<std::int64_t>(&fact.value);
+            number && fact.name == name)
+            start = *number;
+    for (const CellFound &cell :
+         cellsAt(m_tables.of(m_file), {m_place.table, *m_place.rowId}, rule.path, start))
+        values.push_back(valueOf(cell));
+    if (values.empty())
+        values.push_back(unread(rule, "the file has no such row or column"));
 }
 
 } // namespace nv

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "db/FactList.h"
 #include "readers/FieldRules.h"
 #include "readers/sqlite/EvidenceDatabase.h"
 #include "time/Date.h"
@@ -10,6 +11,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace nv {
 
@@ -21,6 +23,7 @@ struct SourceValue {
     std::string stored;                 ///< for people
     std::optional<std::int64_t> number; ///< where it is one
     std::string text;                   ///< where it is one
+    std::string bytes;                  ///< as they lie, of texts and others
     std::string whyNot;                 ///< why it can't be read; empty when it was
 };
 
@@ -54,20 +57,21 @@ class EvidenceTables {
 /// Reads the values of one record again.
 class SourceValues {
   public:
-    /// `tables` and `log` must outlive this.
+    /// `tables`, `log` and `facts` must outlive this.
     SourceValues(EvidenceTables &tables, FailureLog &log, std::filesystem::path file,
-                 RecordPlace place);
+                 RecordPlace place, const FactList &facts);
 
-    /// Failures are told in the value.
-    SourceValue read(const FieldRule &rule);
+    /// What the rule's path leads to. One value without a text says why there is none.
+    std::vector<SourceValue> read(const FieldRule &rule);
 
   private:
-    void readCell(const FieldRule &rule, SourceValue &value);
+    void readCells(const FieldRule &rule, std::vector<SourceValue> &values);
 
     EvidenceTables &m_tables;
     FailureLog &m_log;
     std::filesystem::path m_file;
     RecordPlace m_place;
+    const FactList &m_facts;
 };
 
 } // namespace nv

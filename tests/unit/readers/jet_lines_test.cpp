@@ -22,7 +22,8 @@ struct JetLinesTest : testing::Test {
 
 TEST_F(JetLinesTest, makesRows) {
     EXPECT_TRUE(lines.take(kHead));
-    EXPECT_TRUE(lines.take(R"({"row":["caf\u00e9\u0000",-1.5],"place":4110,"cut":[0,7]})"));
+    EXPECT_TRUE(lines.take(
+        R"({"row":["caf\u00e9\u0000",-1.5],"place":4110,"cut":[0,7],"at":[[4200,5],null]})"));
     EXPECT_TRUE(lines.take(R"({"row":[true,null],"place":4112})"));
     EXPECT_TRUE(lines.take(R"({"damage":"torn","place":4114})"));
     EXPECT_FALSE(lines.hasEnded());
@@ -37,6 +38,9 @@ TEST_F(JetLinesTest, makesRows) {
     EXPECT_EQ(rows[0].cells, (std::vector<JetCell>{"caf\u00e9\u2400", -1.5}));
     EXPECT_EQ(rows[0].place, 4110U);
     EXPECT_EQ(rows[0].cut, std::vector<std::size_t>{0});
+    EXPECT_EQ(rows[0].places.at(0), std::pair(std::uint64_t{4200}, std::uint64_t{5}));
+    EXPECT_EQ(rows[0].places.at(1).second, 0U);
+    EXPECT_EQ(rows[1].places.size(), 2U) << "a program of an earlier build";
     EXPECT_EQ(rows[1].cells, (std::vector<JetCell>{true, {}}));
     EXPECT_EQ(rows[2].damage, "torn");
 }

@@ -56,6 +56,9 @@ TEST_F(HashMatchTest, storesWhatIsFoundByTheStrongestHash) {
     EXPECT_EQ(found.rows, (std::vector<std::uint64_t>{2, 1}));
     EXPECT_EQ(found.rowsWithHash, 3U);
     EXPECT_EQ(found.bodiesWithoutHash, 1U);
+    EXPECT_EQ(found.rowsOfProject, 4U);
+    EXPECT_EQ(found.rowsFound, 2U);
+    EXPECT_EQ(found.withoutContent, 0U);
     EXPECT_EQ(findings(), "1hashset_knowngoodSHA-1,1hashset_notablebadSHA-256,"
                           "4hashset_notablebadSHA-256");
 }
