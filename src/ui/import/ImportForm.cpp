@@ -3,7 +3,6 @@
 #include "app/jobs/HashSetJob.h"
 #include "app/jobs/ImportClaim.h"
 #include "app/jobs/ImportJob.h"
-#include "app/jobs/ImportText.h"
 #include "app/messages/DropMessages.h"
 #include "app/messages/Messages.h"
 #include "app/messages/NetworkMessages.h"
@@ -304,7 +303,7 @@ void ImportForm::runImport() {
     if (failure)
         m_summary->showFailure(*failure);
     else
-        m_summary->load(ImportScope::last, summaryText(summary));
+        m_summary->load(summary);
     m_imported = true;
     m_running = false;
     setEnabled(true);
