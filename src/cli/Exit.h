@@ -2,10 +2,11 @@
 
 namespace nv::cli {
 
-// What scripts rely on. 1 stands for wrong usage.
+// What scripts rely on. 1 stands for wrong usage, and for nothing to work on.
 enum class Exit {
     ok = 0,
     usage = 1,
+    nothingFound = 1,    ///< of an import: no artefact, nor a place that could hold some unread
     damagedEvidence = 2, ///< an artefact was not read, or not to its end; the rest is there
     rowsNotRead = 2,     ///< rows of the project could not be read; the others are there
     nothingDone = 2,     ///< of a rebuild: no page could be rebuilt; of a template: not each

@@ -15,8 +15,8 @@ namespace nv::cli {
 namespace {
 
 constexpr const char *kExitCodes = R"(
-Exit codes: 0 done, 1 wrong usage, 2 an artefact is damaged or a project's schema differs, 3 the project can't be used,
-130 interrupted: what was written is kept.)";
+Exit codes: 0 done, 1 wrong usage or nothing found, 2 an artefact is damaged or a project's schema differs,
+3 the project can't be used, 130 interrupted: what was written is kept.)";
 
 /// The table of commands as the library that parses the words wants it.
 class Grammar {

@@ -193,12 +193,19 @@ void tellNotAsked(Session &session, std::size_t count) {
                                counted(count, "artefact"));
 }
 
+/// There was nothing to read, and nothing stood in the way of finding it.
+bool isNothing(const ImportSummary &summary) {
+    return summary.artefacts.empty() && summary.gaps.unreadable.empty() && !summary.cancelled;
+}
+
 /// Absence is told only where there is nothing of a browser.
 void tellWhatIsLeftOut(Session &session, const ImportSummary &summary, const ScanResult &search) {
     if (search.notAsked > 0)
         tellNotAsked(session, search.notAsked);
     else if (summary.artefacts.empty() && !summary.cancelled)
         session.err << messages::nothingToImport().text << '\n';
+    if (isNothing(summary))
+        session.err << "Nothing was imported: the project has no more rows than before.\n";
     if (summary.artefacts.empty() && session.program.import.classicOnly)
         session.err << "Only the classic rules were asked for: what today's browsers keep was not "
                        "looked for.\n";
@@ -217,6 +224,8 @@ Exit exitFor(const ImportSummary &summary) {
         return Exit::projectUnusable;
     if (summary.cancelled)
         return Exit::interrupted;
+    if (isNothing(summary))
+        return Exit::nothingFound;
     const bool damaged = summary.count(ArtefactState::failed) > 0 ||
                          summary.count(ArtefactState::cutShort) > 0 ||
                          summary.count(ArtefactState::notReadYet) > 0 || summary.rowsLost() > 0 ||
@@ -231,12 +240,6 @@ void setUp(ImportSettings &job, const Arguments &arguments, const AskedKinds &as
     job.classicOnly |= arguments.classic;
     job.secrets = arguments.secrets;
     job.asked = asked;
-}
-
-/// A folder may well hold nothing; a file was named because it was thought to be one.
-bool namesFile(const Arguments &arguments) {
-    return std::ranges::any_of(arguments.paths,
-                               [](const std::string &path) { return fs::is_regular_file(path); });
 }
 
 /// What an import would take. The project is neither made nor opened.
@@ -264,7 +267,7 @@ Exit listFound(Session &session, const Arguments &arguments, const ScanGaps &unr
         writeFound(session, list);
     if (!program.import.gaps.unreadable.empty())
         return Exit::damagedEvidence;
-    return tree.files == 0 && namesFile(arguments) ? Exit::usage : Exit::ok;
+    return tree.files == 0 ? Exit::nothingFound : Exit::ok;
 }
 
 Exit run(Session &session, const Arguments &given) {
@@ -305,9 +308,7 @@ Exit run(Session &session, const Arguments &given) {
     closeTold(program, summary);
     session.out << (arguments.format == "json" ? importJson(summary)
                                                : printableLines(summaryText(summary)));
-    const bool unknown = summary.artefacts.empty() && summary.gaps.unreadable.empty() &&
-                         !summary.cancelled && namesFile(arguments);
-    const Exit exit = unknown ? Exit::usage : exitFor(summary);
+    const Exit exit = exitFor(summary);
     return exit == Exit::ok && !hasPage ? Exit::projectUnusable : exit;
 }
 

@@ -55,9 +55,7 @@ bool SummaryPage::write(const ImportSummary &summary) {
         Unwatched nobody;
         TaskMonitor &task = summary.cancelled ? static_cast<TaskMonitor &>(nobody) : m_session.task;
         static_cast<void>(loadImportOverview(m_session.program.state.projectDB.connection(),
-                                             ImportScope::last, task, overview));
-        if (overview.end.failure.empty())
-            overview.end.failure = summary.failure; // of what follows on the reading
+                                             summary, task, overview));
         saveImportPage(m_session.program, overview, m_file);
     });
     m_session.task.clear();

@@ -38,7 +38,7 @@ constexpr const char *kFooter = R"(.SH EXIT STATUS
 all was done, and all was read
 .TP
 .B 1
-wrong usage
+wrong usage, or an import that found nothing
 .TP
 .B 2
 an artefact is damaged or can't be read and the rest was, or a project's schema differs from this build's

@@ -230,7 +230,7 @@ Exit run(Session &session, const Arguments &arguments) {
     if (made)
         session.out << fmt::format("{} reported, {} written\n{}\n",
                                    counted(static_cast<std::uint64_t>(made->rows), "row"),
-                                   counted(made->files, "file"), textOf(made->index));
+                                   counted(made->files, "file"), printable(textOf(made->index)));
     closeProject(program);
     if (!made)
         return Exit::interrupted;

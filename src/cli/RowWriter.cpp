@@ -1,6 +1,7 @@
 #include "cli/RowWriter.h"
 
 #include "base/DisplayText.h"
+#include "base/OneLine.h"
 #include "base/Text.h"
 #include "base/TextRows.h"
 
@@ -150,9 +151,11 @@ std::unique_ptr<RowWriter> makeRowWriter(Format format, std::ostream &out,
 }
 
 std::string printable(std::string_view text, std::size_t columns) {
-    std::string line = isUtf8(text) ? std::string() : decodeText(text);
-    line = displayText(line.empty() ? text : line, columns ? columns : std::string::npos);
-    if (columns && charCount(line) > columns)
+    if (columns == 0)
+        return oneLine(text);
+    std::string line =
+        isUtf8(text) ? displayText(text, columns) : displayText(decodeText(text), columns);
+    if (charCount(line) > columns)
         line = std::string(charSub(line, 0, columns - 1)) + "\u2026";
     return line;
 }

@@ -32,7 +32,7 @@ struct Arguments {
     std::vector<std::int64_t> ids;
     std::string where; ///< a condition on URLs in the project's dialect
     RowsAsked rows;
-    std::string name; ///< of a tag; empty for the tick
+    std::optional<std::string> name; ///< of a tag; nothing for the tick
     std::string note;
     std::string color;
     bool off = false;
@@ -72,15 +72,15 @@ void check(const Arguments &arguments) {
                      (asksForTable(arguments) ? 1 : 0);
     if (ways != 1)
         throw UsageError("either URL_IDs, --where, or --query, --host and --filter were expected");
-    if (arguments.name.empty() &&
+    if (!arguments.name &&
         (!arguments.note.empty() || !arguments.color.empty() || arguments.remove))
         throw UsageError("--note, --color and --remove are of a tag: --name was expected");
-    if (!arguments.name.empty() && arguments.off)
+    if (arguments.name && arguments.off)
         throw UsageError("--off takes the tick away; a tag is taken away by --remove");
     if (!arguments.color.empty() && !isTagColor(arguments.color))
         throw UsageError(fmt::format("--color {}: one such as #d13438 was expected",
                                      printable(arguments.color)));
-    const std::string fault = arguments.name.empty() ? "" : faultOfTagName(arguments.name);
+    const std::string fault = arguments.name ? faultOfTagName(*arguments.name) : "";
     if (!fault.empty())
         throw UsageError("--name: " + fault);
 }
@@ -109,11 +109,11 @@ std::optional<RowIds> idsOf(Session &session, const Arguments &arguments) {
 NamedTag tagFor(Program &program, const Arguments &arguments) {
     SQLite::Database &project = program.state.projectDB.connection();
     if (arguments.remove)
-        return namedTag(project, arguments.name);
-    auto known = NamedTags(project).find(arguments.name);
+        return namedTag(project, *arguments.name);
+    auto known = NamedTags(project).find(*arguments.name);
     if (!known)
         return makeTag(program, {.tagID = 0,
-                                 .name = arguments.name,
+                                 .name = *arguments.name,
                                  .color = arguments.color,
                                  .position = 0,
                                  .note = {}});
@@ -160,7 +160,7 @@ Exit run(Session &session, const Arguments &arguments) {
     session.open(arguments.project);
     const auto ids = idsOf(session, arguments);
     Exit end = Exit::interrupted;
-    if (ids && !arguments.name.empty())
+    if (ids && arguments.name)
         end = setNamed(session, arguments, *ids) ? Exit::ok : Exit::interrupted;
     else if (ids)
         end = setTicks(session, arguments, *ids) ? Exit::ok : Exit::projectUnusable;

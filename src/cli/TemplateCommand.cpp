@@ -115,7 +115,7 @@ Exit create(Session &session, const Arguments &arguments) {
                                                arguments.overwrite ? IfTemplateExists::overwrite
                                                                    : IfTemplateExists::refuse,
                                                tools.context());
-            session.out << fmt::format("{}  {}\n", textOf(templatePathOf(*page, folder)),
+            session.out << fmt::format("{}  {}\n", printable(textOf(templatePathOf(*page, folder))),
                                        wordOf(result));
             if (result != TemplateResult::made)
                 exit = Exit::usage;

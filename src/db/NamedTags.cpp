@@ -29,6 +29,18 @@ std::string selectTags(std::string_view rest) {
     return fmt::format("SELECT NamedTag_ID, Name, Color, Position, Note FROM NamedTags {}", rest);
 }
 
+/// Of blanks alone, whatever their width: nobody could see such a tag, nor type its name.
+bool isBlank(std::string_view name) {
+    constexpr std::array kBlanks = {"\u00A0", "\u00AD", "\u1680", "\u2000", "\u2001", "\u2002",
+                                    "\u2003", "\u2004", "\u2005", "\u2006", "\u2007", "\u2008",
+                                    "\u2009", "\u200A", "\u200B", "\u202F", "\u205F", "\u2060",
+                                    "\u2800", "\u3000", "\uFEFF"};
+    std::string rest(name.substr(0, kMostLetters * 4)); // longer ones are refused anyway
+    for (const char *blank : kBlanks)
+        rest = replaceAll(rest, blank, " ");
+    return trim(rest).empty();
+}
+
 } // namespace
 
 std::string faultOfTagName(std::string_view name) {
@@ -38,7 +50,9 @@ std::string faultOfTagName(std::string_view name) {
         const auto byte = static_cast<unsigned char>(c);
         return byte < kBlank || byte == kDelete;
     };
-    if (trim(name).empty() || trim(name).size() != name.size())
+    if (isBlank(name))
+        return "a name of more than blanks was expected";
+    if (trim(name).size() != name.size())
         return "a name without blanks around it was expected";
     if (charCount(name) > kMostLetters)
         return fmt::format("a name of at most {} letters was expected", kMostLetters);

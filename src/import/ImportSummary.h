@@ -86,8 +86,9 @@ struct ImportSummary {
     bool cancelled = false;
     std::string failure; ///< what ended the import itself, such as a full disk
     ImportThumbnails thumbnails;
-    ScanGaps gaps;        ///< what the scan could not look at
-    bool isNoted = false; ///< the case trail tells of it
+    ScanGaps gaps;               ///< what the scan could not look at
+    bool isNoted = false;        ///< the case trail tells of it
+    std::int64_t lastBefore = 0; ///< `URL_ID` of the last row before it
 
     std::uint64_t rowsSaved() const;
     std::uint64_t rowsLost() const;

@@ -150,6 +150,7 @@ class Scan {
     void scanFolder(const fs::path &folder, double fraction) {
         const FolderContents contents = m_evidence.contentsOf(folder);
         m_result.gaps.linksNotFollowed += contents.links;
+        m_seen += contents.files.size();
         for (const UnreadPlace &place : contents.unreadable)
             attempt(place.path, [&] { throw std::runtime_error(place.reason); });
         for (const fs::path &file : contents.files)
@@ -275,6 +276,7 @@ class Scan {
         step.topCounter = static_cast<std::int64_t>(number);
         step.topTotal = static_cast<std::int64_t>(count);
         step.bottomMessage = textOf(folder);
+        step.bottomCounter = static_cast<std::int64_t>(m_seen);
         m_task.show(step);
     }
 
@@ -287,6 +289,7 @@ class Scan {
     std::set<std::pair<const Reader *, fs::path>> m_led;
     std::set<std::pair<HistoryFileType, fs::path>> m_listed; ///< where there are several places
     std::size_t m_doubles = 0;                               ///< what was listed before
+    std::size_t m_seen = 0;                                  ///< files of the folders so far
     double m_from = 0;  ///< where the place's part of the progress begins, 0 to 1
     double m_share = 1; ///< and how much it is
     TaskMonitor &m_task;

@@ -1,6 +1,7 @@
 #include "reports/ImportPage.h"
 
 #include "base/Grouped.h"
+#include "base/OneLine.h"
 #include "base/Paths.h"
 #include "reports/Html.h"
 #include "reports/PolicyHash.h"
@@ -173,7 +174,7 @@ std::string countLines(std::string_view heading, const std::vector<ImportCount> 
         return {};
     std::string text = fmt::format("{}\n", heading);
     for (const ImportCount &count : counts)
-        text += fmt::format("{:>12}  {}\n", grouped(count.rows.rows), nameOf(count));
+        text += fmt::format("{:>12}  {}\n", grouped(count.rows.rows), oneLine(nameOf(count)));
     return text;
 }
 
@@ -219,10 +220,10 @@ std::string importText(const ImportOverview &overview) {
     if (!overview.gaps.empty())
         text += "Not read, or only in part\n";
     for (const ImportGap &gap : overview.gaps)
-        text += fmt::format("{} {:<12} {}/{}\n    {}\n", lightSign(gap.light), gap.state, gap.place,
-                            gap.file, gap.reason);
+        text += fmt::format("{} {:<12} {}/{}\n    {}\n", lightSign(gap.light), gap.state,
+                            oneLine(gap.place), oneLine(gap.file), oneLine(gap.reason));
     for (const std::string &note : notesOf(overview))
-        text += note + '\n';
+        text += oneLine(note) + '\n';
     return text;
 }
 

@@ -275,6 +275,33 @@ std::size_t named(const std::vector<ImportCount> &counts) {
         counts, [](const ImportCount &count) { return !count.name.empty(); }));
 }
 
+/// What the trail would tell of it.
+void takeSummary(SQLite::Database &project, const ImportSummary &summary,
+                 ImportOverview &overview) {
+    overview.end.failure = summary.failure; // also where the database doesn't answer
+    TrailReading trail(overview);
+    for (const ArtefactResult &artefact : summary.artefacts)
+        if (artefact.state != ArtefactState::notReached)
+            trail.take(trailEntry(artefact, ImportSettings()));
+    for (const UnreadPlace &place : summary.gaps.unreadable)
+        trail.take(trailEntry(place));
+    const std::int64_t last =
+        project.execAndGet("SELECT ifnull(max(URL_ID), 0) FROM URLs").getInt64();
+    trail.take(trailEntry(importEnd(summary, summary.lastBefore, last)));
+    trail.finish();
+}
+
+/// Fills in the rows of its scope and whose they are.
+Walk countSources(SQLite::Database &project, TaskMonitor &task, ImportOverview &overview) {
+    SourceCounts counts;
+    bool whole = true;
+    overview.isCounted = unlessDamaged([&] { whole = counts.read(project, overview, task); });
+    if (overview.isCounted && whole)
+        counts.fill(overview);
+    overview.isWhole = whole;
+    return whole ? Walk::Finished : Walk::Cancelled;
+}
+
 } // namespace
 
 Walk loadImportOverview(SQLite::Database &project, ImportScope scope, TaskMonitor &task,
@@ -284,13 +311,23 @@ Walk loadImportOverview(SQLite::Database &project, ImportScope scope, TaskMonito
     TrailReading trail(overview);
     CaseTrail(project).forEach([&trail](const TrailEntry &entry) { trail.take(entry); });
     trail.finish();
-    SourceCounts counts;
-    bool whole = true;
-    overview.isCounted = unlessDamaged([&] { whole = counts.read(project, overview, task); });
-    if (overview.isCounted && whole)
-        counts.fill(overview);
-    overview.isWhole = whole;
-    return whole ? Walk::Finished : Walk::Cancelled;
+    return countSources(project, task, overview);
+}
+
+Walk loadImportOverview(SQLite::Database &project, const ImportSummary &summary, TaskMonitor &task,
+                        ImportOverview &overview) {
+    Walk walk = Walk::Finished;
+    if (summary.isNoted) {
+        walk = loadImportOverview(project, ImportScope::last, task, overview);
+    } else {
+        overview = {};
+        overview.isInTrail = false;
+        takeSummary(project, summary, overview);
+        walk = countSources(project, task, overview);
+    }
+    if (overview.end.failure.empty())
+        overview.end.failure = summary.failure;
+    return walk;
 }
 
 std::size_t ImportOverview::personCount() const {

@@ -49,6 +49,7 @@ struct ImportCount {
 struct ImportOverview {
     ImportScope scope = ImportScope::last; ///< `all` where the project tells no import from others
     bool isKnown = false;                  ///< the trail tells of an import
+    bool isInTrail = true;                 ///< false: it has just been made, and isn't in there
     Date ended;                            ///< UTC; of the last entry
     std::string version;                   ///< of the program that made it
     std::uint64_t found = 0;               ///< files that were to be read
@@ -76,6 +77,11 @@ struct ImportOverview {
 /// `all` comes in place of `last`. Throws what the database says; a cancel leaves
 /// `overview` without counts.
 Walk loadImportOverview(SQLite::Database &project, ImportScope scope, TaskMonitor &task,
+                        ImportOverview &overview);
+
+/// The same of an import that has just been made: by its summary where the trail doesn't tell of
+/// it, so that none before it is taken for it. A failure after the reading is told too.
+Walk loadImportOverview(SQLite::Database &project, const ImportSummary &summary, TaskMonitor &task,
                         ImportOverview &overview);
 
 ImportLight lightOf(const ImportOverview &overview);

@@ -16,7 +16,7 @@ std::string many(std::uint64_t count, std::string_view one, std::string_view mor
 
 bool hasFailed(const ImportOverview &overview) {
     return overview.count(ImportLight::red) > 0 || overview.hasChanged || !overview.isCounted ||
-           !overview.end.failure.empty() || overview.end.rowsLost > 0;
+           !overview.end.failure.empty() || overview.end.rowsLost > 0 || !overview.isInTrail;
 }
 
 bool lacksSomething(const ImportOverview &overview) {
@@ -43,6 +43,8 @@ std::string redText(const ImportOverview &overview, std::size_t gaps) {
                     "files are damaged, could not be read or have changed.");
     if (overview.hasChanged)
         return "The evidence has changed since.";
+    if (!overview.isInTrail)
+        return "The case trail doesn't tell of this import.";
     return overview.isCounted ? "Not everything that was read is in the project."
                               : "The project is damaged where its rows lie.";
 }
@@ -102,6 +104,10 @@ std::vector<std::string> notesOf(const ImportOverview &overview) {
     std::vector<std::string> notes;
     if (!end.failure.empty())
         notes.push_back(fmt::format("The import ended: {}", end.failure));
+    if (!overview.isInTrail)
+        notes.emplace_back("Nobody can see in the project later what was imported, and how "
+                           "completely: save this summary as HTML, and import again into a "
+                           "project that can be written. The log says why.");
     if (end.cancelled)
         notes.emplace_back("The import was cancelled; what was written is kept.");
     const auto note = [&notes](std::uint64_t count, std::string_view one, std::string_view more,

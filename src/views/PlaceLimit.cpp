@@ -4,6 +4,7 @@
 #include "db/FoundHashSets.h"
 #include "db/HashLookup.h"
 #include "search/FoundIds.h"
+#include "views/EvidenceOfRow.h"
 #include "views/PlaceFunctions.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>
@@ -42,7 +43,8 @@ std::string_view nameOfNone(PlaceField field) {
 class PlaceCondition {
   public:
     explicit PlaceCondition(SQLite::Database &project)
-        : m_hasOrigin(hasOriginColumns(project)), m_hasFacts(hasFacts(project)) {}
+        : m_evidence(evidenceExpression(project)), m_hasOrigin(hasOriginColumns(project)),
+          m_hasFacts(hasFacts(project)) {}
 
     std::string of(const PlaceChoice &choice) {
         std::vector<std::string> parts;
@@ -77,7 +79,7 @@ class PlaceCondition {
         const std::string &value = term.value;
         switch (term.field) {
         case PlaceField::Evidence:
-            return isOne("RootPath", value);
+            return isOne(m_evidence, value);
         case PlaceField::Person:
             return isOne(m_hasOrigin ? "Person" : "''", value);
         case PlaceField::Browser:
@@ -112,6 +114,7 @@ class PlaceCondition {
         return m_hasFacts ? fmt::format("URL_ID IN ({})", rows) : "0";
     }
 
+    std::string m_evidence;
     bool m_hasOrigin;
     bool m_hasFacts;
     json m_values = json::array();

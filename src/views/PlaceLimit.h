@@ -11,7 +11,7 @@ namespace nv {
 
 /// What places are told apart by.
 enum class PlaceField : std::uint8_t {
-    Evidence, ///< the folder that was imported
+    Evidence, ///< the folder that was chosen for the import: evidenceExpression()
     Person,
     Browser,
     Profile,

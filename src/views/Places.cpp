@@ -7,6 +7,7 @@
 #include "readers/RecordKind.h"
 #include "views/CellText.h"
 #include "views/DamagedList.h"
+#include "views/EvidenceOfRow.h"
 #include "views/PlaceLevels.h"
 #include "views/StatementWatch.h"
 
@@ -78,9 +79,9 @@ std::string_view textIn(const SQLite::Column &column) {
     return {bytes, static_cast<std::size_t>(column.getBytes())};
 }
 
-std::string columnsOf(bool hasOrigin) {
-    return fmt::format("RootPath, {}, CacheType, Host",
-                       hasOrigin ? "Person, Browser, Profile" : "NULL, NULL, NULL");
+std::string columnsOf(SQLite::Database &project) {
+    return fmt::format("{}, {}, CacheType, Host", evidenceExpression(project),
+                       hasOriginColumns(project) ? "Person, Browser, Profile" : "NULL, NULL, NULL");
 }
 
 void sortByRecords(std::vector<PlaceNode> &nodes) {
@@ -104,9 +105,8 @@ class PlaceCounts {
   public:
     /// False when it was cancelled.
     bool read(SQLite::Database &project, const std::string &condition, TaskMonitor &task) {
-        SQLite::Statement rows(
-            project,
-            fmt::format("SELECT {} FROM URLs{}", columnsOf(hasOriginColumns(project)), condition));
+        SQLite::Statement rows(project,
+                               fmt::format("SELECT {} FROM URLs{}", columnsOf(project), condition));
         StatementWatch watch(project, task);
         Step step = watch.step(rows);
         for (; step == Step::Row; step = watch.step(rows))
@@ -227,11 +227,10 @@ Walk countRows(SQLite::Database &project, TaskMonitor &task, Places &places) {
                                    ? " || ifnull(Person, '') || ifnull(Browser, '') || "
                                      "ifnull(Profile, '')"
                                    : "";
-    const IdQuery countable{
-        fmt::format("SELECT URL_ID FROM URLs WHERE '.' || ifnull(RootPath, ''){} || "
-                    "ifnull(CacheType, '') || ifnull(Host, '') <> ''",
-                    origin),
-        ""};
+    const IdQuery countable{fmt::format("SELECT URL_ID FROM URLs WHERE '.' || ifnull({}, ''){} || "
+                                        "ifnull(CacheType, '') || ifnull(Host, '') <> ''",
+                                        evidenceExpression(project), origin),
+                            ""};
     SurvivingRows rows;
     const Walk walk = survivingRows(project, countable, task, rows);
     if (walk == Walk::Cancelled)

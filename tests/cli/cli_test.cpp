@@ -118,11 +118,18 @@ TEST_F(CliTest, aDamagedArtefactIsTwoAndTheRestIsRead) {
     EXPECT_FALSE(summary["artefacts"][1]["reason"].get<std::string>().empty());
 }
 
-TEST_F(CliTest, anEmptyFolderIsToldAndIsNoFailure) {
+TEST_F(CliTest, anEmptyFolderIsToldAndEndsWithOne) {
     fs::create_directories(evidence);
     const CliResult run = cli({"import", project.string(), evidence.string()});
-    EXPECT_EQ(run.exit, 0);
-    EXPECT_NE((run.out + run.err).find("No valid history or cache files found"), std::string::npos);
+    EXPECT_EQ(run.exit, 1);
+    EXPECT_NE(run.err.find("No valid history or cache files found"), std::string::npos);
+    EXPECT_NE(run.err.find("Nothing was imported"), std::string::npos);
+    EXPECT_EQ(cli({"import", project.string(), evidence.string(), "--found"}).exit, 1);
+    makeChromeHistory(evidence / "Chrome" / "History", 3);
+    EXPECT_EQ(cli({"import", project.string(), evidence.string()}).exit, 0)
+        << "the project can be used";
+    EXPECT_EQ(cli({"import", project.string(), evidence.string(), "--kinds", "ie-cache"}).exit, 1)
+        << "nothing that was asked for";
 }
 
 TEST_F(CliTest, aNamedFileThatIsNoArtefactIsToldWithAWayOut) {
@@ -162,7 +169,7 @@ TEST_F(CliTest, kindsNarrowTheScan) {
     makeChromeHistory(evidence / "Chrome" / "History", 3);
     const CliResult run = cli({"import", project.string(), evidence.string(), "--kinds",
                                "ie-history,ie-cache", "--format", "json"});
-    EXPECT_EQ(run.exit, 0);
+    EXPECT_EQ(run.exit, 1) << "nothing that was asked for";
     EXPECT_TRUE(json::parse(run.out)["artefacts"].empty());
 }
 

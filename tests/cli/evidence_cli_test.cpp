@@ -362,9 +362,9 @@ TEST_F(EvidenceCliTest, shaderCachesAreToldInOneLine) {
         folder.write(fs::path("evidence") / name / "index", "index");
     }
     const CliResult run = cli({"import", project, evidence.string()});
-    EXPECT_EQ(run.exit, 0) << run.err;
+    EXPECT_EQ(run.exit, 1) << run.err;
     EXPECT_THAT(run.out, HasSubstr("2 shader caches passed over"));
-    EXPECT_EQ(importAsJson(0)["shader_caches"], 2);
+    EXPECT_EQ(importAsJson(1)["shader_caches"], 2);
 }
 
 TEST_F(EvidenceCliTest, filesBelowAFolderWhoseNameIsNoUtf8AreVerifiedAndExtracted) {

@@ -5,6 +5,8 @@
 #include <gmock/gmock.h>
 #include <nlohmann/json.hpp>
 
+#include <algorithm>
+
 namespace nv::test {
 namespace {
 
@@ -120,6 +122,38 @@ TEST_F(FoundCliTest, hostileNamesDontDriveTheTerminal) {
     const CliResult run = found({evidence.string()});
     EXPECT_EQ(run.out.find('\x1B'), std::string::npos);
     EXPECT_THAT(found({evidence.string(), "--format", "json"}).out, HasSubstr("\\u001b[2Jx\\n"));
+}
+
+/// A name forges no line and drives no terminal, whoever tells it.
+TEST_F(FoundCliTest, namesStayInTheirLineOfASummary) {
+    const std::string name = "x\n12345 rows from 9 of 9 artefacts\x1B[31m\r\u202E";
+    put(evidence / name / "AppData/Local/Microsoft/Windows/History/History.IE5/index.dat",
+        history("x"));
+    put(evidence / name / "AppData/Local/Google/Chrome/User Data/Default/History",
+        "SQLite format 3");
+    const auto expectPlain = [](const CliResult &run) {
+        EXPECT_EQ((run.out + run.err).find_first_of("\x1B\r"), std::string::npos) << run.out;
+        EXPECT_EQ((run.out + run.err).find("\u202E"), std::string::npos) << run.out;
+        EXPECT_THAT(run.out, Not(HasSubstr("\n12345 rows"))) << run.out;
+        EXPECT_THAT(run.err, Not(HasSubstr("\n12345 rows"))) << run.err;
+    };
+    const std::string folderOfIt = (evidence / name).string();
+    expectPlain(cli({"import", project, evidence.string()}));
+    expectPlain(cli({"import", project, evidence.string(), "--found"}));
+    expectPlain(cli({"import", project, folderOfIt + "/none"}));
+    for (const char *command : {"summary", "trail", "verify", "places", "list"})
+        expectPlain(cli({command, project}));
+    expectPlain(cli({"show", project, "1"}));
+    expectPlain(cli({"explain", project, "1"}));
+    expectPlain(cli({"report", project, "--type", "tabular", "--all", "--out",
+                     (folder.path() / name).string()}));
+    const CliResult told = cli({"import", project, evidence.string(), "--format", "json"});
+    const json summary = json::parse(told.out);
+    EXPECT_EQ(told.out.find('\x1B'), std::string::npos);
+    EXPECT_TRUE(std::ranges::any_of(summary.at("artefacts"), [&name](const json &artefact) {
+        return artefact.at("path").get<std::string>().find(name) != std::string::npos;
+    })) << "programs get the name itself";
+    EXPECT_TRUE(json::accept(cli({"summary", project, "--format", "json"}).out));
 }
 
 TEST_F(FoundCliTest, anImportTakesAFileThatLiesInTwoPathsOnce) {

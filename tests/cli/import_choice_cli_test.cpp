@@ -74,7 +74,7 @@ TEST_F(ImportChoiceCliTest, aFolderWithTodaysCachesAloneIsNotEmpty) {
     EXPECT_THAT(run.out, HasSubstr("Microsoft Edge, profile \"Default\", person \"alice\"\n"
                                    "    not read yet                     2 artefacts\n"));
     const CliResult classic = imported({"--classic"});
-    EXPECT_EQ(classic.exit, 0);
+    EXPECT_EQ(classic.exit, 1);
     EXPECT_THAT(classic.err, HasSubstr("No valid history"));
     EXPECT_THAT(classic.err, HasSubstr("what today's browsers keep was not looked for"));
 }

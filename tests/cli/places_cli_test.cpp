@@ -1,3 +1,4 @@
+#include "base/Text.h"
 #include "cli/CliCase.h"
 
 #include <gmock/gmock.h>
@@ -43,6 +44,36 @@ TEST_F(PlacesCliTest, treesAreListedWithTheirCounts) {
     const CliResult all = cli({"places", project, "--format", "jsonl"});
     EXPECT_THAT(all.out, HasSubstr("\"Is\":\"Evidence\""));
     EXPECT_THAT(all.out, HasSubstr("\"Is\":\"Kind\""));
+}
+
+TEST_F(PlacesCliTest, foldersThatAreImportedTogetherStandApart) {
+    const auto history = [](const char *user) {
+        IndexDat index;
+        index.add({.url = std::string("Visited: ") + user + "@http://a.example/",
+                   .secondDate = fileTime(2011, 3, 1, 12)});
+        return index.bytes();
+    };
+    for (const char *disk : {"disks/one/Users/ada", "disks/one/Users/bob", "disks/two/Users/ada"})
+        folder.write(std::string(disk) + "/History.IE5/index.dat", history("ada"));
+    const fs::path disks = fs::canonical(folder.path() / "disks");
+    const auto nodesOf = [this](std::vector<std::string> paths) {
+        const std::string made = (folder.path() / (std::to_string(paths.size()) + ".nvp")).string();
+        paths.insert(paths.begin(), {"import", made});
+        EXPECT_EQ(cli(paths).exit, 0);
+        const CliResult run = cli({"places", made, "--tree", "evidence", "--format", "jsonl"});
+        std::vector<std::string> nodes;
+        for (const std::string_view line : split(run.out, '\n'))
+            if (line.find("\"Is\":\"Evidence\"") != std::string_view::npos)
+                nodes.emplace_back(line);
+        return nodes;
+    };
+    const auto apart = nodesOf({(disks / "one").string(), (disks / "two").string()});
+    ASSERT_EQ(apart.size(), 2U);
+    EXPECT_THAT(apart[0], HasSubstr((disks / "one").string() + "/\",\"Is\""));
+    EXPECT_THAT(apart[0], HasSubstr("\"Records\":2"));
+    EXPECT_THAT(apart[1], HasSubstr((disks / "two").string() + "/\",\"Is\""));
+    EXPECT_THAT(apart[1], HasSubstr("\"Records\":1"));
+    EXPECT_EQ(nodesOf({disks.string()}).size(), 1U) << "a folder with several profiles is one";
 }
 
 TEST_F(PlacesCliTest, layoutsGiveTheColumnsOfAList) {

@@ -84,7 +84,7 @@ TEST_F(SummaryCliTest, aFileThatHasChangedBetweenTwoImportsIsRed) {
 
 TEST_F(SummaryCliTest, anEmptyFolder) {
     fs::create_directories(evidence);
-    EXPECT_EQ(import().exit, 0);
+    EXPECT_EQ(import().exit, 1);
     EXPECT_EQ(summary()["headline"], "Nothing was found to import");
 }
 

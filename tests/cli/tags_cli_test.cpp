@@ -76,6 +76,10 @@ TEST_F(TagsCliTest, whatMakesNoSenseIsRefusedAndChangesNothing) {
           {"tag", project, "1", "--where", "1", "--name", "A"},
           {"tag", project, "1", "--note", "why"},
           {"tag", project, "1", "--name", " "},
+          {"tag", project, "1", "--name", ""},
+          {"tag", project, "1", "--name", "\u00A0\u3000 "},
+          {"tag", project, "1", "--name", "", "--remove"},
+          {"tag", project, "1", "--name", "", "--off"},
           {"tag", project, "1", "--name", "A\nB"},
           {"tag", project, "1", "--name", "A", "--color", "red"},
           {"tag", project, "1", "--name", "A", "--off"},
@@ -89,6 +93,12 @@ TEST_F(TagsCliTest, whatMakesNoSenseIsRefusedAndChangesNothing) {
         EXPECT_EQ(run.exit, 1) << testing::PrintToString(call) << run.err;
         EXPECT_EQ(run.out, "") << testing::PrintToString(call);
     }
+    EXPECT_THAT(cli({"tag", project, "1", "--name", ""}).err,
+                HasSubstr("--name: a name of more than blanks was expected"));
+    EXPECT_EQ(
+        out({"query", project, "SELECT Count(*) AS n FROM URLs WHERE Tagged", "--format", "tsv"}),
+        "n\n0\n")
+        << "nor is the tick set in place of it";
     EXPECT_THAT(cli({"list", project, "--tag", "None"}).err, HasSubstr("no tag \"None\""));
     EXPECT_EQ(out({"tags", project, "--format", "csv"}), "Position,Name,Color,Rows,Note\r\n");
 }

@@ -44,13 +44,17 @@ struct Answers final : Examiner {
 
 struct Dialogs final : WindowDialogs {
     std::optional<fs::path> chooseProject() override { return answer; }
-    std::optional<fs::path> createNewProjectFilename() override { return answer; }
+    std::optional<fs::path> createNewProjectFilename() override {
+        ++projectsAsked;
+        return answer;
+    }
     std::optional<fs::path> chooseSaveAs() override { return answer; }
     std::optional<fs::path> chooseFolder(const std::string &, const fs::path &) override {
         return answer;
     }
     /// The answer is typed over the offered file, and confirmed.
     bool confirmNewProject(OptionsForm &form) override {
+        ++projectsAsked;
         if (!answer)
             return false;
         form.findChild<QLineEdit *>(QStringLiteral("txtPathProject"))
@@ -61,6 +65,7 @@ struct Dialogs final : WindowDialogs {
     std::vector<fs::path> chooseHashLists() override { return lists; }
     std::optional<fs::path> answer;
     std::vector<fs::path> lists;
+    int projectsAsked = 0; ///< dialogs for the file of a new project that came up
 };
 
 struct OneNetwork final : Network {

@@ -2,10 +2,10 @@
 #include "db/CaseTrail.h"
 #include "db/NamedTags.h"
 #include "db/RecordTags.h"
+#include "gui/FirstSteps.h"
 #include "gui/LimitedTable.h"
 #include "platform/qt/PageGuard.h"
 #include "support/Places.h"
-#include "ui/import/ImportForm.h"
 #include "ui/reports/ExportForm.h"
 #include "ui/reports/RedactionForm.h"
 #include "ui/reports/ReportForm.h"
@@ -41,8 +41,7 @@ class DeskWalkTest : public QObject {
     void cleanupTestCase();
 
     // In this order: each goes on where the one before has ended.
-    void theFirstPageLeadsToAProject();
-    void theWizardReadsTheExample();
+    void theFirstPageLeadsToRowsInFourSteps();
     void addressesAndDatesAreOnTheScreen();
     void lettersNarrowTheTable();
     void enterSearchesTheTextOfPages();
@@ -118,29 +117,20 @@ void DeskWalkTest::cleanupTestCase() {
     m_desk.reset();
 }
 
-void DeskWalkTest::theFirstPageLeadsToAProject() {
+void DeskWalkTest::theFirstPageLeadsToRowsInFourSteps() {
+    const fs::path evidence = out("seized");
+    fs::copy(docsFolder().parent_path() / "examples" / "evidence", evidence,
+             fs::copy_options::recursive);
     QVERIFY(child<QWidget>(*m_form, "WelcomePage").isVisible());
-    m_desk->dialogs.answer = out("case.nvp");
-    press(Qt::CTRL | Qt::Key_N);
-    QTRY_VERIFY(m_desk->program.state.projectDB.isOpen());
-    QVERIFY(!child<QWidget>(*m_form, "WelcomePage").isVisible());
-}
-
-void DeskWalkTest::theWizardReadsTheExample() {
-    const fs::path evidence = docsFolder().parent_path() / "examples" / "evidence";
-    activate(); // what is done to the wizard is done when events come the next time
-    whenShown<ImportForm>([evidence](ImportForm &wizard) {
-        auto &folder = child<QLineEdit>(wizard, "txtStartingDirectory");
-        folder.setFocus();
-        folder.selectAll();
-        QTest::keyClicks(&folder, pathToQt(evidence));
-        auto &next = child<QPushButton>(wizard, "btnNext");
-        for (int page = 0; page < 3; ++page)
-            QTest::keyClick(&next, Qt::Key_Space);
-    });
-    press(Qt::CTRL | Qt::Key_I);
+    activate();
+    const int steps = stepsToRows(*m_desk, *m_form, evidence);
     m_all = rows();
     QVERIFY2(m_all > 600, qPrintable(QString::number(m_all)));
+    QVERIFY(!child<QWidget>(*m_form, "WelcomePage").isVisible());
+    QVERIFY(grid().isVisible());
+    QCOMPARE(m_desk->program.state.projectDBPath, out("seized 2011-06-15.nvp"));
+    constexpr int kMostSteps = 4;
+    QVERIFY2(steps <= kMostSteps, qPrintable(QString::number(steps)));
 }
 
 /// Without any choice, at the size of a small screen.

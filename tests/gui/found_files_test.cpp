@@ -3,6 +3,7 @@
 #include "gui/Desk.h"
 #include "ui/import/FoundFilesModel.h"
 #include "ui/import/ImportForm.h"
+#include "ui/import/WizardTask.h"
 #include "ui/views/TableTab.h"
 #include "views/FoundTree.h"
 
@@ -31,6 +32,7 @@ class FoundFilesTest : public QObject {
     void spaceTicksByKey();
     void whatIsUntickedIsNotImported();
     void aHundredThousandFilesTickQuickly();
+    void theSearchTellsHowItGoesOn();
     void theZoneOfANewProjectIsAsked();
     void theZoneOfALaterImportIsOnlyShown();
 
@@ -248,6 +250,36 @@ void FoundFilesTest::aHundredThousandFilesTickQuickly() {
     model.prune(files);
     QCOMPARE(files.count(), std::size_t{99'999});
     QVERIFY2(clock.elapsed() < 20'000, "a development build on a busy machine");
+}
+
+/// Nobody knows how many folders there are before they were listed.
+void FoundFilesTest::theSearchTellsHowItGoesOn() {
+    constexpr int kPump = 60; // milliseconds: longer than the step of its texts
+    double now = 100;
+    WizardTask task([&now] { return now; });
+    QCOMPARE(task.pace(), QStringLiteral("0:00 elapsed"));
+    TaskStep step;
+    step.bottomCounter = 250;
+    task.show(step);
+    for (int second = 0; second < 75; second += 5) {
+        now = 100 + second;
+        QTest::qWait(second < 15 ? kPump : 1);
+        QVERIFY(task.advance(0));
+    }
+    now = 175;
+    QCOMPARE(task.pace(), QStringLiteral("250 files seen, 1:15 elapsed"));
+    for (int percent = 1; percent <= 20; ++percent) {
+        now += 1;
+        QTest::qWait(kPump);
+        QVERIFY(task.advance(percent / 100.0));
+    }
+    QVERIFY2(task.pace().startsWith(QStringLiteral("250 files seen, about 1 minute")),
+             qPrintable(task.pace()));
+    QVERIFY(task.pace().endsWith(QStringLiteral("left")));
+    check(
+        makeDisk(),
+        [](ImportForm &wizard) { QVERIFY(!child<QLabel>(wizard, "labScanPace").isVisible()); },
+        false);
 }
 
 void FoundFilesTest::theZoneOfANewProjectIsAsked() {

@@ -52,6 +52,9 @@ class ImportStepsTest : public QObject {
     static QList<QUrl> urlsOf(const std::vector<fs::path> &paths);
     /// Lets the check begin and end.
     static void waitForCheck(ImportForm &wizard);
+    static void nameProject(ImportForm &wizard, const fs::path &file) {
+        child<QLineEdit>(wizard, "txtImportProject").setText(pathToQt(file));
+    }
     void importByTheThirdStep();
     fs::path secondEvidence();
     int rows() { return child<TableTab>(*m_form, "TableTab").grid().model()->rowCount(); }
@@ -208,10 +211,11 @@ void ImportStepsTest::anotherChoiceHasToBeCheckedAnew() {
 void ImportStepsTest::aProjectIsNotMadeAmongTheEvidence() {
     const fs::path evidence = makeEvidence(m_desk->folder);
     chooseFolder(evidence);
-    m_desk->dialogs.answer = evidence / "case.nvp";
     whenShown<ImportForm>([this, evidence](ImportForm &wizard) {
         waitForCheck(wizard);
+        nameProject(wizard, evidence / "case.nvp");
         child<QPushButton>(wizard, "btnNext").click();
+        QVERIFY(child<QWidget>(wizard, "txtImportProject").hasFocus());
         QCOMPARE(m_desk->examiner.heard.back(), std::string("lies-in-evidence"));
         QVERIFY(wizard.isReady());
         wizard.reject();
@@ -284,9 +288,9 @@ void ImportStepsTest::severalFoldersAreDroppedTogether() {
     const fs::path second = secondEvidence();
     drop(*m_form, urlsOf({first, second}));
     QVERIFY(waitFor([this] { return button("btnStepCheck").isEnabled(); }));
-    m_desk->dialogs.answer = m_desk->folder.path() / "case.nvp";
-    whenShown<ImportForm>([](ImportForm &wizard) {
+    whenShown<ImportForm>([this](ImportForm &wizard) {
         waitForCheck(wizard);
+        nameProject(wizard, m_desk->folder.path() / "case.nvp");
         child<QPushButton>(wizard, "btnNext").click();
         child<QPushButton>(wizard, "btnNext").click();
     });

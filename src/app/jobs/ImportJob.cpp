@@ -122,6 +122,7 @@ ImportSummary runImportJob(Program &program, TaskMonitor &task, const fs::path &
                         hashSets.get()};
     const std::int64_t lastId = lastRow(program);
     ImportSummary summary = runImport(run, program.import);
+    summary.lastBefore = lastId;
     summary.isNoted = noteImport(program, summary, lastId);
     if (hashSets)
         noteHashSets(program, *hashSets);

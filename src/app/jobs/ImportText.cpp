@@ -2,6 +2,7 @@
 
 #include "app/jobs/ScanGapsText.h"
 #include "base/Files.h"
+#include "base/OneLine.h"
 #include "base/Text.h"
 #include "readers/Registry.h"
 #include "time/DateFormat.h"
@@ -27,7 +28,7 @@ std::string_view rowWord(std::uint64_t count) {
 std::vector<std::string> notesOf(const ArtefactResult &artefact) {
     std::vector<std::string> notes;
     if (!artefact.reason.empty())
-        notes.push_back(artefact.reason);
+        notes.push_back(oneLine(artefact.reason));
     if (artefact.notReached > 0)
         notes.push_back(
             fmt::format("{} not reached", counted(artefact.notReached, "entry", "entries")));
@@ -35,19 +36,19 @@ std::vector<std::string> notesOf(const ArtefactResult &artefact) {
         notes.push_back(fmt::format("{} could not be saved, see the log",
                                     counted(artefact.rowsLost, "record")));
     for (const auto &[reason, count] : artefact.passedOver)
-        notes.push_back(fmt::format("{} passed over: {}", count, reason));
+        notes.push_back(fmt::format("{} passed over: {}", count, oneLine(reason)));
     for (const auto &[reason, count] : artefact.noted)
-        notes.push_back(fmt::format("{} noted: {}", count, reason));
+        notes.push_back(fmt::format("{} noted: {}", count, oneLine(reason)));
     if (!artefact.warning.empty())
-        notes.push_back("Warning: " + artefact.warning + ".");
+        notes.push_back("Warning: " + oneLine(artefact.warning) + ".");
     return notes;
 }
 
 std::string artefactText(const ArtefactResult &artefact) {
-    std::string text = fmt::format("{:<12} {:>9} {:<4}  type {:<3} {:<20} {}  {}\n",
-                                   stateWord(artefact.state), artefact.rowsSaved,
-                                   rowWord(artefact.rowsSaved), static_cast<int>(artefact.type),
-                                   artefact.readerKey, artefact.md5Hash, textOf(artefact.path));
+    std::string text = fmt::format(
+        "{:<12} {:>9} {:<4}  type {:<3} {:<20} {}  {}\n", stateWord(artefact.state),
+        artefact.rowsSaved, rowWord(artefact.rowsSaved), static_cast<int>(artefact.type),
+        artefact.readerKey, artefact.md5Hash, oneLine(textOf(artefact.path)));
     for (const std::string &note : notesOf(artefact))
         text += fmt::format("    {}\n", note);
     return text;
@@ -83,9 +84,9 @@ std::string kindText(const std::string &reader, const KindTotals &kind) {
         text += fmt::format("{:<20} {:>9} {} not reached\n", "", kind.notReached,
                             kind.notReached == 1 ? "entry" : "entries");
     for (const auto &[reason, count] : kind.passedOver)
-        text += fmt::format("{:<20} {:>9} passed over: {}\n", "", count, reason);
+        text += fmt::format("{:<20} {:>9} passed over: {}\n", "", count, oneLine(reason));
     for (const auto &[reason, count] : kind.noted)
-        text += fmt::format("{:<20} {:>9} noted: {}\n", "", count, reason);
+        text += fmt::format("{:<20} {:>9} noted: {}\n", "", count, oneLine(reason));
     return text;
 }
 
@@ -95,9 +96,9 @@ std::string profileText(const ProfileTotals &profile) {
     const KindRows all = profile.all();
     std::string text = origin.browser;
     if (!origin.profile.empty())
-        text += fmt::format(", profile \"{}\"", origin.profile);
+        text += fmt::format(", profile \"{}\"", oneLine(origin.profile));
     if (!origin.person.empty())
-        text += fmt::format(", person \"{}\"", origin.person);
+        text += fmt::format(", person \"{}\"", oneLine(origin.person));
     text += '\n';
     if (all.first.has())
         text +=
@@ -162,8 +163,9 @@ std::string summaryText(const ImportSummary &summary) {
 std::string outcomeText(const ImportSummary &summary) {
     std::string text;
     for (const ArtefactResult &artefact : summary.artefacts) {
-        text += fmt::format("{}\n\n{}: {}, {}\n", textOf(artefact.path), artefact.readerKey,
-                            stateWord(artefact.state), counted(artefact.rowsSaved, "row"));
+        text +=
+            fmt::format("{}\n\n{}: {}, {}\n", oneLine(textOf(artefact.path)), artefact.readerKey,
+                        stateWord(artefact.state), counted(artefact.rowsSaved, "row"));
         for (const std::string &note : notesOf(artefact))
             text += note + '\n';
     }

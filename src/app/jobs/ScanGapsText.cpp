@@ -1,5 +1,6 @@
 #include "app/jobs/ScanGapsText.h"
 
+#include "base/OneLine.h"
 #include "base/Text.h"
 
 #include <fmt/format.h>
@@ -9,7 +10,7 @@ namespace nv {
 std::string unreadableText(const ScanGaps &gaps) {
     std::string text;
     for (const UnreadPlace &place : gaps.unreadable)
-        text += fmt::format("{:<12} {}\n", "not readable", place.reason);
+        text += fmt::format("{:<12} {}\n", "not readable", oneLine(place.reason));
     return text;
 }
 

@@ -6,14 +6,25 @@
 
 namespace nv::messages {
 
+namespace {
+
+constexpr std::string_view kConnected = "Your computer appears to be connected to a network.";
+constexpr std::string_view kRecommended =
+    "It is strongly recommended that you disable any outside connection to the Internet while "
+    "using Norvelane.";
+
+} // namespace
+
+std::string networkWarning() {
+    return fmt::format("{} {}", kConnected, kRecommended);
+}
+
 Message networkDetected() {
     return {"network-detected",
             "Network Connection Detected",
-            "Your computer appears to be connected to a network.\n\n"
-            "It is strongly recommended that you disable any outside connection to the Internet "
-            "while using Norvelane.\n\n"
-            "Should Norvelane try to disable the connection now?\n\n"
-            "Yes: disable it and import. No: import as it is. Cancel: don't import.",
+            fmt::format("{}\n\n{}\n\n", kConnected, kRecommended) +
+                "Should Norvelane try to disable the connection now?\n\n"
+                "Yes: disable it and import. No: import as it is. Cancel: don't import.",
             Choices::YesNoCancel,
             Tone::Warning,
             Answer::No};

@@ -1,11 +1,10 @@
 #include "app/options/ShownOptions.h"
 
 #include "app/options/SettingsTable.h"
+#include "app/project/SuggestedProject.h"
 #include "time/ExactZone.h"
 
 #include <fmt/format.h>
-
-#include <cstdlib>
 
 namespace nv {
 
@@ -24,21 +23,6 @@ void readPaths(const Program &program, Options &options) {
     options.tempFolderPath = firstOf(state.tempFolderRoot, program.settings, "Temp");
     options.publishTempFolder = firstOf(state.publishTempFolder, program.settings, "Publish");
     options.agencyLogoPath = firstOf(state.agencyLogoPath, program.settings, "AgencyLogo");
-}
-
-/// The folder of the settings, that of the last project, or the user's own.
-fs::path folderOfProjects(const Program &program) {
-    const IniFile &settings = program.settings;
-    const fs::path last = readText(settings, "LastProjectDBPath");
-    const char *home = std::getenv("HOME");
-    const fs::path user = home ? home : "";
-    std::error_code notThere;
-    for (const fs::path &folder :
-         {fs::path(readText(settings, "Project")), last.parent_path(), user / "Documents", user}) {
-        if (folder.is_absolute() && fs::is_directory(folder, notThere))
-            return folder;
-    }
-    return program.paths.home;
 }
 
 /// Those in force, but for what Options looks up anew.

@@ -57,6 +57,18 @@ std::string keyInList(Program &program) {
     return !zone.exact && place ? fmt::format("{}", rows[*place].timeZoneID) : zoneKey(zone);
 }
 
+bool isChosenZone(Program &program) {
+    const TimeZone &zone = program.state.gmtZone;
+    if (zone.exact)
+        return true;
+    const ZoneDatabase zones(program.paths.zones(), program.log);
+    const Surroundings &around = program.around;
+    const Date now = Date::fromTimePoint(around.clock.now() + around.clock.localOffset());
+    const TimeZone machine = zones.getSystemTimeZone(TimeZone(now), around.systemTime.zone(), now);
+    const auto rows = zones.listZones();
+    return placeInList(rows, zone) != placeInList(rows, machine);
+}
+
 CheckedZone checkedZone(Program &program, std::string_view key) {
     CheckedZone checked;
     if (const auto id = numberIn(key)) {

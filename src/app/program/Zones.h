@@ -27,6 +27,10 @@ std::shared_ptr<const ExactZone> exactZoneNamed(const Program &program, std::str
 /// key of the one in its place.
 std::string keyInList(Program &program);
 
+/// The zone in force is one that somebody has chosen: an exact one, or another classic one than the
+/// machine's, which the program takes by itself.
+bool isChosenZone(Program &program);
+
 /// A key as it is stored, or why there is no zone of it.
 struct CheckedZone {
     std::string key;

@@ -2,8 +2,8 @@
 
 #include "base/Files.h"
 #include "base/Paths.h"
+#include "db/KeptEvidence.h"
 #include "db/ProjectFields.h"
-#include "db/SqliteErrors.h"
 #include "readers/Evidence.h"
 
 #include <fmt/format.h>
@@ -16,21 +16,11 @@ namespace fs = std::filesystem;
 
 namespace {
 
-/// Followed by a number from 1 on.
-constexpr std::string_view kFolderSetting = "EvidenceFolder";
-
 std::vector<fs::path> keptFolders(SQLite::Database &project) {
-    return onProject([&] {
-        std::vector<fs::path> folders;
-        SQLite::Statement row(project, "SELECT DefaultValue FROM DefaultSettings"
-                                       " WHERE DefaultName LIKE ? || '%' ORDER BY rowid");
-        row.bind(1, std::string(kFolderSetting));
-        while (row.executeStep()) {
-            const std::string text = row.getColumn(0).getString();
-            folders.push_back(pathFromText(text).value_or(text));
-        }
-        return folders;
-    });
+    std::vector<fs::path> folders;
+    for (const std::string &text : keptEvidenceFolders(project))
+        folders.push_back(pathFromText(text).value_or(text));
+    return folders;
 }
 
 std::optional<fs::path> firstAround(const fs::path &path, const std::vector<fs::path> &folders) {
@@ -61,7 +51,7 @@ void keepEvidenceFolder(Program &program, const fs::path &source) {
     if (!liesInEvidence(folder, folder) || firstAround(folder, kept) ||
         liesInEvidence(program.state.projectDBPath, folder))
         return;
-    const std::string name = fmt::format("{}{}", kFolderSetting, kept.size() + 1);
+    const std::string name = fmt::format("{}{}", kEvidenceFolderSetting, kept.size() + 1);
     if (!ProjectFields(project, program.log).saveDefaultSetting(name, textOf(folder)))
         throw StorageFailure(
             fmt::format("the project can't keep that \"{}\" is evidence; see \"{}\"",

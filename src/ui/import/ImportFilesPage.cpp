@@ -6,6 +6,7 @@
 #include "base/Trap.h"
 #include "platform/qt/QtText.h"
 #include "ui/import/FoundFilesModel.h"
+#include "ui/import/ImportNetwork.h"
 #include "ui/import/ImportZone.h"
 #include "ui/import/WizardParts.h"
 #include "ui/views/GridCopy.h"
@@ -18,6 +19,7 @@
 
 #include <array>
 #include <set>
+#include <utility>
 
 namespace nv {
 
@@ -103,11 +105,13 @@ QProgressBar *newScanBar() {
 
 } // namespace
 
-ImportFilesPage::ImportFilesPage(Program &program)
+ImportFilesPage::ImportFilesPage(Program &program, ChooseProject chooseProject)
     : m_program(program), m_files(new FoundFilesModel(this)), m_tree(newFoundTree(*m_files)),
       m_step(newWizardLabel("labScanStep")), m_folder(newWizardLabel("labScanFolder")),
       m_gaps(newWizardLabel("labScanGaps")), m_total(newWizardLabel("labFoundTotal")),
-      m_bar(newScanBar()), m_zone(new ImportZone(program)) {
+      m_bar(newScanBar()), m_pace(newWizardLabel("labScanPace")), m_zone(new ImportZone(program)),
+      m_project(new ImportProject(program, std::move(chooseProject))),
+      m_network(new ImportNetwork(program)) {
     connect(m_files, &FoundFilesModel::ticksChanged, this, [this] {
         m_total->setText(m_files->found() > 0 ? chosenText() : QString());
         emit changed();
@@ -117,10 +121,15 @@ ImportFilesPage::ImportFilesPage(Program &program)
     column->addWidget(m_step);
     column->addWidget(m_folder);
     column->addWidget(m_bar);
+    column->addWidget(m_pace);
     column->addWidget(m_tree, 1);
     column->addWidget(m_total);
     column->addWidget(m_gaps);
     column->addWidget(m_zone);
+    column->addWidget(m_project);
+    column->addWidget(m_network);
+    m_pace->hide();
+    connect(m_project, &ImportProject::changed, this, &ImportFilesPage::changed);
 }
 
 void ImportFilesPage::cancelScan() {
@@ -154,7 +163,14 @@ void ImportFilesPage::handOver() {
     m_files->prune(job.historyFiles);
 }
 
+void ImportFilesPage::look() {
+    m_project->look();
+    m_network->look();
+}
+
 ScanResult ImportFilesPage::scanEvidence(const std::vector<std::filesystem::path> &places) {
+    m_project->suggest(places);
+    look();
     m_program.import.historyFiles.clear();
     m_found = {};
     m_files->setFiles(m_program.import.historyFiles, m_found);
@@ -170,15 +186,22 @@ void ImportFilesPage::run(const std::function<void(WizardTask &)> &work) {
         m_step->setText(what);
         m_folder->setText(where);
     });
-    connect(&task, &WizardTask::advanced, this,
-            [this](double fraction) { m_bar->setValue(static_cast<int>(fraction * 100)); });
+    connect(&task, &WizardTask::advanced, this, [this, &task](double fraction) {
+        m_bar->setValue(static_cast<int>(fraction * 100));
+        m_pace->setText(task.pace());
+    });
     m_task = &task;
     m_bar->setVisible(true);
+    m_pace->setText(task.pace());
+    m_pace->setVisible(true);
+    m_folder->setVisible(true);
+    m_zone->setVisible(false); // what the evidence says of it isn't known yet
     emit changed();
     const auto failure =
         failureOf(m_program.log, "ImportForm.NextBtn_Click()", [&] { work(task); });
     m_task = nullptr;
     m_bar->setVisible(false);
+    m_pace->setVisible(false);
     if (failure)
         m_program.around.examiner.tell(messages::importFailed(*failure));
 }
@@ -218,6 +241,8 @@ void ImportFilesPage::show(const ScanResult &result) {
         folders.insert(place.isFile ? place.path.parent_path() : place.path);
     m_zone->suggest({folders.begin(), folders.end()});
     m_folder->clear();
+    m_folder->hide();
+    m_zone->show();
     m_step->setText(tr("Files found: %L1").arg(m_files->found()));
     const QString gaps = gapsText(result);
     m_gaps->setText(gaps);

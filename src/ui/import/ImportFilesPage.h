@@ -2,6 +2,7 @@
 
 #include "app/program/Program.h"
 #include "import/Scan.h"
+#include "ui/import/ImportProject.h"
 #include "ui/import/WizardTask.h"
 #include "views/FoundTree.h"
 
@@ -18,15 +19,17 @@ class QTreeView;
 namespace nv {
 
 class FoundFilesModel;
+class ImportNetwork;
 class ImportZone;
 
 /// The wizard's page of what the scan found: a tree of its places, of which the examiner takes what
-/// is to be imported, what could not be looked at, and the time zone.
+/// is to be imported, what could not be looked at, the time zone, the file of a new project, and
+/// the warning of a network: all that has to be settled before an import.
 class ImportFilesPage final : public QWidget {
     Q_OBJECT
 
   public:
-    explicit ImportFilesPage(Program &program);
+    ImportFilesPage(Program &program, ChooseProject chooseProject);
 
     /// Looks through the places, by the choice of the page before, and shows what it found. The
     /// window stays live: cancelScan() ends it. Failures are told.
@@ -43,6 +46,10 @@ class ImportFilesPage final : public QWidget {
     /// with it another job.
     void handOver();
     ImportZone &zone() { return *m_zone; }
+    ImportProject &project() { return *m_project; }
+    ImportNetwork &network() { return *m_network; }
+    /// A project or the network may have come or gone since it was shown last.
+    void look();
 
   signals:
     /// A scan began or ended, or files were chosen.
@@ -63,7 +70,10 @@ class ImportFilesPage final : public QWidget {
     QLabel *m_gaps;
     QLabel *m_total;
     QProgressBar *m_bar;
+    QLabel *m_pace;
     ImportZone *m_zone;
+    ImportProject *m_project;
+    ImportNetwork *m_network;
     ScanResult m_scanned;
     FoundTree m_found;
     WizardTask *m_task = nullptr; ///< while the scan runs

@@ -3,7 +3,6 @@
 #include "app/jobs/HashSetJob.h"
 #include "app/jobs/ImportClaim.h"
 #include "app/jobs/ImportJob.h"
-#include "app/jobs/ImportText.h"
 #include "app/messages/DropMessages.h"
 #include "app/messages/Messages.h"
 #include "app/messages/NetworkMessages.h"
@@ -17,6 +16,7 @@
 #include "platform/qt/QtText.h"
 #include "platform/qt/WithinScreen.h"
 #include "ui/import/ImportFilesPage.h"
+#include "ui/import/ImportNetwork.h"
 #include "ui/import/ImportZone.h"
 #include "ui/import/WizardParts.h"
 #include "ui/views/DroppedUrls.h"
@@ -60,7 +60,7 @@ ImportForm::ImportForm(Program &program, const std::vector<fs::path> &places, Im
     : QDialog(parent), m_program(program), m_needs(std::move(needs)),
       m_firstBase(program.state.rootPath),
       m_choice(new ImportChoicePage(program.import, places, m_firstBase, m_needs.chooseFolder)),
-      m_files(new ImportFilesPage(program)),
+      m_files(new ImportFilesPage(program, m_needs.chooseProject)),
       m_summary(new ImportSummaryPane(program, m_needs.choosePage)), m_pages(new QStackedWidget),
       m_heading(newHeading()) {
     setObjectName(QStringLiteral("ImportForm"));
@@ -116,6 +116,8 @@ void ImportForm::importChecked() {
 
 void ImportForm::showAndGoOn(bool goesOn) {
     offerHashSets();
+    if (!goesOn)
+        m_files->look();
     showButtons();
     if (goesOn)
         QTimer::singleShot(0, this, &ImportForm::nextBtnClick);
@@ -127,9 +129,11 @@ bool ImportForm::isReady() const {
 }
 
 QString ImportForm::checkedText() const {
-    return m_pages->currentIndex() == Files && m_files->found() > 0
-               ? tr("%1. Time zone: %2").arg(m_files->chosenText(), m_files->zone().name())
-               : QString();
+    if (m_pages->currentIndex() != Files || m_files->found() == 0)
+        return {};
+    const QString text = tr("%1. Time zone: %2").arg(m_files->chosenText(), m_files->zone().name());
+    const QString project = m_files->project().nameText();
+    return project.isEmpty() ? text : tr("%1. Project: %2").arg(text, project);
 }
 
 void ImportForm::dragEnterEvent(QDragEnterEvent *event) {
@@ -171,7 +175,9 @@ void ImportForm::showButtons() {
     m_next->setText(step == Finish  ? tr("Finished")
                     : step == Files ? tr("&Import >>")
                                     : tr("Next >>"));
-    m_next->setEnabled(!m_files->isScanning() && (step != Files || m_files->chosen() > 0));
+    m_next->setEnabled(
+        !m_files->isScanning() &&
+        (step != Files || (m_files->chosen() > 0 && !m_files->project().isMissing())));
     m_cancel->setText(m_isKept && step == Files && !m_files->isScanning() ? tr("Close")
                                                                           : tr("Cancel"));
     m_cancel->setEnabled(step != Finish);
@@ -243,9 +249,11 @@ void ImportForm::startScan() {
         showStep(Choose);
 }
 
-/// A connection that can't be disabled leaves the examiner in the wizard, to decide anew.
+/// The warning on the page is passed by importing. What came up since that page was looked at is
+/// asked about. A connection that can't be disabled leaves the examiner in the wizard, to decide
+/// anew.
 bool ImportForm::goesOnDespiteNetwork() {
-    if (networkConnectionStatus(m_program) != "ENABLED")
+    if (m_files->network().warns() || networkConnectionStatus(m_program) != "ENABLED")
         return true;
     const Answer answer = m_program.around.examiner.ask(messages::networkDetected());
     if (answer != Answer::Yes)
@@ -279,7 +287,14 @@ fs::path ImportForm::offeredBase() const {
 }
 
 void ImportForm::importFiles() {
-    if (!m_needs.project(m_choice->places()) || !placesAreUsable())
+    const bool isNew = !m_program.state.projectDB.isOpen();
+    if (!m_needs.project(m_choice->places(), m_files->project().asked())) {
+        if (isNew)
+            m_files->project().focusName();
+        return;
+    }
+    m_files->project().look();
+    if (!placesAreUsable())
         return;
     requireZones(m_program); // now that of the project
     requireSchema(m_program);
@@ -304,7 +319,7 @@ void ImportForm::runImport() {
     if (failure)
         m_summary->showFailure(*failure);
     else
-        m_summary->load(ImportScope::last, summaryText(summary));
+        m_summary->load(summary);
     m_imported = true;
     m_running = false;
     setEnabled(true);

@@ -2,6 +2,7 @@
 
 #include "app/program/Program.h"
 #include "ui/import/ImportChoicePage.h"
+#include "ui/import/ImportProject.h"
 #include "ui/import/ImportSummaryPane.h"
 
 #include <QDialog>
@@ -21,9 +22,11 @@ class ImportFilesPage;
 /// What the wizard asks the window for.
 struct ImportNeeds {
     ChooseFolder chooseFolder;
-    /// A project that may be written is open, or is made now, outside of these places. False, and
-    /// told, when there is none.
-    std::function<bool(const std::vector<std::filesystem::path> &places)> project;
+    /// A project that may be written is open, or is made now as it is asked for, outside of these
+    /// places. False, and told, when there is none.
+    std::function<bool(const std::vector<std::filesystem::path> &places, const AskedProject &asked)>
+        project;
+    ChooseProject chooseProject;
     ChoosePage choosePage = choosePageByDialog; ///< for the summary
 };
 

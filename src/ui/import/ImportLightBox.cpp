@@ -1,12 +1,11 @@
 #include "ui/import/ImportLightBox.h"
 
 #include "platform/qt/QtText.h"
+#include "ui/import/LightPalette.h"
 #include "ui/import/WizardParts.h"
 #include "views/CellText.h"
 #include "views/ImportOverview.h"
-#include "views/LightColors.h"
 
-#include <QApplication>
 #include <QBoxLayout>
 #include <QEvent>
 #include <QLabel>
@@ -62,19 +61,11 @@ void ImportLightBox::take(const ImportOverview &overview) {
     paintLight();
 }
 
-/// The palette of the program tells whether it is dark; that of the box is the light's own.
 void ImportLightBox::paintLight() {
     if (m_isPainting)
         return;
     m_isPainting = true;
-    const QPalette around = QApplication::palette();
-    const bool isDark =
-        around.color(QPalette::Window).lightness() < around.color(QPalette::WindowText).lightness();
-    const LightColors colors = lightColors(m_light, isDark);
-    QPalette own = around;
-    own.setColor(QPalette::Window, QColor::fromRgb(colors.ground));
-    own.setColor(QPalette::WindowText, QColor::fromRgb(colors.text));
-    own.setColor(QPalette::Text, QColor::fromRgb(colors.text));
+    const QPalette own = lightPalette(m_light);
     setPalette(own);
     // They would get the program's own when that changes.
     for (QLabel *label : {m_sign, m_headline, m_meaning})

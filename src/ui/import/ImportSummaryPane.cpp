@@ -1,6 +1,7 @@
 #include "ui/import/ImportSummaryPane.h"
 
 #include "app/jobs/ImportPageJob.h"
+#include "app/jobs/ImportText.h"
 #include "app/jobs/ThumbnailJob.h"
 #include "app/messages/Messages.h"
 #include "app/program/DrawingTools.h"
@@ -150,12 +151,27 @@ QWidget *ImportSummaryPane::newButtons() {
     return buttons;
 }
 
-void ImportSummaryPane::load(ImportScope scope, const std::string &everyFile) {
+void ImportSummaryPane::load(ImportScope scope) {
+    load(
+        [this, scope](SQLite::Database &project, ImportOverview &overview) {
+            return loadImportOverview(project, scope, m_program.task, overview);
+        },
+        {});
+}
+
+void ImportSummaryPane::load(const ImportSummary &summary) {
+    load(
+        [this, &summary](SQLite::Database &project, ImportOverview &overview) {
+            return loadImportOverview(project, summary, m_program.task, overview);
+        },
+        summaryText(summary));
+}
+
+void ImportSummaryPane::load(const Load &load, const std::string &everyFile) {
     const auto failure = failureOf(m_program.log, kProcedure, [&] {
         const OpenTask task(m_program.task,
                             {"SUMMARIZING THE IMPORT", "Counting records...", "", ""});
-        static_cast<void>(loadImportOverview(m_program.state.projectDB.connection(), scope,
-                                             m_program.task, m_overview));
+        static_cast<void>(load(m_program.state.projectDB.connection(), m_overview));
     });
     if (failure)
         m_overview.isCounted = false; // and the log says why

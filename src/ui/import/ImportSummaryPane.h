@@ -38,9 +38,10 @@ class ImportSummaryPane final : public QWidget {
   public:
     ImportSummaryPane(Program &program, ChoosePage choosePage, QWidget *parent = nullptr);
 
-    /// Reads the project. `everyFile` is the text of an import that has just been made; empty
-    /// later.
-    void load(ImportScope scope, const std::string &everyFile = {});
+    /// Reads the project.
+    void load(ImportScope scope);
+    /// Of the import that has just been made.
+    void load(const ImportSummary &summary);
     /// An import that hasn't come to its files.
     void showFailure(const std::string &reason);
     const ImportOverview &overview() const { return m_overview; }
@@ -51,6 +52,8 @@ class ImportSummaryPane final : public QWidget {
 
   private:
     QWidget *newButtons();
+    using Load = std::function<Walk(SQLite::Database &project, ImportOverview &overview)>;
+    void load(const Load &load, const std::string &everyFile);
     void showOverview();
     void showCounts();
     void showGaps();

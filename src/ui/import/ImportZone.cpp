@@ -18,15 +18,24 @@
 
 namespace nv {
 
+namespace {
+
+constexpr const char *kUtc = "UTC";
+
+} // namespace
+
 ImportZone::ImportZone(Program &program)
     : m_program(program), m_question(newWizardLabel("labZoneQuestion")), m_offered(new QComboBox),
       m_zone(newWizardLabel("labImportZone")), m_meaning(newWizardLabel("labZoneMeaning")),
       m_hint(newWizardLabel("labZoneHint")) {
     m_hint->hide();
-    m_question->setText(tr("Time zone of the examined machine (local dates are stored by it):"));
+    m_question->setText(tr("Times are shown in:"));
+    m_question->setWordWrap(false);
     m_question->setBuddy(m_offered);
     m_offered->setObjectName(QStringLiteral("cbImportZone"));
-    m_offered->setAccessibleName(tr("Time zone of the examined machine"));
+    m_offered->setAccessibleName(tr("Times are shown in"));
+    m_offered->setToolTip(tr("Mostly the zone of the examined machine, or UTC. Local dates are "
+                             "stored in it."));
     m_offered->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
     m_offered->setMinimumContentsLength(24);
     connect(m_offered, &QComboBox::activated, this, &ImportZone::chooseOffered);
@@ -60,19 +69,15 @@ void ImportZone::suggest(const std::vector<std::filesystem::path> &folders) {
         for (ZoneHint &hint : knownZoneHints(m_program, folder, m_program.import.historyFiles))
             if (std::ranges::find(hints, hint.zone, &ZoneHint::zone) == hints.end())
                 hints.push_back(std::move(hint));
-    m_isNamed = isNew() && !hints.empty();
-    if (!m_isChosen)
-        m_key = m_isNamed ? hints.front().zone : keyInList(m_program);
     m_offered->clear();
-    if (isNew()) {
-        for (const ZoneHint &hint : hints)
-            offer(tr("%1 (named by the evidence)").arg(toQt(hint.zone)), hint.zone);
-        offer(tr("%1 (of this program)").arg(zoneName(m_program, keyInList(m_program))),
-              keyInList(m_program));
-        offer(QStringLiteral("UTC"), "UTC");
-    }
+    m_isOffered = isNew();
+    if (m_isOffered)
+        offerZones(hints);
+    if (!m_isChosen)
+        m_key = m_isOffered ? fromQt(m_offered->itemData(0).toString()) : keyInList(m_program);
     m_question->setVisible(isNew());
     m_offered->setVisible(isNew());
+    m_zone->setVisible(!isNew());
     tellHints(hints);
     showZone();
 }
@@ -84,6 +89,20 @@ void ImportZone::tellHints(const std::vector<ZoneHint> &hints) {
                     .arg(toQt(hint.zone), toQt(displayText(textOf(hint.file))));
     m_hint->setText(told.join(u'\n'));
     m_hint->setVisible(!told.isEmpty());
+}
+
+/// What the evidence says goes before what the examiner has chosen elsewhere, and that before UTC,
+/// which is the same on every machine. The machine of the examiner says nothing of the evidence.
+void ImportZone::offerZones(const std::vector<ZoneHint> &hints) {
+    for (const ZoneHint &hint : hints)
+        offer(tr("%1 (named by the evidence)").arg(toQt(hint.zone)), hint.zone);
+    const std::string own = keyInList(m_program);
+    const bool isChosen = isChosenZone(m_program);
+    if (!isChosen && checkedZone(m_program, kUtc).refusal.empty())
+        offer(toQt(kUtc), kUtc);
+    offer(tr("%1 (of this program)").arg(zoneName(m_program, own)), own);
+    if (isChosen)
+        offer(toQt(kUtc), kUtc);
 }
 
 void ImportZone::offer(const QString &text, const std::string &key) {
@@ -118,7 +137,7 @@ QString ImportZone::name() const {
 }
 
 bool ImportZone::take() {
-    const bool isKept = !m_isChosen && !m_isNamed;
+    const bool isKept = !m_isChosen && !m_isOffered;
     return isKept || m_key == keyInList(m_program) || changeZone(m_program, m_key, m_program.task);
 }
 

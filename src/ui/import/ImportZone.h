@@ -34,6 +34,7 @@ class ImportZone final : public QWidget {
     /// No import has brought rows yet, so that the zone is still to be settled.
     bool isNew() const;
     void tellHints(const std::vector<ZoneHint> &hints);
+    void offerZones(const std::vector<ZoneHint> &hints);
     void offer(const QString &text, const std::string &key);
     void choose();
     void chooseOffered();
@@ -45,9 +46,9 @@ class ImportZone final : public QWidget {
     QLabel *m_zone;
     QLabel *m_meaning;
     QLabel *m_hint;
-    std::string m_key;       ///< empty until the first scan
-    bool m_isChosen = false; ///< by the examiner
-    bool m_isNamed = false;  ///< by the evidence, before the first import; else that in force stays
+    std::string m_key;        ///< empty until the first scan
+    bool m_isChosen = false;  ///< by the examiner
+    bool m_isOffered = false; ///< before the first import; else that in force stays
 };
 
 } // namespace nv

@@ -150,10 +150,11 @@ void StepsPane::showSteps() {
                                           "leave things out. Nothing is imported yet.")
                                      : tr("Waits for evidence to be chosen."));
     m_import.text->setText(
-        m_steps.isReady() ? tr("Reads what is chosen into the project; asks where that shall lie "
-                               "where none is open.")
-        : isChecked       ? tr("Nothing that was found is chosen: check it again.")
-                          : tr("Waits for the check."));
+        m_steps.isReady()
+            ? tr("Reads what is chosen into the project: an open one, or the one that the "
+                 "check has named.")
+        : isChecked ? tr("Nothing that was found is chosen: check it again.")
+                    : tr("Waits for the check."));
     const QWidget *focus = window()->focusWidget();
     const bool hadFocus = focus && isAncestorOf(focus);
     m_clear->setVisible(isChosen);

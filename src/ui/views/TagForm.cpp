@@ -133,8 +133,8 @@ void TagForm::showFault() {
     QString fault;
     if (name.empty())
         fault = tr("A tag needs a name.");
-    else if (!faultOfTagName(name).empty())
-        fault = tr("The name is too long, or has more than one line.");
+    else if (const std::string refusal = faultOfTagName(name); !refusal.empty())
+        fault = tr("This can't be the name of a tag: %1.").arg(toQt(refusal));
     else if (std::ranges::any_of(m_others, [&name](const NamedTag &other) {
                  return equalsNoCase(other.name, name);
              }))

@@ -7,7 +7,6 @@
 #include "platform/qt/QtText.h"
 #include "readers/Evidence.h"
 #include "ui/views/ZoneForm.h"
-#include "ui/window/OptionsPart.h"
 #include "ui/window/RebuildPart.h"
 #include "ui/window/Workbench.h"
 
@@ -21,7 +20,10 @@ FilesPart::FilesPart(Workbench &bench, ProjectCommands &commands, ProjectView &v
                      OptionsPart &options, RebuildPart &rebuild, ImportSteps &steps)
     : m_bench(bench), m_commands(commands), m_view(view), m_options(options), m_rebuild(rebuild),
       m_import(std::make_unique<ImportPart>(
-          bench, steps, [this](const auto &evidence) { return newProject(evidence); },
+          bench, steps,
+          [this](const auto &evidence, const auto &asked) {
+              return newProjectFor(evidence, asked);
+          },
           [this] {
               m_bench.reload();
               m_rebuild.tellOfWideIds();
@@ -31,7 +33,7 @@ FilesPart::FilesPart(Workbench &bench, ProjectCommands &commands, ProjectView &v
         connect(action, &QAction::triggered, this,
                 [=, this] { m_bench.run(procedure, [=, this] { command(*this); }); });
     };
-    on(actions.newProject, "MainForm.OpenFile()", [](FilesPart &part) { part.newProject({}); });
+    on(actions.newProject, "MainForm.OpenFile()", [](FilesPart &part) { part.newProject(); });
     on(actions.openProject, "MainForm.OpenFile()", [](FilesPart &part) { part.openProject({}); });
     on(actions.saveAs, "MainForm.SaveAs()", [](FilesPart &part) { part.saveAs(); });
     on(actions.closeProject, "MainForm.CloseFile()",
@@ -44,18 +46,25 @@ FilesPart::FilesPart(Workbench &bench, ProjectCommands &commands, ProjectView &v
        [](FilesPart &part) { part.chooseTimeZone(); });
 }
 
-bool FilesPart::newProject(const ImportPart::Places &evidence) {
-    const auto made = m_options.askNewProject([this] { m_commands.closeFile(); });
-    if (!made)
-        return false;
+void FilesPart::newProject() {
+    if (const auto made = m_options.askNewProject([this] { m_commands.closeFile(); }))
+        make(*made);
+}
+
+bool FilesPart::newProjectFor(const ImportPart::Places &evidence, const AskedProject &asked) {
     for (const fs::path &place : evidence)
-        if (fs::is_directory(place) && liesInEvidence(made->path, place)) {
-            m_bench.examiner().tell(messages::liesInEvidence(made->path, place));
+        if (fs::is_directory(place) && liesInEvidence(asked.path, place)) {
+            m_bench.examiner().tell(messages::liesInEvidence(asked.path, place));
             return false;
         }
-    if (!m_commands.openFile(made->path, OpenMode::newAtPath))
+    const auto made = m_options.takeNewProject(asked.path, asked.overwriteAgreed);
+    return made && make(*made);
+}
+
+bool FilesPart::make(const OptionsPart::NewProject &made) {
+    if (!m_commands.openFile(made.path, OpenMode::newAtPath))
         return false;
-    m_options.storeNewProject(*made);
+    m_options.storeNewProject(made);
     m_bench.reload();
     return true;
 }

@@ -3,6 +3,7 @@
 #include "app/ProjectCommands.h"
 #include "app/project/DroppedPaths.h"
 #include "ui/window/ImportPart.h"
+#include "ui/window/OptionsPart.h"
 
 #include <QObject>
 
@@ -11,7 +12,6 @@
 
 namespace nv {
 
-class OptionsPart;
 class RebuildPart;
 class Workbench;
 
@@ -30,8 +30,11 @@ class FilesPart final : public QObject {
     void takeDropped(const DroppedPaths &dropped);
 
   private:
-    /// Outside of these places. False when it wasn't made.
-    bool newProject(const ImportPart::Places &evidence);
+    /// By the dialog.
+    void newProject();
+    /// Without a dialog, outside of these places. False when it wasn't made.
+    bool newProjectFor(const ImportPart::Places &evidence, const AskedProject &asked);
+    bool make(const OptionsPart::NewProject &made);
     void openProject(const std::filesystem::path &path);
     void saveAs();
     void offerWebpages();

@@ -31,20 +31,24 @@ ImportPart::ImportPart(Workbench &bench, ImportSteps &steps, NewProject newProje
     bench.table->emptyPage().offerSteps(steps);
 }
 
-bool ImportPart::needProject(const Places &places) {
-    return m_bench.isProjectOpen() ? m_bench.mayWrite() : m_newProject(places);
+bool ImportPart::needProject(const Places &places, const AskedProject &asked) {
+    return m_bench.isProjectOpen() ? m_bench.mayWrite() : m_newProject(places, asked);
 }
 
 std::unique_ptr<ImportForm> ImportPart::newForm(const Places &places) {
     const auto chooseFolder = [this](const std::string &title, const std::filesystem::path &from) {
         return m_bench.dialogs.chooseFolder(title, from);
     };
-    const auto project = [this](const Places &evidence) { return needProject(evidence); };
+    const auto project = [this](const Places &evidence, const AskedProject &asked) {
+        return needProject(evidence, asked);
+    };
+    const auto chooseProject = [this] { return m_bench.dialogs.createNewProjectFilename(); };
     const auto choosePage = [this](const std::filesystem::path &offered) {
         return m_bench.dialogs.choosePage(offered);
     };
     return std::make_unique<ImportForm>(
-        m_bench.program, places, ImportNeeds{chooseFolder, project, choosePage}, &m_bench.window);
+        m_bench.program, places, ImportNeeds{chooseFolder, project, chooseProject, choosePage},
+        &m_bench.window);
 }
 
 /// What was checked before isn't kept: both share the import's job.

@@ -20,8 +20,9 @@ class ImportPart final : public QObject {
 
   public:
     using Places = std::vector<std::filesystem::path>;
-    /// Makes a project outside of these places; false when none is open afterwards.
-    using NewProject = std::function<bool(const Places &evidence)>;
+    /// Makes the project that is asked for, outside of these places; false when none is open
+    /// afterwards.
+    using NewProject = std::function<bool(const Places &evidence, const AskedProject &asked)>;
 
     /// All must outlive it; `imported` is called when rows may have come.
     ImportPart(Workbench &bench, ImportSteps &steps, NewProject newProject,
@@ -34,7 +35,7 @@ class ImportPart final : public QObject {
     void take(const DroppedPaths &dropped);
 
   private:
-    bool needProject(const Places &places);
+    bool needProject(const Places &places, const AskedProject &asked);
     std::unique_ptr<ImportForm> newForm(const Places &places);
     void add(const Places &places);
     void chooseFolder();

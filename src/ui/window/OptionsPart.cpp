@@ -1,6 +1,7 @@
 #include "ui/window/OptionsPart.h"
 
 #include "app/messages/Messages.h"
+#include "app/options/Options.h"
 #include "app/options/ProjectOptions.h"
 #include "app/project/Project.h"
 #include "ui/options/OptionsForm.h"
@@ -44,6 +45,20 @@ OptionsPart::askNewProject(const std::function<void()> &closeOpen) {
         return std::nullopt;
     emit m_bench.optionsChanged();
     return NewProject{form.project(), form.base()};
+}
+
+std::optional<OptionsPart::NewProject>
+OptionsPart::takeNewProject(const std::filesystem::path &path,
+                            const std::filesystem::path &overwriteAgreed) {
+    Program &program = m_bench.program;
+    Options options = readNewProjectOptions(program, initTimeZone(program));
+    options.projectDBPath = path;
+    if (!options.timeZoneID && options.exactZone.empty())
+        options.exactZone = "UTC"; // whoever asks for a project asks for its zone too
+    if (!applyOptions(program, options, {true, {}, overwriteAgreed}).applied)
+        return std::nullopt;
+    emit m_bench.optionsChanged();
+    return NewProject{path, {}};
 }
 
 void OptionsPart::storeNewProject(const NewProject &made) {

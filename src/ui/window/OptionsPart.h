@@ -19,6 +19,10 @@ class OptionsPart final : public QObject {
     /// The settings of the dialog are in force when it gives a project; an open one was closed by
     /// `closeOpen`.
     std::optional<NewProject> askNewProject(const std::function<void()> &closeOpen);
+    /// The same without the dialog: with the values that it would begin with, for this file. What
+    /// it refuses is told. No project is open.
+    std::optional<NewProject> takeNewProject(const std::filesystem::path &path,
+                                             const std::filesystem::path &overwriteAgreed);
     /// Into the project that was made of it.
     void storeNewProject(const NewProject &made);
 

@@ -337,10 +337,12 @@ TEST_F(ScanTest, showsWhereItIs) {
     scanWatchedBy(task);
     ASSERT_EQ(task.steps.size(), 6u);
     EXPECT_EQ(task.steps[0].topMessage, "Scanning: " + folder.path().string());
+    EXPECT_EQ(task.steps[2].bottomCounter, 1) << "files that were seen in the folders before";
     EXPECT_EQ(task.steps[3].topMessage, "Scanning folder 1 of 3");
     EXPECT_EQ(task.steps[5].topMessage, "Scanning folder 3 of 3");
     EXPECT_EQ(task.steps[5].topCounter, 3);
     EXPECT_EQ(task.steps[5].topTotal, 3);
+    EXPECT_EQ(task.steps[5].bottomCounter, 1);
     EXPECT_EQ(task.steps[5].bottomMessage, (folder.path() / "b").string());
     EXPECT_TRUE(std::ranges::is_sorted(task.fractions));
 }

@@ -196,5 +196,42 @@ TEST(LightColorsTest, everyLightCanBeReadInBothPalettesAndHasItsOwnWordAndSign) 
     EXPECT_NE(lightSign(ImportLight::amber), lightSign(ImportLight::red));
 }
 
+/// Else the page would show how complete the one before was.
+TEST_F(ImportOverviewTest, anImportThatTheTrailDoesNotTellOfIsToldByItsSummary) {
+    addRow("ada", "Chrome", "Default");
+    addFile(ArtefactState::complete);
+    endImport();
+    ImportSummary summary;
+    summary.lastBefore = lastRow();
+    addRow("ben", "Firefox", "x");
+    addRow("ben", "Firefox", "x");
+    summary.artefacts.resize(3);
+    summary.artefacts[0].path = "/mnt/b/places.sqlite";
+    summary.artefacts[0].state = ArtefactState::complete;
+    summary.artefacts[1].path = "/mnt/b/Cookies.plist";
+    summary.artefacts[1].state = ArtefactState::notReadYet;
+    summary.gaps.unreadable.push_back({"/mnt/b/locked", "permission denied"});
+    Unwatched nobody;
+    ImportOverview found;
+    ASSERT_EQ(loadImportOverview(project.connection(), summary, nobody, found), Walk::Finished);
+    EXPECT_EQ(lightOf(found), ImportLight::red);
+    EXPECT_EQ(headlineOf(found), "2 records from 1 profile of 1 person, 1 file read");
+    EXPECT_EQ(lightText(found),
+              "The case trail doesn't tell of this import. 2 others were not read.");
+    EXPECT_EQ(found.found, 3U);
+    EXPECT_EQ(found.gaps.size(), 2U);
+    EXPECT_EQ(found.end.notReached, 1U);
+    ASSERT_FALSE(notesOf(found).empty());
+
+    addFile(ArtefactState::complete, "/mnt/b/places.sqlite");
+    endImport();
+    summary.isNoted = true;
+    ASSERT_EQ(loadImportOverview(project.connection(), summary, nobody, found), Walk::Finished);
+    EXPECT_EQ(lightOf(found), ImportLight::green) << "the trail's word counts";
+    summary.failure = "the disk is full";
+    ASSERT_EQ(loadImportOverview(project.connection(), summary, nobody, found), Walk::Finished);
+    EXPECT_EQ(lightOf(found), ImportLight::red) << "of what follows on the reading";
+}
+
 } // namespace
 } // namespace nv::test

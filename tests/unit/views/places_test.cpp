@@ -214,6 +214,62 @@ TEST_F(PlacesTest, manyPlacesCostNoSquare) {
     EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(20));
 }
 
+/// Chosen together they have a base folder in common, which says nothing of either.
+TEST_F(PlacesTest, eachChosenFolderIsANode) {
+    const auto keep = [this](const char *name, const char *kept) {
+        insert("DefaultSettings", {{"DefaultName", name}, {"DefaultValue", kept}});
+    };
+    const auto from = [this](std::int64_t source, const char *path, const char *root) {
+        last = static_cast<std::int32_t>(
+            add({{"SourceFile_ID", source}, {"HistoryFilePath", path}, {"RootPath", root}}));
+    };
+    const auto file = [this](const char *path) {
+        return insert("SourceFiles", {{"FilePath", std::string(path)}});
+    };
+    const std::int64_t inA = file("/ev/a/History");
+    const std::int64_t page = file("/ev/b/page.htm");
+    const std::int64_t cache = file("/ev/b/cache2");
+    const std::int64_t elsewhere = file("/elsewhere/x");
+    keep("EvidenceFolder1", "/ev/a");
+    from(inA, "/ev/a/History", "/ev/");
+    from(page, "", "/ev/");
+    EXPECT_THAT(linesOf(load().evidence), ElementsAre("/ev/ 2", "-Other 2"))
+        << "a project with one folder stays as it is";
+    keep("EvidenceFolder2", "/ev/b/sub");
+    keep("EvidenceFolder3", "/ev/b");
+    keep("EvidenceFolder4", "/ev/b2");
+    keep("EvidenceFolder7", "/other/cache-x");
+    keep("EvidenceFolder5", "/other/cache2");
+    from(inA, "/ev/b/History", "/ev/"); // the same bytes, so the same source
+    from(cache, "/ev/b/sub/x", "/ev/"); // within a folder that was chosen too
+    from(inA, "/moved/a/History", "/moved/");
+    from(elsewhere, "/ev/b2/History", "/");
+    from(elsewhere, "/other/cache2", "/");    // a folder that is read as one
+    from(elsewhere, "/ev/c/History", "/ev/"); // of an earlier build, which kept no folders
+    from(elsewhere, "", "");
+    last = static_cast<std::int32_t>(add({{"SourceFile_ID", inA}, // a page with the same bytes
+                                          {"CacheFileRelativePath", "b2/page.htm"},
+                                          {"RootPath", "/ev/"}}));
+    std::vector<std::string> nodes;
+    for (const PlaceNode &node : load().evidence)
+        nodes.push_back(fmt::format("{} {}", placeName(node.term), node.records));
+    EXPECT_THAT(nodes, ElementsAre("(no folder) 1", "/ev/ 1", "/ev/a/ 2", "/ev/b/ 3", "/ev/b2/ 2",
+                                   "/other/cache2/ 1"));
+    expectCountsHold(places.evidence, {});
+    keep("EvidenceFolder8", "/ev/c");
+    EXPECT_THAT(rowsOf({{{{{PlaceField::Evidence, "/ev/c/"}}}}, {}}), ElementsAre(8))
+        << "what a later import adds is known at once";
+}
+
+/// A project of a build before doesn't know its folders, and says so by its base folder.
+TEST_F(PlacesTest, aProjectWithoutFoldersHasItsBaseFolder) {
+    addRow({"ada", "Edge", "Default", "Chrome Cache", "a.example", "/ev/"});
+    last = 1;
+    db().exec("DROP TABLE SourceFiles");
+    EXPECT_THAT(linesOf(load().evidence).front(), "/ev/ 1");
+    EXPECT_THAT(rowsOf({{{{{PlaceField::Evidence, "/ev/"}}}}, {}}), ElementsAre(1));
+}
+
 TEST_F(PlacesTest, hashSetsAreATreeOfTheirOwn) {
     for (const char *host : {"a.example", "b.example", "c.example"})
         addRow({"ada", "Edge", "Default", "IE CACHE", host});
