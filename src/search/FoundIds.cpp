@@ -1,5 +1,7 @@
 #include "search/FoundIds.h"
 
+#include "search/IdBits.h"
+
 #include <algorithm>
 #include <iterator>
 
@@ -25,46 +27,6 @@ FoundIds without(const FoundIds &all, const FoundIds &taken) {
 }
 
 namespace {
-
-constexpr std::size_t kMostBits = 256; // an id, so that the bits are few beside the rows
-
-/// From the least id to the greatest one.
-struct IdRange {
-    std::int32_t first = 0;
-    std::int32_t last = 0;
-
-    std::size_t size() const { return static_cast<std::size_t>(std::int64_t{last} - first) + 1; }
-    bool isWideFor(std::size_t ids) const { return size() / kMostBits > ids; }
-};
-
-/// Which ids of a range are there, a bit each.
-class IdBits {
-  public:
-    IdBits(const std::vector<std::int32_t> &ids, const IdRange &range)
-        : m_first(range.first), m_bits(range.size(), false) {
-        for (const std::int32_t id : ids)
-            m_bits[placeOf(id)] = true;
-    }
-    bool has(std::int32_t id) const {
-        return id >= m_first && placeOf(id) < m_bits.size() && m_bits[placeOf(id)];
-    }
-    /// Ascending.
-    std::vector<std::int32_t> ids() const {
-        std::vector<std::int32_t> all;
-        for (std::size_t place = 0; place < m_bits.size(); ++place)
-            if (m_bits[place])
-                all.push_back(
-                    static_cast<std::int32_t>(m_first + static_cast<std::int64_t>(place)));
-        return all;
-    }
-
-  private:
-    std::size_t placeOf(std::int32_t id) const {
-        return static_cast<std::size_t>(std::int64_t{id} - m_first);
-    }
-    std::int32_t m_first;
-    std::vector<bool> m_bits;
-};
 
 /// Looking each row up in a long list would take most of the time in which millions are narrowed.
 void eraseWhere(const FoundIds &found, bool isFound, std::vector<std::int32_t> &list) {

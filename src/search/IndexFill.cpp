@@ -10,6 +10,7 @@
 #include <bit>
 #include <charconv>
 #include <limits>
+#include <utility>
 
 namespace nv {
 
@@ -65,16 +66,28 @@ bool IndexFill::run(TaskMonitor &task) {
         return false;
     // Numbers of a pass that was cut short are never given again.
     index_file::setFact(m_index, "round", std::to_string(m_round + 1));
-    bool goesOn = true;
-    while (goesOn && m_reader.next()) {
-        passOver(m_reader.row().id);
-        look(m_reader.row());
-        goesOn = task.advance(m_reader.fraction());
-    }
-    if (goesOn)
-        passOver(std::numeric_limits<std::int32_t>::max());
+    const bool goesOn = lookAtAll(task);
     keepUnread();
     return goesOn;
+}
+
+/// False when cancelled.
+bool IndexFill::lookAtAll(TaskMonitor &task) {
+    RowsAhead rows(m_reader);
+    for (RowBatch batch = rows.next();; batch = rows.next()) {
+        if (batch.unread)
+            m_unread = *std::move(batch.unread);
+        for (const PrintedRow &each : batch.rows) {
+            passOver(each.row.id);
+            look(each);
+            if (!task.advance(batch.fraction))
+                return false;
+        }
+        if (batch.rows.empty())
+            break;
+    }
+    passOver(std::numeric_limits<std::int32_t>::max());
+    return true;
 }
 
 /// Rows before this one that the index knows and the project doesn't have. Of those that can't be
@@ -82,7 +95,7 @@ bool IndexFill::run(TaskMonitor &task) {
 void IndexFill::passOver(std::int32_t before) {
     for (; m_next < m_known.size() && m_known[m_next].id < before; ++m_next) {
         const Known &known = m_known[m_next];
-        if (m_reader.unread().contains(known.id))
+        if (m_unread.contains(known.id))
             continue;
         bury(known);
         m_remove.bind(1, known.id);
@@ -92,8 +105,8 @@ void IndexFill::passOver(std::int32_t before) {
     }
 }
 
-void IndexFill::look(const SearchedRow &row) {
-    const std::uint64_t print = printOf(row);
+void IndexFill::look(const PrintedRow &printed) {
+    const auto &[row, print] = printed;
     if (m_next >= m_known.size() || m_known[m_next].id != row.id) {
         ++m_added;
         return insert(row, print);

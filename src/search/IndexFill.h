@@ -1,12 +1,13 @@
 #pragma once
 
 #include "base/TaskMonitor.h"
-#include "search/SearchedRowReader.h"
+#include "search/RowsAhead.h"
 
 #include <SQLiteCpp/Statement.h>
 
 #include <cstdint>
 #include <optional>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -20,7 +21,8 @@ class IndexFill {
     /// With `parts` there is a table of parts; with `fillsParts` it is still empty.
     IndexFill(SQLite::Database &project, SQLite::Database &index, bool parts, bool fillsParts);
 
-    /// False when cancelled; what was done up to then holds.
+    /// False when cancelled; what was done up to then holds. Rows are read in a thread of their own:
+    /// nobody else may use the project's connection meanwhile, and so mayn't the task.
     bool run(TaskMonitor &task);
 
     std::int64_t added() const { return m_added; }
@@ -38,8 +40,9 @@ class IndexFill {
     };
 
     bool load(TaskMonitor &task);
+    bool lookAtAll(TaskMonitor &task);
     void passOver(std::int32_t before);
-    void look(const SearchedRow &row);
+    void look(const PrintedRow &printed);
     void bury(const Known &known);
     void insert(const SearchedRow &row, std::uint64_t print);
     void insertParts(const SearchedRow &row, std::int32_t round);
@@ -47,6 +50,7 @@ class IndexFill {
 
     SQLite::Database &m_index;
     SearchedRowReader m_reader;
+    std::set<std::int32_t> m_unread; ///< of the rows up to those in hand
     bool m_fillsParts;
     std::int32_t m_round = 0; ///< of this pass: the upper half of its numbers
     std::vector<Known> m_known;

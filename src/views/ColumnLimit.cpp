@@ -7,6 +7,7 @@
 #include "search/FoundIds.h"
 #include "views/CellText.h"
 #include "views/GatheredTexts.h"
+#include "views/NarrowIndex.h"
 #include "views/UrlQuery.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>
@@ -48,20 +49,22 @@ std::string_view sourceOf(UrlColumn column) {
     return isOfZone ? factsOf(UrlColumn::ActionDateUtc).source : factsOf(column).source;
 }
 
-/// The types as the table shows them; rows that lie side by side often have the same one.
+/// The types as the table shows them; the same few come again and again.
 class TypeWords {
   public:
     std::string_view of(std::string_view cacheType) {
-        if (m_shown.empty() || cacheType != m_stored) {
-            m_stored = cacheType;
-            m_shown = typeWord(cacheType);
+        auto known = m_words.find(cacheType);
+        if (known == m_words.end()) {
+            if (m_words.size() == kMostKnown)
+                m_words.clear();
+            known = m_words.emplace(cacheType, typeWord(cacheType)).first;
         }
-        return m_shown;
+        return known->second;
     }
 
   private:
-    std::string m_stored;
-    std::string m_shown;
+    static constexpr std::size_t kMostKnown = 1000; // words come from evidence
+    std::unordered_map<std::string, std::string, TextHash, std::equal_to<>> m_words;
 };
 
 using Look = std::function<void(std::int32_t, std::string_view)>;
@@ -77,9 +80,10 @@ Walk walkGathered(SQLite::Database &project, const RowIds &ids, UrlColumn column
     return Walk::Finished;
 }
 
-/// Calls `look` with the value of each row that can be read.
-Walk walkValues(SQLite::Database &project, const RowIds &sorted, UrlColumn column,
-                TaskMonitor &task, const Look &look) {
+/// Calls `look` with the value of each row that can be read, in the order of their ids.
+Walk walkRows(SQLite::Database &project, const RowIds &ids, UrlColumn column, TaskMonitor &task,
+              const Look &look) {
+    const RowIds sorted = sortedIds(ids);
     if (isGathered(column))
         return walkGathered(project, sorted, column, task, look);
     const UrlColumnFacts &facts = factsOf(column);
@@ -109,6 +113,52 @@ Walk walkValues(SQLite::Database &project, const RowIds &sorted, UrlColumn colum
     }
     return Walk::Finished;
 }
+
+/// The same by an index, in any order.
+NarrowWalk walkIndex(SQLite::Database &project, const RowIds &ids, UrlColumn column,
+                     TaskMonitor &task, const Look &look) {
+    if (isGathered(column))
+        return NarrowWalk::Impossible;
+    const bool isType = factsOf(column).rule == CellRule::Type;
+    TypeWords types;
+    return walkNarrow(project, {sourceOf(column)}, ids, task, [&](const NarrowRow &row) {
+        look(row.id(), isType ? types.of(row.text(0)) : row.text(0));
+    });
+}
+
+/// How often each value came.
+class ValueCounts {
+  public:
+    void add(std::string_view value) {
+        if (m_last == m_counts.end() || m_last->first != value)
+            m_last = m_counts.find(value);
+        if (m_last == m_counts.end() && m_counts.size() < kMostValues)
+            m_last = m_counts.emplace(value, 0).first;
+        if (m_last != m_counts.end())
+            ++m_last->second;
+        else
+            m_isCut = true;
+    }
+    /// There were more values than are counted: which of them depends on who came first.
+    bool isCut() const { return m_isCut; }
+    CountedValues most(std::size_t most) const {
+        CountedValues counted{{m_counts.begin(), m_counts.end()}, m_isCut};
+        std::ranges::sort(counted.values, [](const auto &one, const auto &other) {
+            return one.second != other.second ? one.second > other.second : one.first < other.first;
+        });
+        if (counted.values.size() > most) {
+            counted.values.resize(most);
+            counted.isCut = true;
+        }
+        return counted;
+    }
+
+  private:
+    using Counts = std::unordered_map<std::string, std::int64_t, TextHash, std::equal_to<>>;
+    Counts m_counts;
+    Counts::iterator m_last = m_counts.end(); ///< rows side by side often say the same
+    bool m_isCut = false;
+};
 
 bool isWithin(std::string_view text, const ColumnLimit &limit) {
     double days = 0;
@@ -152,56 +202,95 @@ ColumnValues valuesOf(UrlColumn column) {
     }
 }
 
+namespace {
+
+/// Whether a value meets a limit.
+class ValueTest {
+  public:
+    explicit ValueTest(const ColumnLimit &limit)
+        : m_limit(limit), m_wanted(limit.oneOf.value_or(std::vector<std::string>())),
+          m_part(foldedCase(limit.part)) {
+        std::ranges::sort(m_wanted);
+    }
+    bool meets(std::string_view value) {
+        if (!m_last || *m_last != value) {
+            m_meets = looked(value);
+            m_last = value;
+        }
+        return m_meets;
+    }
+
+  private:
+    bool looked(std::string_view value) {
+        if (m_limit.oneOf && !std::ranges::binary_search(m_wanted, value, std::less<>()))
+            return false;
+        if (!m_part.empty()) {
+            m_folded.fold(value);
+            if (m_folded.text().find(m_part) == std::string::npos)
+                return false;
+        }
+        const bool isRange = m_limit.from || m_limit.to;
+        return (!isRange || isBetween(value, m_limit)) &&
+               (!m_limit.dates || isWithin(value, m_limit));
+    }
+
+    const ColumnLimit &m_limit;
+    std::vector<std::string> m_wanted;
+    std::string m_part;
+    FoldedText m_folded;
+    std::optional<std::string> m_last; ///< rows side by side often say the same
+    bool m_meets = false;
+};
+
+/// As walkIndex(), of a limit of dates alone: to make a text of each takes longer than to read it.
+NarrowWalk walkDates(SQLite::Database &project, const RowIds &ids, const ColumnLimit &limit,
+                     TaskMonitor &task, RowIds &out) {
+    if (limit != ColumnLimit{.column = limit.column, .dates = limit.dates})
+        return NarrowWalk::Impossible;
+    return walkNarrow(project, {sourceOf(limit.column)}, ids, task, [&](const NarrowRow &row) {
+        const auto days = row.number(0);
+        if (!days || !holds(limit.dates->within, *days))
+            out.push_back(row.id());
+    });
+}
+
+} // namespace
+
 Walk keepByColumn(SQLite::Database &project, const ColumnLimit &limit, TaskMonitor &task,
                   RowIds &ids) {
-    const RowIds sorted = sortedIds(ids);
-    std::vector<std::string> wanted = limit.oneOf.value_or(std::vector<std::string>());
-    std::ranges::sort(wanted);
-    const std::string part = foldedCase(limit.part);
-    const bool isRange = limit.from || limit.to;
-    FoldedText folded;
+    ValueTest test(limit);
     RowIds out;
-    const Walk walk = walkValues(
-        project, sorted, limit.column, task, [&](std::int32_t id, std::string_view value) {
-            bool meets = !limit.oneOf || std::ranges::binary_search(wanted, value, std::less<>());
-            if (meets && !part.empty()) {
-                folded.fold(value);
-                meets = folded.text().find(part) != std::string::npos;
-            }
-            meets = meets && (!isRange || isBetween(value, limit));
-            if (!meets || (limit.dates && !isWithin(value, limit)))
-                out.push_back(id);
-        });
-    if (walk == Walk::Cancelled)
-        return walk;
-    leaveOut(out, ids);
+    const auto look = [&](std::int32_t id, std::string_view value) {
+        if (!test.meets(value))
+            out.push_back(id);
+    };
+    const NarrowWalk byIndex = limit.dates ? walkDates(project, ids, limit, task, out)
+                                           : walkIndex(project, ids, limit.column, task, look);
+    if (byIndex == NarrowWalk::Cancelled)
+        return Walk::Cancelled;
+    if (byIndex == NarrowWalk::Impossible) {
+        out.clear();
+        if (walkRows(project, ids, limit.column, task, look) == Walk::Cancelled)
+            return Walk::Cancelled;
+    }
+    leaveOut(sortedIds(out), ids);
     return Walk::Finished;
 }
 
 Walk countValues(SQLite::Database &project, const RowIds &ids, UrlColumn column, std::size_t most,
                  TaskMonitor &task, CountedValues &counted) {
-    const RowIds sorted = sortedIds(ids);
-    std::unordered_map<std::string, std::int64_t, TextHash, std::equal_to<>> counts;
-    auto last = counts.end(); // rows that lie side by side often say the same
-    const Walk walk =
-        walkValues(project, sorted, column, task, [&](std::int32_t, std::string_view value) {
-            if (last == counts.end() || last->first != value)
-                last = counts.find(value);
-            if (last == counts.end() && counts.size() < kMostValues)
-                last = counts.emplace(value, 0).first;
-            if (last != counts.end())
-                ++last->second;
-            else
-                counted.isCut = true;
-        });
-    counted.values.assign(counts.begin(), counts.end());
-    std::ranges::sort(counted.values, [](const auto &one, const auto &other) {
-        return one.second != other.second ? one.second > other.second : one.first < other.first;
-    });
-    if (counted.values.size() > most) {
-        counted.values.resize(most);
-        counted.isCut = true;
+    ValueCounts known;
+    const NarrowWalk byIndex =
+        walkIndex(project, ids, column, task,
+                  [&](std::int32_t, std::string_view value) { known.add(value); });
+    if (byIndex == NarrowWalk::Cancelled || (byIndex == NarrowWalk::Finished && !known.isCut())) {
+        counted = known.most(most);
+        return byIndex == NarrowWalk::Cancelled ? Walk::Cancelled : Walk::Finished;
     }
+    ValueCounts counts;
+    const Walk walk = walkRows(project, ids, column, task,
+                               [&](std::int32_t, std::string_view value) { counts.add(value); });
+    counted = counts.most(most);
     return walk;
 }
 

@@ -29,6 +29,8 @@ void showBuilding(TaskMonitor &task) {
     task.show(step);
 }
 
+} // namespace
+
 IndexState ensureIndex(SQLite::Database &database, TaskMonitor &task, std::string_view name,
                        std::string_view columns) {
     if (hasIndex(database, name))
@@ -41,8 +43,6 @@ IndexState ensureIndex(SQLite::Database &database, TaskMonitor &task, std::strin
         return IndexState::Damaged;
     return step == Step::Cancelled ? IndexState::Cancelled : IndexState::Made;
 }
-
-} // namespace
 
 IndexState ensureDateIndex(SQLite::Database &database, TaskMonitor &task) {
     return ensureIndex(database, task, "URLDateIndex", "URLs(ActionDateLocal)");

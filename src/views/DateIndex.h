@@ -2,6 +2,8 @@
 
 #include "base/TaskMonitor.h"
 
+#include <string_view>
+
 namespace SQLite {
 class Database;
 }
@@ -14,6 +16,11 @@ enum class IndexState {
     Cancelled,
     Damaged, ///< not all that it would hold can be read: lists do without
 };
+
+/// Makes an index when the project has none of that name: over `columns`, which name the table too.
+/// A cancel leaves the project without. Throws what the database says.
+IndexState ensureIndex(SQLite::Database &database, TaskMonitor &task, std::string_view name,
+                       std::string_view columns);
 
 /// Makes `URLDateIndex` over the local date when the project has none: with it the default query
 /// reads no rows, only the index. Call it before a load and at the end of an import. A cancel

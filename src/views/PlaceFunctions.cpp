@@ -21,14 +21,20 @@ std::string groupText(std::string_view cacheType) {
 
 using TextOfText = std::string (*)(std::string_view);
 
-/// No value counts as an empty one.
+/// No value counts as an empty one. An index gives the same one many times in a row.
 template <TextOfText Make>
 void answer(sqlite3_context *context, int, sqlite3_value **arguments) {
-    const auto *text = reinterpret_cast<const char *>(sqlite3_value_text(*arguments));
+    thread_local std::string last;
+    thread_local std::string made = Make({});
+    const auto *bytes = reinterpret_cast<const char *>(sqlite3_value_text(*arguments));
     const int size = sqlite3_value_bytes(*arguments);
-    const std::string made =
-        Make(text == nullptr ? std::string_view()
-                             : std::string_view(text, static_cast<std::size_t>(size)));
+    const std::string_view text = bytes == nullptr
+                                      ? std::string_view()
+                                      : std::string_view(bytes, static_cast<std::size_t>(size));
+    if (text != last) {
+        made = Make(text);
+        last = text;
+    }
     sqlite3_result_text64(context, made.data(), made.size(), SQLITE_TRANSIENT, SQLITE_UTF8);
 }
 

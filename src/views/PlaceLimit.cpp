@@ -5,6 +5,7 @@
 #include "db/HashLookup.h"
 #include "search/FoundIds.h"
 #include "views/EvidenceOfRow.h"
+#include "views/NarrowIndex.h"
 #include "views/PlaceFunctions.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>
@@ -120,6 +121,32 @@ class PlaceCondition {
     json m_values = json::array();
 };
 
+std::string_view columnOf(PlaceField field) {
+    switch (field) {
+    case PlaceField::Browser:
+        return "Browser";
+    case PlaceField::Group:
+    case PlaceField::Kind:
+        return "CacheType";
+    case PlaceField::Domain:
+    case PlaceField::Host:
+        return "Host";
+    default:
+        return "(of no index)";
+    }
+}
+
+Columns columnsOf(const PlaceChoice &choice) {
+    Columns columns;
+    for (const auto *limits : {&choice.only, &choice.without})
+        for (const PlaceLimit &limit : *limits)
+            for (const PlaceTerm &term : limit.terms)
+                if (const std::string_view column = columnOf(term.field);
+                    std::ranges::find(columns, column) == columns.end())
+                    columns.push_back(column);
+    return columns;
+}
+
 } // namespace
 
 std::string placeName(const PlaceTerm &term) {
@@ -165,12 +192,14 @@ IdQuery placeQuery(SQLite::Database &project, const PlaceChoice &choice) {
 Walk keepIn(SQLite::Database &project, const PlaceChoice &choice, TaskMonitor &task, RowIds &ids) {
     if (choice.isEmpty())
         return Walk::Finished;
-    FoundRows found;
-    if (findRows(project, placeQuery(project, choice), RecordFilters(), task, found) ==
+    needPlaceFunctions(project);
+    PlaceCondition condition(project);
+    const std::string text = condition.of(choice);
+    RowIds found;
+    if (findNarrow(project, columnsOf(choice), {text, condition.bound()}, task, found) ==
         Walk::Cancelled)
         return Walk::Cancelled;
-    std::ranges::sort(found.ids);
-    keepOnly(found.ids, ids);
+    keepOnly(sortedIds(found), ids);
     return Walk::Finished;
 }
 

@@ -4,10 +4,12 @@
 #include "base/Text.h"
 #include "db/Damage.h"
 #include "db/FoundHashSets.h"
+#include "db/Savepoint.h"
 #include "readers/RecordKind.h"
 #include "views/CellText.h"
 #include "views/DamagedList.h"
 #include "views/EvidenceOfRow.h"
+#include "views/NarrowIndex.h"
 #include "views/PlaceLevels.h"
 #include "views/StatementWatch.h"
 
@@ -31,10 +33,11 @@ namespace {
 class CountedTexts {
   public:
     /// Rows that lie side by side mostly say the same.
-    std::uint32_t take(std::string_view text) {
+    std::uint32_t take(std::string_view text) { return add(text, 1); }
+    std::uint32_t add(std::string_view text, std::uint64_t rows) {
         if (m_texts.empty() || text != m_texts[m_last])
             m_last = numberOf(text);
-        ++m_counts[m_last];
+        m_counts[m_last] += rows;
         return m_last;
     }
     std::size_t size() const { return m_texts.size(); }
@@ -79,8 +82,8 @@ std::string_view textIn(const SQLite::Column &column) {
     return {bytes, static_cast<std::size_t>(column.getBytes())};
 }
 
-std::string columnsOf(SQLite::Database &project) {
-    return fmt::format("{}, {}, CacheType, Host", evidenceExpression(project),
+std::string originColumns(SQLite::Database &project) {
+    return fmt::format("{}, {}, CacheType", evidenceExpression(project),
                        hasOriginColumns(project) ? "Person, Browser, Profile" : "NULL, NULL, NULL");
 }
 
@@ -103,14 +106,19 @@ void sortGroups(std::vector<PlaceNode> &nodes) {
 
 class PlaceCounts {
   public:
-    /// False when it was cancelled.
+    /// Reads the rows that meet a condition, or all. False when it was cancelled.
     bool read(SQLite::Database &project, const std::string &condition, TaskMonitor &task) {
+        Savepoint asOneMoment(project); // what others write meanwhile counts for neither
+        const bool hasHosts = condition.empty() && readHosts(project);
         SQLite::Statement rows(project,
-                               fmt::format("SELECT {} FROM URLs{}", columnsOf(project), condition));
+                               fmt::format("SELECT {}, {} FROM URLs{}", originColumns(project),
+                                           hasHosts ? "NULL" : "Host", condition));
         StatementWatch watch(project, task);
         Step step = watch.step(rows);
         for (; step == Step::Row; step = watch.step(rows))
-            take(rows);
+            take(rows, hasHosts);
+        rows.tryReset();
+        asOneMoment.release();
         return step != Step::Cancelled;
     }
 
@@ -122,11 +130,22 @@ class PlaceCounts {
     }
 
   private:
-    void take(SQLite::Statement &row) {
+    bool readHosts(SQLite::Database &project) {
+        const bool isWhole =
+            countNarrow(project, "Host", [this](std::string_view host, std::uint64_t rows) {
+                m_texts[kHost].add(host, rows);
+            });
+        if (!isWhole)
+            m_texts[kHost] = {};
+        return isWhole;
+    }
+
+    void take(SQLite::Statement &row, bool hasHosts) {
         Origin origin{};
         for (std::size_t at = 0; at < origin.size(); ++at)
             origin.at(at) = m_texts.at(at).take(textIn(row.getColumn(static_cast<int>(at))));
-        m_texts[kHost].take(textIn(row.getColumn(static_cast<int>(kHost))));
+        if (!hasHosts)
+            m_texts[kHost].take(textIn(row.getColumn(static_cast<int>(kHost))));
         if (m_records++ == 0 || origin != m_lastOrigin) {
             m_lastOrigin = origin;
             m_last = &m_origins[origin];

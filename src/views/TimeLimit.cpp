@@ -2,6 +2,7 @@
 
 #include "search/FoundIds.h"
 #include "time/LocalSeconds.h"
+#include "views/NarrowIndex.h"
 
 #include <fmt/format.h>
 
@@ -55,16 +56,14 @@ TimeLimit limitOf(const TimeSpan &span, const TimeZone &zone, bool enableDSTChan
 
 Walk keepWithin(SQLite::Database &project, const TimeLimit &limit, TaskMonitor &task, RowIds &ids) {
     // A text, which is no date, is more than any number.
-    const IdQuery query{fmt::format("SELECT URL_ID FROM URLs WHERE ActionDateUTC >= {} AND "
-                                    "ActionDateUTC < {}",
-                                    daysBefore(limit.from, -kBeyond),
-                                    daysBefore(limit.to, kBeyond)),
-                        ""};
-    FoundRows within;
-    if (findRows(project, query, RecordFilters(), task, within) == Walk::Cancelled)
+    const IdQuery condition{fmt::format("ActionDateUTC >= {} AND ActionDateUTC < {}",
+                                        daysBefore(limit.from, -kBeyond),
+                                        daysBefore(limit.to, kBeyond)),
+                            ""};
+    RowIds within;
+    if (findNarrow(project, {"ActionDateUTC"}, condition, task, within) == Walk::Cancelled)
         return Walk::Cancelled;
-    std::ranges::sort(within.ids);
-    keepOnly(within.ids, ids);
+    keepOnly(sortedIds(within), ids);
     return Walk::Finished;
 }
 

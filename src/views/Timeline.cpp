@@ -6,13 +6,17 @@
 #include "readers/RecordKind.h"
 #include "search/FoundIds.h"
 #include "time/LocalSeconds.h"
+#include "views/NarrowIndex.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <limits>
 #include <map>
+#include <numeric>
 #include <optional>
+#include <unordered_map>
 #include <utility>
 
 namespace nv {
@@ -23,6 +27,7 @@ constexpr std::string_view kUnknownBrowser = "Unknown";
 constexpr std::string_view kOtherPart = "Other";
 /// Names of browsers come from evidence: more of them share the last part.
 constexpr std::size_t kMostParts = 64; // no more than a byte can tell apart
+constexpr std::size_t kMostKnown = 1000;
 
 std::string_view textIn(const SQLite::Column &column) {
     const char *bytes = column.getText(); // before the length, which it settles
@@ -40,16 +45,21 @@ class Parts {
     std::uint8_t of(std::string_view cacheType, std::string_view browser) {
         if (m_stack == TimeStack::none)
             return 0;
-        if (m_hasLast && cacheType == m_lastType && browser == m_lastBrowser)
-            return m_last;
-        m_lastType = cacheType;
-        m_lastBrowser = browser;
-        m_hasLast = true;
-        const std::string_view name =
-            m_stack == TimeStack::kind ? groupWord(groupOf(cacheType)) : nameOf(cacheType, browser);
-        m_last = placeOf(name);
-        return m_last;
+        const bool isByType = m_stack == TimeStack::kind || browser.empty();
+        auto &known = isByType ? m_byType : m_byBrowser;
+        m_said = isByType ? cacheType : browser;
+        if (const auto at = known.find(m_said); at != known.end())
+            return at->second;
+        if (known.size() == kMostKnown) // names come from evidence
+            known.clear();
+        const std::uint8_t place =
+            placeOf(m_stack == TimeStack::kind ? groupWord(groupOf(cacheType))
+                                               : nameOf(cacheType, browser));
+        known.emplace(m_said, place);
+        return place;
     }
+    /// More names came than there are parts: which of them have none depends on who came first.
+    bool areFull() const { return m_names.size() >= kMostParts; }
 
   private:
     static std::string_view nameOf(std::string_view cacheType, std::string_view browser) {
@@ -74,10 +84,9 @@ class Parts {
     TimeStack m_stack;
     std::vector<std::string> &m_names;
     std::map<std::string, std::uint8_t, std::less<>> m_places;
-    bool m_hasLast = false;
-    std::string m_lastType;
-    std::string m_lastBrowser;
-    std::uint8_t m_last = 0;
+    std::string m_said; ///< by the row in hand
+    std::unordered_map<std::string, std::uint8_t> m_byType;
+    std::unordered_map<std::string, std::uint8_t> m_byBrowser;
 };
 
 bool hasBrowser(SQLite::Database &project) {
@@ -100,15 +109,12 @@ Date dateIn(const SQLite::Column &column) {
     return column.isFloat() || column.isInteger() ? Date::fromDays(column.getDouble()) : Date();
 }
 
-} // namespace
-
-Walk loadEvents(SQLite::Database &project, const RowIds &ids, TimeStack stack, const TimeZone &zone,
-                bool enableDSTChanges, TaskMonitor &task, TimedEvents &events) {
+/// The rows one after the other, as they lie in the project.
+Walk eventsOfRows(SQLite::Database &project, const RowIds &ids, TimeStack stack,
+                  LocalSeconds &clock, TaskMonitor &task, TimedEvents &events) {
     const RowIds sorted = sortedIds(ids);
     SQLite::Statement row(project, eventQuery(project, stack));
     RowWalk walk(row);
-    LocalSeconds clock(zone, enableDSTChanges);
-    static_cast<void>(clock.of(Date::fromUnixSeconds(0))); // a zone that can't be is no bad row
     Parts parts(stack, events.parts);
     events.seconds.reserve(sorted.size());
     events.part.reserve(sorted.size());
@@ -131,6 +137,78 @@ Walk loadEvents(SQLite::Database &project, const RowIds &ids, TimeStack stack, c
             events.unread.insert(id);
     }
     return Walk::Finished;
+}
+
+/// Parts stand in the order in which the rows have them, whatever the order in which they were
+/// read. `firsts` are the least ids of each.
+void orderParts(const std::vector<std::int32_t> &firsts, TimedEvents &events) {
+    std::vector<std::size_t> order(events.parts.size());
+    std::iota(order.begin(), order.end(), 0);
+    std::ranges::sort(order, {}, [&](std::size_t part) { return firsts[part]; });
+    std::vector<std::string> names;
+    names.reserve(order.size());
+    std::vector<std::uint8_t> places(order.size());
+    for (const std::size_t part : order) {
+        places[part] = static_cast<std::uint8_t>(names.size());
+        names.push_back(std::move(events.parts[part]));
+    }
+    events.parts = std::move(names);
+    for (std::uint8_t &part : events.part)
+        part = places[part];
+}
+
+Columns columnsFor(TimeStack stack) {
+    switch (stack) {
+    case TimeStack::kind:
+        return {"ActionDateUTC", "CacheType"};
+    case TimeStack::browser:
+        return {"ActionDateUTC", "CacheType", "Browser"};
+    case TimeStack::none:
+        break;
+    }
+    return {"ActionDateUTC"};
+}
+
+/// The same rows by an index, without going to them. Nothing when that can't be.
+std::optional<Walk> eventsOfIndex(SQLite::Database &project, const RowIds &ids, TimeStack stack,
+                                  LocalSeconds &clock, TaskMonitor &task, TimedEvents &events) {
+    const Columns columns = columnsFor(stack);
+    Parts parts(stack, events.parts);
+    std::vector<std::int32_t> firsts(kMostParts, std::numeric_limits<std::int32_t>::max());
+    events.seconds.reserve(ids.size());
+    events.part.reserve(ids.size());
+    const auto text = [&](const NarrowRow &row, std::size_t column) {
+        return column < columns.size() ? row.text(column) : std::string_view();
+    };
+    const NarrowWalk walk = walkNarrow(project, columns, ids, task, [&](const NarrowRow &row) {
+        const auto days = row.number(0);
+        const auto second = clock.of(days ? Date::fromDays(*days) : Date());
+        events.undated += second ? 0 : 1;
+        if (!second)
+            return;
+        const std::uint8_t part = parts.of(text(row, 1), text(row, 2));
+        firsts[part] = std::min(firsts[part], row.id());
+        events.part.push_back(part);
+        events.seconds.push_back(*second);
+    });
+    if (walk == NarrowWalk::Cancelled)
+        return Walk::Cancelled;
+    if (walk == NarrowWalk::Impossible || parts.areFull())
+        return std::nullopt;
+    orderParts(firsts, events);
+    return Walk::Finished;
+}
+
+} // namespace
+
+Walk loadEvents(SQLite::Database &project, const RowIds &ids, TimeStack stack, const TimeZone &zone,
+                bool enableDSTChanges, TaskMonitor &task, TimedEvents &events) {
+    LocalSeconds clock(zone, enableDSTChanges);
+    static_cast<void>(clock.of(Date::fromUnixSeconds(0))); // a zone that can't be is no bad row
+    if (const auto walk = eventsOfIndex(project, ids, stack, clock, task, events))
+        return *walk;
+    events = {};
+    return eventsOfRows(project, ids, stack, clock, task, events);
 }
 
 TimeSpan wholeSpan(const TimedEvents &events) {

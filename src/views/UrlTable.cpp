@@ -6,6 +6,7 @@
 #include "views/DateIndex.h"
 #include "views/GatheredTexts.h"
 #include "views/MovedEvidence.h"
+#include "views/NarrowIndex.h"
 #include "views/Tagging.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>
@@ -70,6 +71,7 @@ bool UrlTable::prepareProject(TaskMonitor &task) {
     logFailureOf(m_log, kProcedure, [&] {
         goOn = mendRootPath(m_project, m_log, rootPath, task).has_value() &&
                ensureDateIndex(m_project, task) != IndexState::Cancelled &&
+               ensureNarrowIndexes(m_project, task) != IndexState::Cancelled &&
                ensureLinkIndexes(m_project, task) != IndexState::Cancelled &&
                ensureHashSetIndex(m_project, task) != IndexState::Cancelled;
     });

@@ -6,7 +6,9 @@
 #include "support/TempFolder.h"
 #include "support/TestDoubles.h"
 #include "views/ColumnLimit.h"
+#include "views/PlaceLimit.h"
 #include "views/Places.h"
+#include "views/TimeLimit.h"
 #include "views/Timeline.h"
 #include "views/UrlTable.h"
 
@@ -138,6 +140,9 @@ BENCHMARK_CAPTURE(search, fullTextFew, "477777", kAll, Step::rows)
 BENCHMARK_CAPTURE(search, fullTextPhrase, "\"page 4777\"", kAll, Step::rows)
     ->Unit(benchmark::kMillisecond)
     ->MeasureProcessCPUTime();
+BENCHMARK_CAPTURE(search, fullTextTwoOfAllFirst, "page title", kAll, Step::first)
+    ->Unit(benchmark::kMillisecond)
+    ->MeasureProcessCPUTime();
 BENCHMARK_CAPTURE(search, fullTextTwoOfAll, "page title", kAll, Step::rows)
     ->Unit(benchmark::kMillisecond)
     ->MeasureProcessCPUTime();
@@ -153,6 +158,13 @@ BENCHMARK_CAPTURE(valuesOfAHeading, host, UrlColumn::Host)
     ->Unit(benchmark::kMillisecond)
     ->MeasureProcessCPUTime();
 BENCHMARK_CAPTURE(valuesOfAHeading, kind, UrlColumn::CacheType)
+    ->Unit(benchmark::kMillisecond)
+    ->MeasureProcessCPUTime();
+
+BENCHMARK_CAPTURE(valuesOfAHeading, browser, UrlColumn::Browser)
+    ->Unit(benchmark::kMillisecond)
+    ->MeasureProcessCPUTime();
+BENCHMARK_CAPTURE(valuesOfAHeading, profile, UrlColumn::Profile)
     ->Unit(benchmark::kMillisecond)
     ->MeasureProcessCPUTime();
 
@@ -182,6 +194,38 @@ BENCHMARK_CAPTURE(times, plain, TimeStack::none)
 BENCHMARK_CAPTURE(times, byKind, TimeStack::kind)
     ->Unit(benchmark::kMillisecond)
     ->MeasureProcessCPUTime();
+
+BENCHMARK_CAPTURE(times, byBrowser, TimeStack::browser)
+    ->Unit(benchmark::kMillisecond)
+    ->MeasureProcessCPUTime();
+
+/// What a drag over the bar chooses: a third of the time.
+TimeLimit thirdOf(BenchDesk &on) {
+    TimedEvents events;
+    loadEvents(*on.project, on.table.idsOfQuery(), TimeStack::none, on.zone, false, on.task,
+               events);
+    const TimeSpan whole = wholeSpan(events);
+    return limitOf({whole.begin, whole.begin + (whole.end - whole.begin) / 3}, on.zone, false);
+}
+
+void limitByTime(benchmark::State &state) {
+    const TimeLimit third = desk() ? thirdOf(*desk()) : TimeLimit();
+    measure(state, [&third](BenchDesk &on) {
+        RowIds ids = on.table.idsOfQuery();
+        keepWithin(*on.project, third, on.task, ids);
+        return ids.size();
+    });
+}
+BENCHMARK(limitByTime)->Unit(benchmark::kMillisecond)->MeasureProcessCPUTime();
+
+void limitByPlace(benchmark::State &state) {
+    measure(state, [](BenchDesk &on) {
+        RowIds ids = on.table.idsOfQuery();
+        keepIn(*on.project, {{{{{PlaceField::Host, "www.host77.example"}}}}, {}}, on.task, ids);
+        return ids.size();
+    });
+}
+BENCHMARK(limitByPlace)->Unit(benchmark::kMillisecond)->MeasureProcessCPUTime();
 
 void places(benchmark::State &state) {
     measure(state, [](BenchDesk &on) {

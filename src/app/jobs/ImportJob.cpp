@@ -13,6 +13,7 @@
 #include "import/ImportRun.h"
 #include "views/DateIndex.h"
 #include "views/MovedEvidence.h"
+#include "views/NarrowIndex.h"
 
 #include <SQLiteCpp/Column.h>
 #include <SQLiteCpp/Database.h>
@@ -65,13 +66,15 @@ Shares sharesOf(const ImportSettings &job) {
 /// ready, and needn't write to it.
 void prepareTable(Program &program, TaskMonitor &task, Shares shares) {
     SQLite::Database &project = program.state.projectDB.connection();
-    const double each = (shares.preparing - shares.reading) / 3;
+    const double each = (shares.preparing - shares.reading) / 4;
     SubTask moving(task, shares.reading, shares.reading + each);
     SubTask dates(task, shares.reading + each, shares.reading + 2 * each);
-    SubTask links(task, shares.reading + 2 * each, shares.preparing);
+    SubTask narrow(task, shares.reading + 2 * each, shares.reading + 3 * each);
+    SubTask links(task, shares.reading + 3 * each, shares.preparing);
     onProject(project, [&] {
         mendRootPath(project, program.log, textOf(program.state.rootPath), moving);
         ensureDateIndex(project, dates);
+        ensureNarrowIndexes(project, narrow);
         ensureLinkIndexes(project, links);
     });
 }
