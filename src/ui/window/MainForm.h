@@ -14,6 +14,7 @@
 
 #include <functional>
 #include <memory>
+#include <utility>
 #include <vector>
 
 class QStackedWidget;
@@ -77,11 +78,17 @@ class MainForm final : public QMainWindow, public ProjectView {
     void runTask(const TaskHeading &heading, const std::function<void(TaskMonitor &)> &work);
     /// Makes the parts of the window that have a topic of their own.
     void addParts();
+    template <class Part, class... Args>
+    Part &addPart(Args &&...args) {
+        auto part = std::make_unique<Part>(std::forward<Args>(args)...);
+        Part &made = *part;
+        m_parts.push_back(std::move(part));
+        return made;
+    }
     bool isProjectOpen() const { return m_program.state.projectDB.isOpen(); }
 
     void showErrorLog();
     void showAbout();
-    void chooseTheme(Theme theme);
     void showQuickQueries();
     void showNotice(const QString &text);
     void showStatus();
