@@ -11,6 +11,7 @@ ViewerFrame::ViewerFrame(const char *name, QWidget &content, QWidget *parent)
     : QWidget(parent), m_content(&content) {
     setObjectName(QLatin1String(name));
     m_controls = new QWidget;
+    m_controls->setObjectName(QStringLiteral("viewerControls"));
     m_bar = new QHBoxLayout(m_controls);
     m_bar->setContentsMargins(6, 4, 6, 4);
     m_reason = newLabel("labViewerReason");

@@ -14,9 +14,11 @@
 #include "ui/views/DroppedUrls.h"
 #include "ui/views/StepsPane.h"
 #include "ui/views/TableTab.h"
+#include "ui/window/AreasPart.h"
 #include "ui/window/CopyPart.h"
 #include "ui/window/ExportPart.h"
 #include "ui/window/FilesPart.h"
+#include "ui/window/FocusRing.h"
 #include "ui/window/GuidePart.h"
 #include "ui/window/OptionsPart.h"
 #include "ui/window/RebuildPart.h"
@@ -51,6 +53,7 @@ MainForm::MainForm(Program &program, WindowDialogs &dialogs)
     : m_program(program), m_dialogs(dialogs), m_commands(program, dialogs, *this), m_actions(this),
       m_menus(*this, m_actions) {
     nameComboBoxes();
+    FocusRings::show();
     setObjectName(QStringLiteral("MainForm"));
     setWindowIcon(icon("norvelane-logo"));
     setAcceptDrops(true);
@@ -61,6 +64,7 @@ MainForm::MainForm(Program &program, WindowDialogs &dialogs)
     m_pages->addWidget(m_welcome);
     m_pages->addWidget(newProjectPage());
     setCentralWidget(m_pages);
+    m_areas = &addPart<AreasPart>(*m_bench, *this);
     connectWindowActions();
     connectEditActions();
     connectOtherActions();
@@ -76,6 +80,7 @@ MainForm::MainForm(Program &program, WindowDialogs &dialogs)
 
 MainForm::~MainForm() {
     m_program.task.watcher = nullptr;
+    m_areas = nullptr; // it goes before the controls do
 }
 
 QWidget *MainForm::newProjectPage() {
@@ -218,6 +223,10 @@ void MainForm::unlockControls() {
         m_focusBeforeLock->setFocus();
     else
         m_table->grid().setFocus();
+}
+
+bool MainForm::focusNextPrevChild(bool next) {
+    return m_areas ? m_areas->goToStop(next) : QMainWindow::focusNextPrevChild(next);
 }
 
 void MainForm::closeEvent(QCloseEvent *event) {

@@ -21,6 +21,7 @@ class QStackedWidget;
 
 namespace nv {
 
+class AreasPart;
 class FilesPart;
 class RebuildPart;
 class RecordArea;
@@ -61,6 +62,7 @@ class MainForm final : public QMainWindow, public ProjectView {
     void showUpgradeWizard(const std::filesystem::path &project) override;
 
   protected:
+    bool focusNextPrevChild(bool next) override;
     void closeEvent(QCloseEvent *event) override;
     void dragEnterEvent(QDragEnterEvent *event) override;
     void dropEvent(QDropEvent *event) override;
@@ -111,6 +113,7 @@ class MainForm final : public QMainWindow, public ProjectView {
     std::vector<std::unique_ptr<QObject>> m_parts; ///< go before the bench
     RebuildPart *m_rebuild = nullptr;
     FilesPart *m_files = nullptr;
+    AreasPart *m_areas = nullptr; ///< when all that stands in the window is there
     StatusLine m_status{*statusBar()};
     WindowTitle m_title{*this};
     int m_locks = 0;
