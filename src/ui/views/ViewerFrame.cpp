@@ -1,5 +1,7 @@
 #include "ui/views/ViewerFrame.h"
 
+#include "ui/views/NoRow.h"
+
 #include <QBoxLayout>
 #include <QKeyEvent>
 #include <QLabel>
@@ -41,7 +43,7 @@ QLabel *ViewerFrame::newLabel(const char *name) {
 }
 
 void ViewerFrame::showReason(const QString &text) {
-    m_reason->setText(text);
+    m_reason->setText(text.isEmpty() ? noRowText() : text);
     m_pages->setCurrentWidget(m_reason);
     m_controls->setEnabled(false);
     showNotice({});
