@@ -51,7 +51,8 @@ void setEverywhere(QPalette &palette, const Colours &colours) {
 QPalette paletteOf(const Colours &colours) {
     QPalette palette(QColor::fromRgb(colours.button), QColor::fromRgb(colours.window));
     setEverywhere(palette, colours);
-    for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText})
+    for (const auto role :
+         {QPalette::WindowText, QPalette::Text, QPalette::ButtonText, QPalette::PlaceholderText})
         palette.setColor(QPalette::Disabled, role, QColor::fromRgb(colours.disabled));
     palette.setColor(QPalette::Disabled, QPalette::Highlight, QColor::fromRgb(colours.mid));
     return palette;
