@@ -2,6 +2,7 @@
 
 #include "base/Text.h"
 #include "db/BindId.h"
+#include "db/ReadOnlyConnection.h"
 #include "views/UrlQuery.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>
@@ -55,6 +56,7 @@ std::optional<ViewedRecord> viewedRecord(SQLite::Database &project, UrlId url) {
     record.isNoted = row.getColumn(3).getInt() != 0;
     record.hasSource = row.getColumn(4).getInt() != 0;
     record.isLinked = row.getColumn(5).getInt() != 0;
+    record.mayNote = !isReadOnly(project);
     return record;
 }
 
@@ -76,6 +78,10 @@ bool hasSomething(Viewer viewer, const ViewedRecord &record) {
         return record.isNoted;
     }
     return false;
+}
+
+bool isOfUse(Viewer viewer, const ViewedRecord &record) {
+    return hasSomething(viewer, record) || (viewer == Viewer::Notes && record.mayNote);
 }
 
 std::optional<Viewer> bestViewer(const ViewedRecord &record) {

@@ -38,6 +38,7 @@ struct ViewedRecord {
     bool isRebuilt = false;
     bool isLinked = false; ///< link analysis has found a pair with it
     bool isNoted = false;
+    bool mayNote = false;   ///< a note can be written to it
     bool hasSource = false; ///< a file in whose bytes the record stands
 };
 
@@ -46,6 +47,8 @@ std::optional<ViewedRecord> viewedRecord(SQLite::Database &project, UrlId url);
 
 /// Whether the pane has something for the record.
 bool hasSomething(Viewer viewer, const ViewedRecord &record);
+/// Whether it has something, or something can be written in it.
+bool isOfUse(Viewer viewer, const ViewedRecord &record);
 
 /// The pane that shows the content best: pages as pages, pictures as pictures, other texts as text.
 /// Nothing where no content is: whichever pane is in front then stays there.

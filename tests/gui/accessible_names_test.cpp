@@ -1,8 +1,16 @@
 #include "gui/Boxes.h"
 #include "gui/Desk.h"
 
+#include <QAbstractButton>
 #include <QComboBox>
 #include <QDialog>
+#include <QGroupBox>
+#include <QLabel>
+#include <QMenu>
+#include <QMenuBar>
+#include <QPointer>
+
+#include <map>
 
 // What a screen reader is told: the tree of accessible objects, not the widgets behind it.
 namespace nv {
@@ -36,6 +44,48 @@ QStringList namelessIn(QWidget &window) {
 
 } // namespace
 
+namespace {
+
+/// The letters of what stands in a window at once, each with the controls that have it.
+QStringList sharedLettersIn(const QWidget &window) {
+    std::map<QString, QStringList> taken;
+    for (const QWidget *each : window.findChildren<QWidget *>()) {
+        if (!each->isVisible() || each->window() != &window)
+            continue;
+        const auto *label = qobject_cast<const QLabel *>(each);
+        const auto *button = qobject_cast<const QAbstractButton *>(each);
+        const auto *group = qobject_cast<const QGroupBox *>(each);
+        const QString text = label && label->buddy() ? label->text()
+                             : button                ? button->text()
+                             : group                 ? group->title()
+                                                     : QString();
+        if (const QString key = QKeySequence::mnemonic(text).toString(); !key.isEmpty())
+            taken[key] += text;
+    }
+    QStringList shared;
+    for (const auto &[key, texts] : taken)
+        if (texts.size() > 1)
+            shared += key + u' ' + texts.join(u'/');
+    return shared;
+}
+
+/// What of a window a screen reader doesn't name, and letters that lead to two places.
+QStringList faultsIn(QWidget &window) {
+    return namelessIn(window) + sharedLettersIn(window);
+}
+
+/// All below the menu bar.
+void collectActions(const QList<QAction *> &actions, std::vector<QPointer<QAction>> &found) {
+    for (QAction *action : actions) {
+        if (action->menu())
+            collectActions(action->menu()->actions(), found);
+        else if (!action->isSeparator())
+            found.emplace_back(action);
+    }
+}
+
+} // namespace
+
 class AccessibleNamesTest : public QObject {
     Q_OBJECT
 
@@ -45,6 +95,7 @@ class AccessibleNamesTest : public QObject {
     void everyBoxOfTheWindowHasAName();
     void everyBoxOfADialogHasAName_data();
     void everyBoxOfADialogHasAName();
+    void everyDialogOfTheMenusHasNamesAndLettersOfItsOwn();
     void everyBoxOfTheOtherWindowsHasAName();
     void everyBoxOfTheChoiceOfAPartHasAName();
     void aComboBoxSaysItsNameAndItsValue();
@@ -101,9 +152,39 @@ void AccessibleNamesTest::everyBoxOfADialogHasAName() {
     QCOMPARE(nameless, QStringList());
 }
 
+/// Each command that ends with dots asks for something: a dialog comes, or a choice of files.
+void AccessibleNamesTest::everyDialogOfTheMenusHasNamesAndLettersOfItsOwn() {
+    std::vector<QPointer<QAction>> actions; // some come anew with what is done
+    collectActions(m_form->menuBar()->actions(), actions);
+    std::set<QString> came;
+    QStringList faults;
+    m_desk->dialogs.answer.reset(); // choices of files are given up
+    for (const QPointer<QAction> &action : actions) {
+        if (!action || !action->text().endsWith(QStringLiteral("...")) || !action->isEnabled())
+            continue;
+        const QString name = action->objectName();
+        QTimer closing;
+        connect(&closing, &QTimer::timeout, this, [&] {
+            auto *dialog = qobject_cast<QDialog *>(QApplication::activeModalWidget());
+            if (!dialog)
+                return;
+            came.insert(name);
+            for (const QString &fault : faultsIn(*dialog))
+                faults += name + QStringLiteral(": ") + fault;
+            dialog->reject();
+        });
+        closing.start(20);
+        action->trigger();
+        QTest::qWait(30);
+    }
+    QVERIFY2(faults.isEmpty(), qPrintable(faults.join(u'\n')));
+    QVERIFY2(came.size() >= 14, qPrintable(QString::number(came.size())));
+}
+
 void AccessibleNamesTest::everyBoxOfTheOtherWindowsHasAName() {
     for (const auto &dialog : furtherDialogs()) {
-        const QStringList nameless = namelessIn(*dialog);
+        dialog->show();
+        const QStringList nameless = faultsIn(*dialog);
         QVERIFY2(nameless.isEmpty(), qPrintable(dialog->objectName() + nameless.join(u'|')));
     }
     QCOMPARE(namelessIn(m_desk->status), QStringList());

@@ -35,6 +35,7 @@ class PlacesTest : public QObject {
     void cleanup();
 
     void theTreesCountTheRows();
+    void aTextThatNoPlaceHasIsSaid();
     void aClickShowsTheRowsOfAPlaceOnly();
     void ctrlAddsAndTakesAway();
     void keysChooseToo();
@@ -128,6 +129,18 @@ void PlacesTest::theTreesCountTheRows() {
     QCOMPARE(records(QStringLiteral("Evidence")), QString());
     QTRY_VERIFY(child<QLabel>(pane(), "labPlacesNote").isHidden());
     shot("places-wide");
+}
+
+/// An empty tree says why it is empty.
+void PlacesTest::aTextThatNoPlaceHasIsSaid() {
+    auto &filter = child<QLineEdit>(pane(), "txtPlaceFilter");
+    auto &none = child<QLabel>(pane(), "labNoPlace");
+    QVERIFY(none.isHidden());
+    filter.setText(QStringLiteral("nowhere"));
+    QVERIFY(none.isVisible());
+    QVERIFY(none.text().contains(QStringLiteral("Clear the box")));
+    filter.clear();
+    QVERIFY(none.isHidden());
 }
 
 void PlacesTest::aClickShowsTheRowsOfAPlaceOnly() {
@@ -287,7 +300,7 @@ void PlacesTest::tabsWithNothingAreDim() {
     QVERIFY(!isDim("HexPane"));
     QVERIFY(isDim("TextPane"));
     QVERIFY(isDim("AuditPane"));
-    QVERIFY(isDim("NotesPane"));
+    QVERIFY(!isDim("NotesPane")); // a note can be written
     goTo(3);
     QVERIFY(isDim("PicturePane"));
     QVERIFY(!isDim("TextPane"));

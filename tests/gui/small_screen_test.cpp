@@ -7,6 +7,7 @@
 
 #include <QCommandLinkButton>
 #include <QDialog>
+#include <QHeaderView>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
@@ -30,6 +31,7 @@ class SmallScreenTest : public QObject {
     void theListOfTagsFitsBesideThePlaces();
     void theBoxesOverBytesAreWideEnough_data();
     void theBoxesOverBytesAreWideEnough();
+    void rowsAreReadUpToTheirAddress();
     void longNamesDontWidenIt();
     void aLongProjectNameLeavesTheStepsTheirRoom();
     void theStepsOfAnEmptyProjectFit();
@@ -154,6 +156,34 @@ void SmallScreenTest::dialogsFit() {
     QVERIFY2(size.width() <= m_form->screen()->availableSize().width(),
              qPrintable(QString::number(size.width())));
     QVERIFY(size.height() <= m_form->screen()->availableSize().height());
+}
+
+/// With the places beside it, there is no room for all columns at 1280 by 800.
+void SmallScreenTest::rowsAreReadUpToTheirAddress() {
+    child<QAction>(*m_form, "actPlaces").setChecked(true);
+    m_form->resize(1280, 800);
+    m_desk->program.state.projectDB.connection().exec(
+        "UPDATE URLs SET URL = 'http://www.harbour-news.example/a/long/way/to/it.html', "
+        "WebPageTitle = 'Tide tables of the harbour and of its moles', Host = "
+        "'www.harbour-news.example', Browser = 'Internet Explorer', Person = 'mara of the "
+        "harbour'");
+    trigger(*m_form, "actRefresh");
+    trigger(*m_form, "actLayoutFit");
+    QApplication::processEvents();
+    const UrlGrid &grid = child<TableTab>(*m_form, "TableTab").grid();
+    const QHeaderView &header = *grid.horizontalHeader();
+    const int room = grid.viewport()->width();
+    for (const UrlColumn column :
+         {UrlColumn::LocalDate, UrlColumn::Host, UrlColumn::WebpageTitle, UrlColumn::Value}) {
+        const int section = UrlModel::sectionOf(column);
+        const int right = header.sectionViewportPosition(section) + header.sectionSize(section);
+        QVERIFY2(right <= room, qPrintable(QString::number(right)));
+        QVERIFY(header.sectionSize(section) >= 20 * grid.fontMetrics().averageCharWidth());
+    }
+    QVERIFY(header.length() > room);
+    const QVariant tip = grid.model()->headerData(UrlModel::sectionOf(UrlColumn::WebpageTitle),
+                                                  Qt::Horizontal, Qt::ToolTipRole);
+    QVERIFY(tip.toString().contains(QStringLiteral("Title")));
 }
 
 void SmallScreenTest::longNamesDontWidenIt() {

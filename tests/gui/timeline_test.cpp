@@ -6,10 +6,12 @@
 
 #include <QComboBox>
 #include <QElapsedTimer>
+#include <QHelpEvent>
 #include <QLabel>
 #include <QSignalSpy>
 #include <QTest>
 #include <QToolButton>
+#include <QToolTip>
 #include <QWheelEvent>
 
 // The bar of time above the table.
@@ -29,6 +31,7 @@ class TimelineTest : public QObject {
     void emptyBarsAreNotChosen();
     void barsSayWhatTheyHold();
     void aNarrowLegendLeavesOutTheSmallestParts();
+    void aNarrowSummaryKeepsItsCounts();
     void itLooksRightInBothPalettes();
     void aMillionEventsAreDrawnAtOnce();
     void theTableShowsTheChosenTimeOnly();
@@ -171,6 +174,24 @@ void TimelineTest::aNarrowLegendLeavesOutTheSmallestParts() {
     QVERIFY(!legend.names.isEmpty() && legend.names.size() < 4);
     QCOMPARE(legend.names.front(), QStringLiteral("History"));
     QCOMPARE(legend.others, QStringLiteral("+%1").arg(4 - legend.names.size()));
+}
+
+/// What it counts is read to the last, and the rest where the mouse rests.
+void TimelineTest::aNarrowSummaryKeepsItsCounts() {
+    const QString whole = m_strip->summary();
+    QCOMPARE(m_strip->summaryIn(5000), whole);
+    const int room = m_strip->fontMetrics().horizontalAdvance(whole) * 3 / 4;
+    const QString cut = m_strip->summaryIn(room);
+    QVERIFY2(cut.endsWith(QStringLiteral("; the highest has 10; 3 rows without a date")),
+             qPrintable(cut));
+    QVERIFY(m_strip->fontMetrics().horizontalAdvance(cut) <= room);
+    QVERIFY(m_strip->summaryIn(room / 2).startsWith(QStringLiteral("the highest has 10")));
+    QVERIFY(m_strip->legendText().startsWith(QStringLiteral("History: ")));
+    QCOMPARE(m_strip->legendText().count(u'\n'), 1);
+    QHelpEvent help(QEvent::ToolTip, {20, 8}, m_strip->mapToGlobal(QPoint(20, 8)));
+    QApplication::sendEvent(m_strip.get(), &help);
+    QTRY_VERIFY(QToolTip::text().contains(QStringLiteral("History:")));
+    QToolTip::hideText();
 }
 
 /// NV_SCREENSHOTS keeps them to be looked at.

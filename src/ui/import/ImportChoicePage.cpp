@@ -55,7 +55,7 @@ QWidget *ImportChoicePage::newFolders(const std::filesystem::path &base) {
     });
     grid->addWidget(add, grid->rowCount() - 1, 3);
     grid->addWidget(newFurther(), grid->rowCount(), 1, 1, 3);
-    m_base = addFolderRow(*grid, tr("&Base folder:"), "txtBaseFolder",
+    m_base = addFolderRow(*grid, tr("Bas&e folder:"), "txtBaseFolder",
                           "Select the BASE root folder for all evidence in project:");
     m_notTaken = newWizardLabel("labNotTaken");
     m_notTaken->hide();

@@ -2,6 +2,7 @@
 
 #include "ui/views/AuditModel.h"
 #include "ui/views/GridCopy.h"
+#include "ui/views/NoRow.h"
 #include "views/Audit.h"
 #include "views/PartAlternatives.h"
 
@@ -190,7 +191,7 @@ bool AuditPane::eventFilter(QObject *watched, QEvent *event) {
 void AuditPane::showReason(const QString &text) {
     m_model->setRows({});
     m_table->setVisible(false);
-    m_summary->setText(text);
+    m_summary->setText(text.isEmpty() ? noRowText() : text);
 }
 
 } // namespace nv

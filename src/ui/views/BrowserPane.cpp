@@ -1,6 +1,7 @@
 #include "ui/views/BrowserPane.h"
 
 #include "platform/qt/QtText.h"
+#include "ui/views/NoRow.h"
 #include "ui/views/ViewedPage.h"
 #include "views/CellText.h"
 
@@ -145,7 +146,7 @@ void BrowserPane::showReason(const QString &text) {
     if (m_view)
         m_view->setHtml({}); // what was shown before is gone, and asks for nothing more
     m_pages->setCurrentWidget(m_reason);
-    m_reason->setText(text);
+    m_reason->setText(text.isEmpty() ? noRowText() : text);
     m_kind->clear();
     m_location->clear();
     m_refused->clear();

@@ -39,9 +39,9 @@ Bounds boundsOf(UrlColumn column) {
     case UrlColumn::RawValue:
         return {24, 90, 1};
     case UrlColumn::WebpageTitle:
-        return {14, 46};
+        return {20, 46};
     case UrlColumn::Host:
-        return {12, 34};
+        return {22, 34};
     default:
         return {0, 60};
     }
@@ -119,39 +119,58 @@ void ColumnFit::measure(const UrlModel &model, const TableLayout &layout, const 
     m_measured = true;
 }
 
-std::array<int, kTableColumnCount> ColumnFit::widths(const TableLayout &layout,
-                                                     const QTableView &grid, int room) const {
-    std::array<int, kTableColumnCount> widths{};
-    const int character = grid.fontMetrics().averageCharWidth();
-    int total = 0;
+bool ColumnFit::yields(const TableLayout &layout, UrlColumn column) const {
+    return layout.isFitted(column) && m_measured;
+}
+
+int ColumnFit::spare(const TableLayout &layout, UrlColumn column, const QTableView &grid) const {
+    const int least = boundsOf(column).least * grid.fontMetrics().averageCharWidth();
+    return yields(layout, column) && least > 0 ? std::max(0, m_wanted.at(indexOf(column)) - least)
+                                               : 0;
+}
+
+bool ColumnFit::cutTo(int room, std::span<const UrlColumn> columns, const TableLayout &layout,
+                      const QTableView &grid, Widths &widths) const {
+    int excess = -room;
     std::array<int, kTurns> yielding{}; // pixels that columns could do without
-    const auto spare = [&](UrlColumn column) {
-        const int least = boundsOf(column).least * character;
-        const bool yields = layout.isFitted(column) && m_measured && least > 0;
-        return yields ? std::max(0, m_wanted.at(indexOf(column)) - least) : 0;
-    };
-    for (const UrlColumn column : layout.shownColumns()) {
-        const bool fitted = layout.isFitted(column) && m_measured;
-        widths.at(indexOf(column)) =
-            fitted ? m_wanted.at(indexOf(column)) : pixels(layout.widthTwips(column), grid);
-        total += widths.at(indexOf(column));
-        yielding.at(std::size_t(boundsOf(column).turn)) += spare(column);
+    for (const UrlColumn column : columns) {
+        excess += widths.at(indexOf(column));
+        yielding.at(std::size_t(boundsOf(column).turn)) += spare(layout, column, grid);
     }
-    // What can't fit anyway is scrolled to, and nothing is cut for it.
-    int excess =
-        total - std::accumulate(yielding.begin(), yielding.end(), 0) > room ? 0 : total - room;
+    if (excess > std::accumulate(yielding.begin(), yielding.end(), 0))
+        return false;
     for (int turn = 0; turn < kTurns && excess > 0; ++turn) {
         const int all = yielding.at(std::size_t(turn));
         if (all == 0)
             continue;
         const double share = std::min(1.0, double(excess) / all);
-        for (const UrlColumn column : layout.shownColumns())
+        for (const UrlColumn column : columns)
             if (boundsOf(column).turn == turn)
-                widths.at(indexOf(column)) -= int(std::ceil(spare(column) * share));
+                widths.at(indexOf(column)) -= int(std::ceil(spare(layout, column, grid) * share));
         excess -= all;
     }
-    if (total < room && m_measured && !layout.hidden(UrlColumn::Value) &&
-        layout.isFitted(UrlColumn::Value))
+    return true;
+}
+
+/// What can't fit anyway is scrolled to, and nothing is cut for it; but where hosts stand before
+/// the address a row should be read up to that without scrolling.
+ColumnFit::Widths ColumnFit::widths(const TableLayout &layout, const QTableView &grid,
+                                    int room) const {
+    Widths widths{};
+    int total = 0;
+    const std::vector<UrlColumn> shown = layout.shownColumns();
+    for (const UrlColumn column : shown) {
+        widths.at(indexOf(column)) = yields(layout, column)
+                                         ? m_wanted.at(indexOf(column))
+                                         : pixels(layout.widthTwips(column), grid);
+        total += widths.at(indexOf(column));
+    }
+    const auto address = std::ranges::find(shown, UrlColumn::Value);
+    const bool hasAddress = address != shown.end();
+    const bool hasHostBefore = std::find(shown.begin(), address, UrlColumn::Host) != address;
+    if (total > room && !cutTo(room, shown, layout, grid, widths) && hasAddress && hasHostBefore)
+        static_cast<void>(cutTo(room, {shown.begin(), address + 1}, layout, grid, widths));
+    if (total < room && hasAddress && yields(layout, UrlColumn::Value))
         widths.at(indexOf(UrlColumn::Value)) += room - total;
     return widths;
 }

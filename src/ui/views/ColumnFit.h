@@ -3,6 +3,7 @@
 #include "views/TableLayout.h"
 
 #include <array>
+#include <span>
 
 class QTableView;
 
@@ -19,13 +20,19 @@ class ColumnFit {
     void measure(const UrlModel &model, const TableLayout &layout, const QTableView &grid);
     bool isMeasured() const { return m_measured; }
     /// Pixels of each shown column, fitted or not, in `room` pixels.
-    std::array<int, kTableColumnCount> widths(const TableLayout &layout, const QTableView &grid,
-                                              int room) const;
+    using Widths = std::array<int, kTableColumnCount>;
+    Widths widths(const TableLayout &layout, const QTableView &grid, int room) const;
     /// Pixels of a width that the examiner has given, in the window's font.
     static int pixels(int twips, const QTableView &grid);
     static int twips(int pixels, const QTableView &grid);
 
   private:
+    bool yields(const TableLayout &layout, UrlColumn column) const;
+    int spare(const TableLayout &layout, UrlColumn column, const QTableView &grid) const;
+    /// Makes the columns as much narrower as they have to be; false, and nothing is changed, where
+    /// they don't fit even then.
+    bool cutTo(int room, std::span<const UrlColumn> columns, const TableLayout &layout,
+               const QTableView &grid, Widths &widths) const;
     int wanted(const UrlModel &model, UrlColumn column, const QTableView &grid) const;
 
     bool m_measured = false;

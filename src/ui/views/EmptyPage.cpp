@@ -17,7 +17,8 @@ QString textOf(EmptyState state, std::size_t hidden) {
     case EmptyState::NoRecords:
         return EmptyPage::tr("This project holds no records yet.");
     case EmptyState::NoMatches:
-        return EmptyPage::tr("No record matches the query and the host.");
+        return EmptyPage::tr("No record matches the query and the host.\nShow all "
+                             "records, or choose another query or host above.");
     case EmptyState::NoTerms:
         return EmptyPage::tr("This query looks for no keywords: their list was missing or empty "
                              "when the project was made.\nIt finds nothing, whatever the evidence "
@@ -26,10 +27,13 @@ QString textOf(EmptyState state, std::size_t hidden) {
         return EmptyPage::tr("The filters hide all %L1 records that the query and the host give.")
             .arg(hidden);
     case EmptyState::Cancelled:
-        return EmptyPage::tr("The loading was cancelled before any record was found.");
+        return EmptyPage::tr("The loading was cancelled before any record was found.\nRefresh (F5) "
+                             "loads them again.");
     case EmptyState::Failed:
-        return EmptyPage::tr("The records could not be loaded. The error log says why.");
+        return EmptyPage::tr("The records could not be loaded. The error log (Tools, Error Log) "
+                             "says why.\nRefresh (F5) tries again.");
     case EmptyState::NotLoaded:
+        return EmptyPage::tr("No records are loaded. Refresh (F5) loads those of the query.");
     case EmptyState::HasRows:
         break;
     }

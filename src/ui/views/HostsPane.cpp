@@ -167,11 +167,13 @@ void HostsPane::takeFlip(bool ticked) {
 
 void HostsPane::setHosts(std::vector<HostRow> hosts, Walk listing, const UnreadRows &unread) {
     const bool finished = listing == Walk::Finished;
-    m_unfinished->setVisible(!finished || !unread.empty());
+    const bool none = finished && unread.empty() && hosts.empty();
+    m_unfinished->setVisible(!finished || !unread.empty() || none);
     m_unfinished->setText(
-        finished
-            ? tr("Without %1 that could not be read").arg(toQt(counted(unread.size(), "record")))
-            : tr("Not listed. Refresh (F5) tries again."));
+        !finished ? tr("Not listed. Refresh (F5) tries again.")
+        : none
+            ? tr("No hosts: nothing is imported yet.")
+            : tr("Without %1 that could not be read").arg(toQt(counted(unread.size(), "record"))));
     m_unfinished->setToolTip(finished ? Qt::convertFromPlainText(toQt(noteOf(unread))) : QString());
     m_filling = true;
     m_model.setHosts(std::move(hosts));

@@ -4,6 +4,7 @@
 #include "platform/qt/QtText.h"
 #include "ui/views/GridCopy.h"
 #include "ui/views/LinksModel.h"
+#include "ui/views/NoRow.h"
 #include "views/CellText.h"
 
 #include <QAction>
@@ -134,7 +135,7 @@ void LinksPane::showReason(const QString &text, bool offersAnalysis) {
 }
 
 void LinksPane::clear() {
-    showReason({}, false);
+    showReason(noRowText(), false);
 }
 
 void LinksPane::goToOther() {

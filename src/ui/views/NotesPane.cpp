@@ -1,6 +1,7 @@
 #include "ui/views/NotesPane.h"
 
 #include "platform/qt/QtText.h"
+#include "ui/views/NoRow.h"
 
 #include <QBoxLayout>
 #include <QEvent>
@@ -42,6 +43,7 @@ void NotesPane::showRecord(UrlId id) {
         return clear();
     m_id = id;
     m_text->setEnabled(true);
+    showPlaceholder();
     showNote(*note);
 }
 
@@ -62,6 +64,7 @@ void NotesPane::clear() {
     m_text->clear();
     m_text->document()->setModified(false);
     m_text->setEnabled(false);
+    m_text->setPlaceholderText(noRowText());
     m_date->clear();
 }
 
@@ -97,9 +100,15 @@ bool NotesPane::eventFilter(QObject *watched, QEvent *event) {
 
 void NotesPane::setReadOnly(bool readOnly) {
     m_text->setReadOnly(readOnly);
+    showPlaceholder();
+}
+
+void NotesPane::showPlaceholder() {
     m_text->setPlaceholderText(
-        readOnly ? tr("The project is open for reading only: no note can be written.")
-                 : tr("Your note of this record. It is stored when you leave the box."));
+        !m_id ? noRowText()
+        : m_text->isReadOnly()
+            ? tr("The project is open for reading only: no note can be written.")
+            : tr("Your note of this record. It is stored when you leave the box."));
 }
 
 void NotesPane::forgetUnstored() {

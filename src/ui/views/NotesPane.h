@@ -41,6 +41,7 @@ class NotesPane final : public QWidget, public RecordPane {
     bool eventFilter(QObject *watched, QEvent *event) override;
 
   private:
+    void showPlaceholder();
     void showNote(const Note &note);
     void showDate(Date date);
     static QString notStored();

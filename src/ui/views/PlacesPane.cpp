@@ -68,6 +68,9 @@ PlacesPane::PlacesPane(QWidget *parent) : QWidget(parent) {
     column->setContentsMargins(0, 0, 0, 0);
     column->setSpacing(0);
     column->addWidget(newTop());
+    m_none = newLabel("labNoPlace");
+    m_none->setContentsMargins(6, 4, 6, 4);
+    column->addWidget(m_none);
     column->addWidget(m_tree, 1);
     column->addWidget(m_note);
     constexpr int kNarrowest = 26; // characters
@@ -94,6 +97,7 @@ QWidget *PlacesPane::newTop() {
     column->addWidget(m_all);
     connect(m_filter, &QLineEdit::textChanged, this, [this](const QString &text) {
         m_found.setFilterFixedString(text.trimmed());
+        showWhetherFound();
         if (!text.trimmed().isEmpty())
             m_tree->expandAll();
     });
@@ -243,6 +247,14 @@ void PlacesPane::showNote(const QString &note) {
     m_note->setVisible(!note.isEmpty());
 }
 
+/// An empty tree would be taken for a project without places.
+void PlacesPane::showWhetherFound() {
+    const bool none = m_model.rowCount() > 0 && m_found.rowCount() == 0;
+    m_none->setText(none ? tr("No place has this text. Clear the box to see all places.")
+                         : QString());
+    m_none->setVisible(none);
+}
+
 void PlacesPane::setPlaces(Places places) {
     const QStringList open = openPlaces();
     m_model.setPlaces(std::move(places));
@@ -252,6 +264,7 @@ void PlacesPane::setPlaces(Places places) {
         m_tree->expandToDepth(1);
     m_hasPlaces = m_model.rowCount() > 0;
     moveMark();
+    showWhetherFound();
 }
 
 QStringList PlacesPane::openPlaces() const {

@@ -46,6 +46,7 @@ class PlacesPane final : public QWidget {
     QWidget *newTop();
     QTreeView *newTree();
     void showMenu(const QPoint &place);
+    void showWhetherFound();
     void showOnly(const PlaceLimit &limit);
     void flip(const PlaceLimit &limit);
     void leaveOut(const PlaceLimit &limit);
@@ -68,6 +69,7 @@ class PlacesPane final : public QWidget {
     QTreeView *m_tree = nullptr;
     QLabel *m_chosen = nullptr;
     QToolButton *m_all = nullptr;
+    QLabel *m_none = nullptr; ///< no place has the text that was typed
     QLabel *m_note = nullptr;
     QMenu *m_menu = nullptr;
     bool m_readOnly = false;

@@ -5,6 +5,7 @@
 #include "platform/qt/QtText.h"
 
 #include <QBoxLayout>
+#include <QGuiApplication>
 #include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
@@ -102,10 +103,8 @@ void SearchBar::addCondition(const QString &condition) {
 }
 
 void SearchBar::showMessage(const QString &text, Tone tone) {
-    QPalette palette = this->palette();
-    if (tone == Tone::fault)
-        palette.setColor(QPalette::WindowText, faultColor(palette));
-    m_message->setPalette(palette);
+    m_tone = tone;
+    showTone();
     m_message->setText(text);
     m_message->setToolTip(Qt::convertFromPlainText(text));
     m_message->setVisible(!text.isEmpty());
@@ -113,6 +112,20 @@ void SearchBar::showMessage(const QString &text, Tone tone) {
         text.isEmpty() ? tr("Addresses, titles, hosts, notes and facts while you type; pages and "
                             "headers too with Enter")
                        : text);
+}
+
+/// One colour of its own, since the others are the theme's, which may change.
+void SearchBar::showTone() {
+    QPalette own;
+    if (m_tone == Tone::fault)
+        own.setColor(QPalette::WindowText, faultColor(QGuiApplication::palette()));
+    m_message->setPalette(own);
+}
+
+void SearchBar::changeEvent(QEvent *event) {
+    QWidget::changeEvent(event);
+    if (event->type() == QEvent::PaletteChange)
+        showTone();
 }
 
 void SearchBar::addCounts(const QString &title, const QString &word, const NamedCounts &counts) {

@@ -45,14 +45,17 @@ class SearchBar final : public QWidget {
 
   protected:
     bool eventFilter(QObject *watched, QEvent *event) override;
+    void changeEvent(QEvent *event) override;
 
   private:
+    void showTone();
     void addCounts(const QString &title, const QString &word, const NamedCounts &counts);
 
     QLineEdit *m_text = nullptr;
     QLabel *m_message = nullptr;
     QToolButton *m_hits = nullptr;
     QMenu *m_menu = nullptr;
+    Tone m_tone = Tone::plain; ///< of the message
 };
 
 } // namespace nv

@@ -1,14 +1,13 @@
 #include "ui/views/TimeStrip.h"
 
 #include "platform/qt/ChartPainter.h"
-#include "platform/qt/QtText.h"
 #include "views/TimelineChart.h"
 
 #include <QHelpEvent>
 #include <QKeyEvent>
-#include <QLocale>
 #include <QMouseEvent>
 #include <QPainter>
+#include <QTextDocument>
 #include <QToolTip>
 #include <QWheelEvent>
 
@@ -19,7 +18,6 @@ namespace nv {
 
 namespace {
 
-constexpr int kMargin = 6;   ///< pixels
 constexpr int kHeight = 120; ///< of the bars, and of the hours too
 constexpr int kLeastHeight = 60;
 constexpr int kPixelsPerBar = 3; ///< at least
@@ -27,10 +25,6 @@ constexpr int kPixelsPerLabel = 110;
 constexpr std::size_t kLeastBars = 30;   ///< of a unit that is taken by itself
 constexpr std::int64_t kShortest = 1800; ///< seconds that are zoomed to
 constexpr double kZoom = 2;
-
-QString timeText(std::int64_t second) {
-    return toQt(slotText(slotOf(second, TimeUnit::minute), TimeUnit::minute));
-}
 
 } // namespace
 
@@ -133,63 +127,6 @@ void TimeStrip::pan(double part) {
     showSpan({m_shown.begin + by, m_shown.end + by});
 }
 
-QString TimeStrip::summary() const {
-    if (m_events.seconds.empty())
-        return m_events.undated > 0 ? tr("%L1 rows, none with a date").arg(m_events.undated)
-                                    : tr("No rows");
-    QString text =
-        tr("%1 to %2, %3; %4; the highest has %L5")
-            .arg(timeText(m_shown.begin), timeText(m_shown.end - 1), m_zone, toQt(barText(m_bars)))
-            .arg(m_bars.highest());
-    if (m_events.undated > 0)
-        text += tr("; %L1 rows without a date").arg(m_events.undated);
-    return text;
-}
-
-QString TimeStrip::textOf(std::size_t bar) const {
-    if (bar >= m_bars.count)
-        return {};
-    const TimeSpan span = m_bars.spanOf(bar, bar + 1);
-    QString time = toQt(slotText(slotOf(span.begin, m_bars.unit), m_bars.unit));
-    if (m_bars.step > 1)
-        time = tr("%1 to %2")
-                   .arg(time, toQt(slotText(slotOf(span.end - 1, m_bars.unit), m_bars.unit)));
-    QStringList parts;
-    for (std::size_t part = 0; part < m_chart.parts.size(); ++part)
-        if (const std::uint32_t count = m_chart.counts[bar * m_chart.parts.size() + part];
-            count > 0 && !m_chart.parts[part].empty())
-            parts << QStringLiteral("%1 %L2").arg(toQt(m_chart.parts[part])).arg(count);
-    const QString events = tr("%1: %L2 events").arg(time).arg(m_bars.totalOf(bar));
-    return parts.isEmpty() ? events : tr("%1 (%2)").arg(events, parts.join(QStringLiteral(", ")));
-}
-
-/// In pixels, with the colour before it.
-int TimeStrip::roomOf(const QString &name) const {
-    return fontMetrics().horizontalAdvance(name) + fontMetrics().ascent() + 2 * kMargin;
-}
-
-/// The largest parts come first, so those that find no room are the smallest.
-TimeStrip::Legend TimeStrip::legend() const {
-    const auto all = static_cast<qsizetype>(m_chart.parts.size());
-    if (all == 1 && m_chart.parts.front().empty())
-        return {};
-    Legend legend;
-    QStringList &names = legend.names;
-    int room = width() / 2 - kMargin;
-    for (const std::string &part : m_chart.parts) {
-        const QString name = fontMetrics().elidedText(toQt(part), Qt::ElideRight, width() / 6);
-        const qsizetype others = all - names.size() - 1;
-        const int after = others > 0 ? roomOf(QStringLiteral("+%1").arg(others)) : 0;
-        if (!names.isEmpty() && roomOf(name) + after > room)
-            break;
-        room -= roomOf(name);
-        names << name;
-    }
-    if (names.size() < all)
-        legend.others = QStringLiteral("+%1").arg(all - names.size());
-    return legend;
-}
-
 void TimeStrip::drawSummary(QPainter &painter) const {
     const QFontMetrics metrics = fontMetrics();
     const Legend legend = this->legend();
@@ -197,9 +134,10 @@ void TimeStrip::drawSummary(QPainter &painter) const {
     for (const QString &name : legend.names)
         left -= roomOf(name);
     const int line = kMargin + metrics.ascent();
+    const int room = left - 2 * kMargin;
     painter.drawText(QPoint(kMargin, line),
-                     metrics.elidedText(m_cursor ? textOf(*m_cursor) : summary(), Qt::ElideRight,
-                                        left - 2 * kMargin));
+                     m_cursor ? metrics.elidedText(textOf(*m_cursor), Qt::ElideRight, room)
+                              : summaryIn(room));
     std::size_t part = 0;
     for (const QString &name : legend.names) {
         painter.fillRect(left, kMargin, metrics.ascent(), metrics.ascent(),
@@ -387,12 +325,11 @@ bool TimeStrip::event(QEvent *event) {
     if (event->type() != QEvent::ToolTip)
         return QWidget::event(event);
     const auto *help = dynamic_cast<QHelpEvent *>(event);
-    const QString text =
-        help && area().contains(help->pos()) ? textOf(barAt(help->pos().x())) : QString();
+    const QString text = help ? tipAt(help->pos()) : QString();
     if (text.isEmpty())
         QToolTip::hideText();
     else // no tag of a browser's name that comes from evidence is one
-        QToolTip::showText(help->globalPos(), text.toHtmlEscaped(), this);
+        QToolTip::showText(help->globalPos(), Qt::convertFromPlainText(text), this);
     return true;
 }
 

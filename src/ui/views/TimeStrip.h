@@ -37,8 +37,10 @@ class TimeStrip final : public QWidget {
     const TimeBars &bars() const { return m_bars; }
     /// Where a bar begins, in pixels of the widget.
     int leftOf(std::size_t bar) const;
-    /// What the line above the bars says.
+    /// What the line above the bars says where it has room, and in as many pixels as it has: what
+    /// it counts is kept longest.
     QString summary() const;
+    QString summaryIn(int pixels) const;
     /// "2011-03-01: 12 events (History 8, Cache 4)".
     QString textOf(std::size_t bar) const;
     /// The names of the largest parts, as far as there is room, and "+2" for those left out.
@@ -47,6 +49,8 @@ class TimeStrip final : public QWidget {
         QString others;
     };
     Legend legend() const;
+    /// All parts with their counts, a line each.
+    QString legendText() const;
 
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override;
@@ -69,8 +73,13 @@ class TimeStrip final : public QWidget {
     bool event(QEvent *event) override;
 
   private:
+    static constexpr int kMargin = 6; ///< pixels
+
     QRect area() const;
     std::size_t barAt(int x) const;
+    QString tipAt(const QPoint &place) const;
+    QString spanText() const;
+    QString countText() const;
     void count();
     void showSpan(TimeSpan span);
     void zoom(double factor, std::int64_t around);

@@ -134,6 +134,9 @@ QVariant UrlModel::headerData(int section, Qt::Orientation orientation, int role
     const UrlColumn column = columnOf(section);
     if (role == Qt::DisplayRole)
         return toQt(m_table ? m_table->header(column) : std::string(factsOf(column).header));
+    if (role == Qt::ToolTipRole) // a heading is cut where its column is narrow
+        return Qt::convertFromPlainText(
+            headerData(section, orientation, Qt::DisplayRole).toString().simplified());
     if (role == Qt::DecorationRole && column == UrlColumn::Tag)
         return icon("tag");
     if (role == Qt::TextAlignmentRole)

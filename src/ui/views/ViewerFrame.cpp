@@ -1,5 +1,7 @@
 #include "ui/views/ViewerFrame.h"
 
+#include "ui/views/NoRow.h"
+
 #include <QBoxLayout>
 #include <QKeyEvent>
 #include <QLabel>
@@ -11,6 +13,7 @@ ViewerFrame::ViewerFrame(const char *name, QWidget &content, QWidget *parent)
     : QWidget(parent), m_content(&content) {
     setObjectName(QLatin1String(name));
     m_controls = new QWidget;
+    m_controls->setObjectName(QStringLiteral("viewerControls"));
     m_bar = new QHBoxLayout(m_controls);
     m_bar->setContentsMargins(6, 4, 6, 4);
     m_reason = newLabel("labViewerReason");
@@ -40,7 +43,7 @@ QLabel *ViewerFrame::newLabel(const char *name) {
 }
 
 void ViewerFrame::showReason(const QString &text) {
-    m_reason->setText(text);
+    m_reason->setText(text.isEmpty() ? noRowText() : text);
     m_pages->setCurrentWidget(m_reason);
     m_controls->setEnabled(false);
     showNotice({});

@@ -95,6 +95,17 @@ void GuidePage::doSetSource(const QUrl &url, QTextDocument::ResourceType /*type*
         goToHeading(anchor);
 }
 
+/// Links and lines of tables have the colours of the theme in which the page was read.
+void GuidePage::changeEvent(QEvent *event) {
+    QTextBrowser::changeEvent(event);
+    if (event->type() != QEvent::PaletteChange || m_current.isEmpty())
+        return;
+    const int place = verticalScrollBar()->value();
+    m_current.clear(); // the same page isn't read again otherwise
+    reload();
+    verticalScrollBar()->setValue(place);
+}
+
 /// Tables of Markdown come without lines, one cell's text right beside the next one's.
 void GuidePage::formatTables() {
     QList<QTextTable *> tables;

@@ -21,6 +21,7 @@ class GuidePage final : public QTextBrowser {
 
   protected:
     void doSetSource(const QUrl &url, QTextDocument::ResourceType type) override;
+    void changeEvent(QEvent *event) override;
 
   private:
     bool isOfGuide(const QUrl &url) const;

@@ -14,9 +14,11 @@
 #include "ui/views/DroppedUrls.h"
 #include "ui/views/StepsPane.h"
 #include "ui/views/TableTab.h"
+#include "ui/window/AreasPart.h"
 #include "ui/window/CopyPart.h"
 #include "ui/window/ExportPart.h"
 #include "ui/window/FilesPart.h"
+#include "ui/window/FocusRing.h"
 #include "ui/window/GuidePart.h"
 #include "ui/window/OptionsPart.h"
 #include "ui/window/RebuildPart.h"
@@ -25,6 +27,7 @@
 #include "ui/window/ReportPart.h"
 #include "ui/window/RowMenuPart.h"
 #include "ui/window/TextForm.h"
+#include "ui/window/ThemePart.h"
 #include "ui/window/TipForm.h"
 #include "ui/window/UpgradePart.h"
 #include "ui/window/ViewersPart.h"
@@ -50,6 +53,7 @@ MainForm::MainForm(Program &program, WindowDialogs &dialogs)
     : m_program(program), m_dialogs(dialogs), m_commands(program, dialogs, *this), m_actions(this),
       m_menus(*this, m_actions) {
     nameComboBoxes();
+    FocusRings::show();
     setObjectName(QStringLiteral("MainForm"));
     setWindowIcon(icon("norvelane-logo"));
     setAcceptDrops(true);
@@ -60,13 +64,14 @@ MainForm::MainForm(Program &program, WindowDialogs &dialogs)
     m_pages->addWidget(m_welcome);
     m_pages->addWidget(newProjectPage());
     setCentralWidget(m_pages);
+    m_areas = &addPart<AreasPart>(*m_bench, *this);
     connectWindowActions();
     connectEditActions();
     connectOtherActions();
     connectMenus();
     m_title.follow(*m_bench);
     m_commands.updateProgramCaption();
-    m_menus.showTheme(keptTheme(program.settings));
+    addPart<ThemePart>(m_menus, *this, program.settings);
     showRecentFiles();
     showProjectState();
     restoreGeometryKept();
@@ -75,6 +80,7 @@ MainForm::MainForm(Program &program, WindowDialogs &dialogs)
 
 MainForm::~MainForm() {
     m_program.task.watcher = nullptr;
+    m_areas = nullptr; // it goes before the controls do
 }
 
 QWidget *MainForm::newProjectPage() {
@@ -115,20 +121,14 @@ QWidget *MainForm::newProjectPage() {
 /// In the order of their tabs.
 void MainForm::addParts() {
     m_parts = newParts(*m_bench);
-    auto rebuild = std::make_unique<RebuildPart>(*m_bench);
-    m_rebuild = rebuild.get();
-    m_parts.push_back(std::move(rebuild));
-    auto options = std::make_unique<OptionsPart>(*m_bench);
-    auto files =
-        std::make_unique<FilesPart>(*m_bench, m_commands, *this, *options, *m_rebuild, m_steps);
-    m_files = files.get();
-    m_parts.push_back(std::move(options));
-    m_parts.push_back(std::move(files));
-    m_parts.push_back(std::make_unique<ReportPart>(*m_bench));
-    m_parts.push_back(std::make_unique<ExportPart>(*m_bench));
-    m_parts.push_back(std::make_unique<RowMenuPart>(*m_bench));
-    m_parts.push_back(std::make_unique<CopyPart>(*m_bench));
-    m_parts.push_back(std::make_unique<GuidePart>(*m_bench));
+    m_rebuild = &addPart<RebuildPart>(*m_bench);
+    auto &options = addPart<OptionsPart>(*m_bench);
+    m_files = &addPart<FilesPart>(*m_bench, m_commands, *this, options, *m_rebuild, m_steps);
+    addPart<ReportPart>(*m_bench);
+    addPart<ExportPart>(*m_bench);
+    addPart<RowMenuPart>(*m_bench);
+    addPart<CopyPart>(*m_bench);
+    addPart<GuidePart>(*m_bench);
 }
 
 void MainForm::showUpgradeWizard(const std::filesystem::path &project) {
@@ -182,7 +182,6 @@ void MainForm::connectMenus() {
     });
     connect(&m_menus, &MainMenus::quickQueryChosen, m_table, &TableTab::chooseQuery);
     connect(&m_menus, &MainMenus::sortChosen, m_table, &TableTab::sortBy);
-    connect(&m_menus, &MainMenus::themeChosen, this, &MainForm::chooseTheme);
 }
 
 void MainForm::showNotice(const QString &text) {
@@ -224,6 +223,10 @@ void MainForm::unlockControls() {
         m_focusBeforeLock->setFocus();
     else
         m_table->grid().setFocus();
+}
+
+bool MainForm::focusNextPrevChild(bool next) {
+    return m_areas ? m_areas->goToStop(next) : QMainWindow::focusNextPrevChild(next);
 }
 
 void MainForm::closeEvent(QCloseEvent *event) {
@@ -314,11 +317,6 @@ void MainForm::showTips() {
 void MainForm::showAbout() {
     const ProgramState &state = m_program.state;
     m_program.around.examiner.tell(messages::about(state.appTitle, state.appVersion));
-}
-
-void MainForm::chooseTheme(Theme theme) {
-    keepTheme(m_program.settings, theme);
-    applyTheme(theme);
 }
 
 void MainForm::setCaption(const std::string &caption) {

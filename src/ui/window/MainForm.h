@@ -14,12 +14,14 @@
 
 #include <functional>
 #include <memory>
+#include <utility>
 #include <vector>
 
 class QStackedWidget;
 
 namespace nv {
 
+class AreasPart;
 class FilesPart;
 class RebuildPart;
 class RecordArea;
@@ -60,6 +62,7 @@ class MainForm final : public QMainWindow, public ProjectView {
     void showUpgradeWizard(const std::filesystem::path &project) override;
 
   protected:
+    bool focusNextPrevChild(bool next) override;
     void closeEvent(QCloseEvent *event) override;
     void dragEnterEvent(QDragEnterEvent *event) override;
     void dropEvent(QDropEvent *event) override;
@@ -77,11 +80,17 @@ class MainForm final : public QMainWindow, public ProjectView {
     void runTask(const TaskHeading &heading, const std::function<void(TaskMonitor &)> &work);
     /// Makes the parts of the window that have a topic of their own.
     void addParts();
+    template <class Part, class... Args>
+    Part &addPart(Args &&...args) {
+        auto part = std::make_unique<Part>(std::forward<Args>(args)...);
+        Part &made = *part;
+        m_parts.push_back(std::move(part));
+        return made;
+    }
     bool isProjectOpen() const { return m_program.state.projectDB.isOpen(); }
 
     void showErrorLog();
     void showAbout();
-    void chooseTheme(Theme theme);
     void showQuickQueries();
     void showNotice(const QString &text);
     void showStatus();
@@ -104,6 +113,7 @@ class MainForm final : public QMainWindow, public ProjectView {
     std::vector<std::unique_ptr<QObject>> m_parts; ///< go before the bench
     RebuildPart *m_rebuild = nullptr;
     FilesPart *m_files = nullptr;
+    AreasPart *m_areas = nullptr; ///< when all that stands in the window is there
     StatusLine m_status{*statusBar()};
     WindowTitle m_title{*this};
     int m_locks = 0;

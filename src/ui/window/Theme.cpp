@@ -18,11 +18,12 @@ struct Colours {
         tooltip;
 };
 
-// Text stands out from its ground by 7:1 or more, faint text by 4.5:1.
+// Text stands out from its ground by 7:1 or more, faint and disabled text by 4.5:1: what can't be
+// chosen now is read all the same.
 constexpr Colours kLight = {0xfff4f6f8, 0xffffffff, 0xfff6f9fc, 0xfffbfcfd, 0xff1a1f26, 0xff5b6672,
-                            0xff8e98a3, 0xff1f66c1, 0xffffffff, 0xff0b57b7, 0xffc3cbd4, 0xffffffff};
+                            0xff67717c, 0xff1f66c1, 0xffffffff, 0xff0b57b7, 0xffc3cbd4, 0xffffffff};
 constexpr Colours kDark = {0xff20242a, 0xff181b20, 0xff1d2127, 0xff2b3038, 0xffe7eaee, 0xffa3adb8,
-                           0xff717b86, 0xff2a69b8, 0xffffffff, 0xff79b4f5, 0xff444c57, 0xff2b3038};
+                           0xff8b95a1, 0xff2a69b8, 0xffffffff, 0xff79b4f5, 0xff444c57, 0xff2b3038};
 
 void setEverywhere(QPalette &palette, const Colours &colours) {
     const std::pair<QPalette::ColorRole, QRgb> roles[] = {
@@ -50,7 +51,8 @@ void setEverywhere(QPalette &palette, const Colours &colours) {
 QPalette paletteOf(const Colours &colours) {
     QPalette palette(QColor::fromRgb(colours.button), QColor::fromRgb(colours.window));
     setEverywhere(palette, colours);
-    for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText})
+    for (const auto role :
+         {QPalette::WindowText, QPalette::Text, QPalette::ButtonText, QPalette::PlaceholderText})
         palette.setColor(QPalette::Disabled, role, QColor::fromRgb(colours.disabled));
     palette.setColor(QPalette::Disabled, QPalette::Highlight, QColor::fromRgb(colours.mid));
     return palette;
@@ -62,13 +64,19 @@ constexpr const char *kDarkFrames = R"(
 QMenu { border: 1px solid #57616d; background: #262b32; }
 QLineEdit { border: 1px solid #57616d; border-radius: 3px; padding: 2px 3px; background: #181b20; }
 QLineEdit:focus { border-color: #79b4f5; }
+QLineEdit:disabled { border-color: #3a424c; background: #20242a; }
 QAbstractItemView::indicator, QCheckBox::indicator {
     width: 13px; height: 13px; border: 1px solid #8b96a3; border-radius: 2px; background: #181b20;
 }
 QAbstractItemView::indicator:checked, QCheckBox::indicator:checked {
     border-color: #79b4f5; background: #2a69b8; image: url(:/images/tick.svg);
 }
-QAbstractItemView::indicator:disabled, QCheckBox::indicator:disabled { border-color: #444c57; }
+QAbstractItemView::indicator:disabled, QCheckBox::indicator:disabled {
+    border-color: #57616d; background: #20242a;
+}
+QAbstractItemView::indicator:checked:disabled, QCheckBox::indicator:checked:disabled {
+    border-color: #57616d; background: #444c57; image: url(:/images/tick.svg);
+}
 QRadioButton::indicator {
     width: 13px; height: 13px; border: 1px solid #8b96a3; border-radius: 7px; background: #181b20;
 }
@@ -77,7 +85,11 @@ QRadioButton::indicator:checked {
     background: qradialgradient(cx: 0.5, cy: 0.5, radius: 0.5, fx: 0.5, fy: 0.5,
         stop: 0 #79b4f5, stop: 0.5 #79b4f5, stop: 0.6 #181b20, stop: 1 #181b20);
 }
-QRadioButton::indicator:disabled { border-color: #444c57; }
+QRadioButton::indicator:disabled { border-color: #57616d; background: #20242a; }
+QRadioButton::indicator:checked:disabled {
+    background: qradialgradient(cx: 0.5, cy: 0.5, radius: 0.5, fx: 0.5, fy: 0.5,
+        stop: 0 #8b95a1, stop: 0.5 #8b95a1, stop: 0.6 #20242a, stop: 1 #20242a);
+}
 )";
 
 /// Without the toolkit's own pictures on buttons, which match none of ours, and with values of
@@ -107,13 +119,12 @@ class PlainStyle final : public QProxyStyle {
     static constexpr QChar kEndOfIsolate{0x2069};
 };
 
+/// Without the program's own colours there are those of the desktop.
 bool systemIsDark() {
-    static const bool dark = [] {
-        const QPalette palette = QGuiApplication::palette();
-        return palette.color(QPalette::Window).lightness() <
-               palette.color(QPalette::WindowText).lightness();
-    }();
-    return dark;
+    QApplication::setPalette(QPalette());
+    const QPalette palette = QGuiApplication::palette();
+    return palette.color(QPalette::Window).lightness() <
+           palette.color(QPalette::WindowText).lightness();
 }
 
 } // namespace

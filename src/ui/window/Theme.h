@@ -15,7 +15,7 @@ Theme keptTheme(const IniFile &settings);
 void keepTheme(IniFile &settings, Theme theme);
 
 /// Gives all windows the theme's colours. The system's choice is read from the colours that the
-/// desktop handed to the program at its start.
+/// desktop has now.
 void applyTheme(Theme theme);
 
 } // namespace nv

@@ -197,9 +197,12 @@ void ViewerTabs::markTabs() {
         for (int place = 0; place < count(); ++place) {
             if (widget(place)->objectName() != toQt(each.pane))
                 continue;
-            const bool has = !m_viewed || hasSomething(each.viewer, *m_viewed);
-            tabBar()->setTabTextColor(place, has ? QColor() : dim);
-            setTabToolTip(place, has ? QString() : tr("Nothing for this record"));
+            const bool isOfUse = !m_viewed || nv::isOfUse(each.viewer, *m_viewed);
+            const bool isEmpty = m_viewed && !hasSomething(each.viewer, *m_viewed);
+            tabBar()->setTabTextColor(place, isOfUse ? QColor() : dim);
+            setTabToolTip(place, !isEmpty  ? QString()
+                                 : isOfUse ? tr("No note of this record yet: write one here")
+                                           : tr("Nothing for this record"));
         }
 }
 

@@ -53,5 +53,17 @@ TEST_F(ViewerChoiceTest, notesLinksAndRebuiltPagesAreMarked) {
     EXPECT_FALSE(viewedRecord(db(), UrlId{999}));
 }
 
+/// A tab that can be typed into doesn't look as if it couldn't.
+TEST_F(ViewerChoiceTest, notesAreOfUseWhereTheyCanBeWritten) {
+    ViewedRecord record = viewed({});
+    EXPECT_TRUE(isOfUse(Viewer::Notes, record));
+    EXPECT_FALSE(isOfUse(Viewer::Text, record));
+    record.mayNote = false;
+    EXPECT_FALSE(isOfUse(Viewer::Notes, record));
+    record = viewed({{"Notes", "seen"}});
+    record.mayNote = false;
+    EXPECT_TRUE(isOfUse(Viewer::Notes, record));
+}
+
 } // namespace
 } // namespace nv
