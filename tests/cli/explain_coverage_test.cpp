@@ -58,6 +58,8 @@ constexpr auto kExceptions = std::to_array<Exception>({
     {"firefox-places", "from_url", OriginCheck::unread, "the number of its visit is no number"},
     {"firefox3-history", "URL", OriginCheck::unread, "the row's own number is damaged"},
     {"firefox3-history", "URLRawValue", OriginCheck::unread, "the same"},
+    {"firefox3-history", "Visits", OriginCheck::unread, "the same"},
+    {"firefox-places", "Visits", OriginCheck::unread, "the sum of two columns, of Android"},
     // No body is no size: 0 stands in the column all the same.
     {"*", "CacheFileSize", OriginCheck::derived, "there is no body", "0.00"},
 });

@@ -6,6 +6,8 @@
 
 #include <fmt/format.h>
 
+#include <cstdlib>
+
 namespace nv {
 
 namespace {
@@ -25,7 +27,10 @@ std::optional<bool> agreesAsNumber(const SourceValue &cell, const KeptValue &kep
 }
 
 bool agreesAsTruth(const SourceValue &cell, const KeptValue &kept) {
-    const bool isSet = cell.number.value_or(0) != 0 || equalsNoCase(trim(cell.text), "true");
+    // Of numbers with a fraction the whole counts.
+    const bool isReal = cell.bytes.empty() && std::strtod(cell.text.c_str(), nullptr) != 0;
+    const bool isSet =
+        isReal || cell.number.value_or(0) != 0 || equalsNoCase(trim(cell.text), "true");
     const bool isKept = kept.text == "yes" || kept.text == "True" || kept.text == "1";
     return isSet == isKept;
 }
