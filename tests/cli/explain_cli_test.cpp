@@ -191,6 +191,7 @@ TEST_F(ExplainCliTest, aRowThatAnotherLeadsToIsRead) {
 
 /// Safari's and macOS's clock is none that people know: its text says from when it counts.
 TEST_F(ExplainCliTest, theClockOfSafariIsToldInPlainWords) {
+    fs::create_directories(folder.path() / "evidence/ada");
     const std::string head = "<plist><dict><key>WebHistoryDates</key><array>\n<dict><key></key>";
     writeWhole(folder.path() / "evidence/ada/History.plist",
                head + "<string>http://a.example/?a=1&amp;b</string>\n<key>lastVisitedDate</key>"

@@ -1,4 +1,5 @@
 #include "base/Files.h"
+#include "db/RecordTags.h"
 #include "gui/CachedSite.h"
 #include "platform/qt/PageGuard.h"
 #include "ui/reports/RedactionForm.h"
@@ -12,6 +13,7 @@
 #include <QDialogButtonBox>
 #include <QLabel>
 #include <QLineEdit>
+#include <QListWidget>
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QRadioButton>
@@ -35,6 +37,7 @@ class ReportTest : public QObject {
     void aTypeHasToBeChosen();
     void aReportIsMadeOfTheRowsInView();
     void taggedRowsAreOfferedFirst();
+    void rowsWithTagsAreChosenAndKept();
     void optionsAreKept();
     void aFinishedReportComesToTheFront();
     void aReportIsFoundAgainWithItsProject();
@@ -122,6 +125,38 @@ void ReportTest::taggedRowsAreOfferedFirst() {
     const std::string text = page("index-history.htm");
     QVERIFY(text.find("name='box1'") != std::string::npos);
     QVERIFY(text.find("name='box2'") == std::string::npos);
+}
+
+void ReportTest::rowsWithTagsAreChosenAndKept() {
+    SQLite::Database &project = m_desk->program.state.projectDB.connection();
+    Unwatched nobody;
+    for (const auto &[name, rows] : {std::pair("Important", RowIds{2}), {"Ask <b>", {1, 2}}}) {
+        const NamedTag tag = NamedTags(project).add({0, name, {}, 0, {}});
+        QVERIFY(RecordTags(project).set(tag.tagID, rows, {}, nobody));
+    }
+    const auto item = [](ReportForm &form, int row) {
+        return child<QListWidget>(form, "lstReportTags").item(row);
+    };
+    make(2, [&](ReportForm &form) {
+        auto &named = child<QRadioButton>(form, "opNamedTags");
+        QCOMPARE(item(form, 1)->text(), QStringLiteral("Ask <b> (2)"));
+        named.click();
+        press(form, QDialogButtonBox::Ok);
+        QCOMPARE(m_desk->examiner.heard.back(), std::string("report-tag-missing"));
+        child<QRadioButton>(form, "opAll").click();
+        item(form, 0)->setCheckState(Qt::Checked);
+        QVERIFY2(named.isChecked() && named.text().contains(u'1'), "who checks means its rows");
+        QCOMPARE(child<QComboBox>(form, "cbCards").currentData().toInt(),
+                 static_cast<int>(CaseCards::tagged));
+    });
+    QVERIFY(page("index-history.htm").find("name='box1'") != std::string::npos);
+    QVERIFY(page("index-history.htm").find("name='box2'") == std::string::npos);
+    make(2, [&](ReportForm &form) {
+        QVERIFY2(child<QRadioButton>(form, "opNamedTags").isChecked(), "kept with the project");
+        QCOMPARE(item(form, 0)->checkState(), Qt::Checked);
+        item(form, 1)->setCheckState(Qt::Checked);
+    });
+    QVERIFY(page("index-history.htm").find("name='box2'") != std::string::npos);
 }
 
 void ReportTest::optionsAreKept() {

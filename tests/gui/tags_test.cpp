@@ -1,24 +1,19 @@
 #include "app/program/ProjectHold.h"
-#include "base/Files.h"
 #include "db/NamedTags.h"
 #include "db/RecordTags.h"
 #include "gui/Desk.h"
 #include "platform/qt/QtText.h"
-#include "ui/reports/ReportForm.h"
 #include "ui/views/TableTab.h"
 #include "ui/views/TagForm.h"
 #include "ui/views/TagPills.h"
 #include "ui/views/TagsPane.h"
 #include "ui/window/Theme.h"
 
-#include <QComboBox>
 #include <QDialogButtonBox>
 #include <QLabel>
-#include <QListWidget>
 #include <QMenu>
 #include <QPlainTextEdit>
 #include <QPushButton>
-#include <QRadioButton>
 #include <QTest>
 #include <QToolButton>
 #include <QTreeWidget>
@@ -48,7 +43,6 @@ class TagsTest : public QObject {
     void theFormSaysWhyANameCannotBe();
     void aCopyHasThem();
     void aReadOnlyProjectIsLookedAtOnly();
-    void aReportOfTheirRowsIsMadeAndKept();
     void coloursCanBeReadInBothPalettes();
 
   private:
@@ -273,68 +267,6 @@ void TagsTest::aReadOnlyProjectIsLookedAtOnly() {
     QCOMPARE(m_desk->examiner.heard.back(), std::string("reading-only"));
     QCOMPARE(rowsOf("Important"), 1u);
     m_form.reset(); // before the other window goes
-}
-
-void TagsTest::aReportOfTheirRowsIsMadeAndKept() {
-    NamedTags tags(project());
-    Unwatched nobody;
-    const auto add = [&](const char *name, const RowIds &rows) {
-        const NamedTag tag =
-            tags.add({.tagID = 0, .name = name, .color = {}, .position = 0, .note = {}});
-        QVERIFY(RecordTags(project()).set(tag.tagID, rows, {}, nobody));
-    };
-    add("Important", {2});
-    add("Ask <b>", {1, 2});
-    const auto press = [](ReportForm &form) {
-        form.findChild<QDialogButtonBox *>()->button(QDialogButtonBox::Ok)->click();
-    };
-    const auto make = [this, press](const std::function<void(ReportForm &)> &act) {
-        whenShown<ReportForm>([act, press](ReportForm &form) {
-            child<QComboBox>(form, "cbReportType").setCurrentIndex(2);
-            act(form);
-            press(form);
-        });
-        trigger(*m_form, "actCreateReport");
-    };
-    const auto has = [this](const char *row) {
-        const auto file = m_desk->program.state.tempFolderPath / "Report" / "index-history.htm";
-        return ByteView(readWhole(file)).find(row).has_value();
-    };
-    const auto named = [](ReportForm &form) -> QRadioButton & {
-        return child<QRadioButton>(form, "opNamedTags");
-    };
-    whenShown<ReportForm>([&](ReportForm &form) {
-        auto &list = child<QListWidget>(form, "lstReportTags");
-        QCOMPARE(list.count(), 2);
-        QCOMPARE(list.item(1)->text(), QStringLiteral("Ask <b> (2)"));
-        QVERIFY(!named(form).isChecked());
-        child<QComboBox>(form, "cbReportType").setCurrentIndex(3);
-        named(form).click();
-        press(form);
-        QVERIFY2(form.isVisible(), "no tag is checked");
-        QCOMPARE(m_desk->examiner.heard.back(), std::string("report-tag-missing"));
-        child<QRadioButton>(form, "opAll").click();
-        child<QListWidget>(form, "lstReportTags").item(0)->setCheckState(Qt::Checked);
-        QVERIFY2(named(form).isChecked(), "who checks a tag means its rows");
-        QVERIFY(named(form).text().contains(u'1'));
-        QCOMPARE(child<QComboBox>(form, "cbCards").currentData().toInt(),
-                 static_cast<int>(CaseCards::tagged));
-        child<QComboBox>(form, "cbReportType").setCurrentIndex(2);
-        press(form);
-    });
-    trigger(*m_form, "actCreateReport");
-    QVERIFY(has("name='box1'"));
-    QVERIFY(!has("name='box2'"));
-    make([&](ReportForm &form) {
-        QVERIFY2(named(form).isChecked(), "kept with the project");
-        QCOMPARE(child<QListWidget>(form, "lstReportTags").item(0)->checkState(), Qt::Checked);
-        QCOMPARE(child<QListWidget>(form, "lstReportTags").item(1)->checkState(), Qt::Unchecked);
-        child<QListWidget>(form, "lstReportTags").item(1)->setCheckState(Qt::Checked);
-        QVERIFY(named(form).text().contains(u'2'));
-    });
-    QVERIFY(has("name='box2'"));
-    make([&](ReportForm &form) { child<QRadioButton>(form, "opAll").click(); });
-    make([&](ReportForm &form) { QVERIFY(!named(form).isChecked()); });
 }
 
 void TagsTest::coloursCanBeReadInBothPalettes() {

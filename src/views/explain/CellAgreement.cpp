@@ -6,6 +6,8 @@
 
 #include <fmt/format.h>
 
+#include <cstdlib>
+
 namespace nv {
 
 namespace {
@@ -25,7 +27,10 @@ std::optional<bool> agreesAsNumber(const SourceValue &cell, const KeptValue &kep
 }
 
 bool agreesAsTruth(const SourceValue &cell, const KeptValue &kept) {
-    const bool isSet = cell.number.value_or(0) != 0;
+    // Of numbers with a fraction the whole counts.
+    const bool isReal = cell.bytes.empty() && std::strtod(cell.text.c_str(), nullptr) != 0;
+    const bool isSet =
+        isReal || cell.number.value_or(0) != 0 || equalsNoCase(trim(cell.text), "true");
     const bool isKept = kept.text == "yes" || kept.text == "True" || kept.text == "1";
     return isSet == isKept;
 }
@@ -63,7 +68,7 @@ bool agreesAsText(const SourceValue &cell, const KeptValue &kept, std::string &n
         return true;
     constexpr std::size_t kCompared = 4000; // bytes
     if (percentDecode(text) == kept.text)
-        note = "its percent coding is undone";
+        note = "its percent coding undone";
     else if (cell.bytes.size() > text.size() &&
              kept.text.starts_with(std::string_view(text).substr(0, kCompared)))
         note = fmt::format("compared up to its {}th byte", kCompared);

@@ -137,7 +137,7 @@ class RecordValues::Reading {
         const bool isTold =
             value.check != OriginCheck::unread && value.check != OriginCheck::notKept;
         if (const MadeBy *otherwise = madeOtherwise(property.name);
-            otherwise && !isTold && (!m_isCut || otherwise->isAlways))
+            otherwise && !isTold && (otherwise->isAlways || (rules.empty() && !m_isCut)))
             setMade(*otherwise, value);
         return value;
     }

@@ -52,7 +52,7 @@ std::optional<std::int64_t> wholeOf(double number) {
         return std::nullopt;
     return number >= kTwoTo63   ? Limits::max()
            : number < -kTwoTo63 ? Limits::min()
-                                : std::llround(number);
+                                : static_cast<std::int64_t>(number);
 }
 
 std::optional<std::int64_t> numberIn(std::string_view text) {
@@ -63,6 +63,13 @@ std::optional<std::int64_t> numberIn(std::string_view text) {
     const char *end = text.data() + text.size();
     const auto [stop, error] = std::from_chars(text.data(), end, number);
     return error == std::errc() && stop == end && !text.empty() ? wholeOf(number) : std::nullopt;
+}
+
+std::string whyNone(EvidenceDatabase &database, const std::string &table, std::string_view path) {
+    const bool isOwn = path.find_first_of(">@") == std::string_view::npos;
+    return isOwn && !database.columnsOf(table).contains(toLower(path))
+               ? "the file has no such column"
+               : "the file has no such row any more";
 }
 
 SourceValue valueOf(const CellFound &cell) {
@@ -138,7 +145,7 @@ void SourceValues::readCells(const FieldRule &rule, std::vector<SourceValue> &va
          cellsAt(m_tables.of(m_file), {m_place.table, *m_place.rowId}, rule.path, start))
         values.push_back(valueOf(cell));
     if (values.empty())
-        values.push_back(unread(rule, "the file has no such row or column"));
+        values.push_back(unread(rule, whyNone(m_tables.of(m_file), m_place.table, rule.path)));
 }
 
 } // namespace nv
