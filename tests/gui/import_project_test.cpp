@@ -165,9 +165,10 @@ void ImportProjectTest::utcIsOfferedFirst() {
         true);
     QCOMPARE(zoneKey(m_desk->program.state.gmtZone), std::string("UTC"));
     QCOMPARE(m_desk->program.state.projectDB.connection()
-                 .execAndGet("SELECT count(*) FROM URLs WHERE ActionDateLocal = ActionDateUTC")
-                 .getInt(),
-             6);
+                 .execAndGet("SELECT round(max(abs(ActionDateLocal - ActionDateUTC)) * 1440) "
+                             "FROM URLs")
+                 .getDouble(),
+             0.0);
     trigger(*m_form, "actClose");
     choose(m_desk->folder.path() / "evidence");
     m_desk->program.state.gmtZone.exact = exactZoneNamed(m_desk->program, "Europe/Berlin");

@@ -235,6 +235,11 @@ void TagsTest::theFormSaysWhyANameCannotBe() {
     QVERIFY(!child<QLabel>(form, "labTagFault").text().isEmpty());
     name.setText(QString(101, u'x'));
     QVERIFY(!okay->isEnabled());
+    for (const char16_t *blanks : {u"   ", u"\t", u"\u00A0", u"\u3000 \u2800", u"\u200B"}) {
+        name.setText(QString::fromUtf16(blanks));
+        QVERIFY2(!okay->isEnabled(), qPrintable(QString::fromUtf16(blanks)));
+        QVERIFY(!child<QLabel>(form, "labTagFault").text().isEmpty());
+    }
     name.setText(QStringLiteral("Other"));
     QVERIFY(okay->isEnabled());
     QCOMPARE(form.tag().color, std::string("#123456"));

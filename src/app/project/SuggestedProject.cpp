@@ -67,8 +67,10 @@ bool canHold(const fs::path &folder, const std::vector<fs::path> &evidence) {
 }
 
 fs::path folderFor(const Program &program, const std::vector<fs::path> &evidence) {
-    const fs::path beside = commonFolder(evidence).parent_path();
-    if (canHold(beside, evidence) && diskOf(beside) == diskOf(program.paths.home))
+    const fs::path common = commonFolder(evidence);
+    const fs::path beside = common.parent_path();
+    if (beside != common && canHold(beside, evidence) &&
+        diskOf(beside) == diskOf(program.paths.home))
         return beside;
     for (const fs::path &folder : {folderOfProjects(program), program.paths.home})
         if (canHold(folder, evidence))

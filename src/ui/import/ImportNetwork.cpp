@@ -7,8 +7,11 @@
 #include "ui/import/WizardParts.h"
 #include "views/ImportOverview.h"
 
+#include <QAccessible>
 #include <QBoxLayout>
 #include <QEvent>
+
+#include <utility>
 
 namespace nv {
 
@@ -41,15 +44,20 @@ ImportNetwork::ImportNetwork(Program &program, QWidget *parent)
 }
 
 void ImportNetwork::look() {
-    m_warns = networkConnectionStatus(m_program) == "ENABLED";
+    const bool warned = std::exchange(m_warns, networkConnectionStatus(m_program) == "ENABLED");
     const Message warning = messages::networkDetected();
     m_title->setText(toQt(warning.title));
     m_text->setText(toQt(messages::networkWarning()));
     setAccessibleName(m_title->text() + QStringLiteral(". ") + m_text->text());
     m_sign->setText(toQt(lightSign(ImportLight::amber)));
+    m_disable->setAccessibleDescription(m_text->text());
     m_disable->show();
     paintLight();
     setVisible(m_warns);
+    if (m_warns && !warned) { // a reader of the screen says it, as it would a message
+        QAccessibleEvent alert(this, QAccessible::Alert);
+        QAccessible::updateAccessibility(&alert);
+    }
 }
 
 void ImportNetwork::disable() {

@@ -24,7 +24,7 @@ ImportProject::ImportProject(Program &program, ChooseProject chooseProject, QWid
     m_path->setObjectName(QStringLiteral("txtImportProject"));
     m_path->setAccessibleName(tr("Project file"));
     m_path->setToolTip(tr("The file that is made for the case. It never lies in the evidence."));
-    m_path->setPlaceholderText(tr("Outside of the evidence"));
+    m_path->setPlaceholderText(tr("Name a file outside of the evidence"));
     connect(m_path, &QLineEdit::textChanged, this, &ImportProject::changed);
     QPushButton *browse = newWizardButton("btnImportProject", tr("Bro&wse..."));
     browse->setAccessibleName(tr("Browse for: Project file"));

@@ -54,9 +54,12 @@ TEST_F(SuggestedProjectTest, itNeverLiesInTheEvidence) {
     }
 }
 
-/// Every disk is among the evidence: then nobody but the examiner can say where.
-TEST_F(SuggestedProjectTest, aWholeMachineLeavesNoPlace) {
-    EXPECT_TRUE(suggestedProject(*program, {"/"}).empty());
+/// A machine that is examined by itself has the program's own folders among its evidence.
+TEST_F(SuggestedProjectTest, aWholeMachineHasNothingBesideIt) {
+    EXPECT_EQ(suggested({"/"}), "home/Evidence 2011-06-15.nvp");
+}
+
+TEST_F(SuggestedProjectTest, withoutEvidenceThereIsNoName) {
     EXPECT_TRUE(suggestedProject(*program, {}).empty());
     EXPECT_TRUE(suggestedProject(*program, {cases / "gone"}).empty());
 }
