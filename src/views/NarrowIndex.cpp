@@ -64,7 +64,7 @@ struct Looker {
 constexpr const char *kFunction = "nv_look";
 constexpr const char *kLooker = "nv::Looker"; ///< what the first argument points to
 
-/// Who looks: asked of the first row, since to compare the pointer's name takes as long as the rest.
+/// Who looks: asked of the first row, since to compare the pointer's name takes long.
 /// Null when somebody else calls the function.
 const Looker *lookerOf(sqlite3_context *context, sqlite3_value *first) {
     void *room = sqlite3_aggregate_context(context, sizeof(const Looker *)); // zeros at first
