@@ -25,6 +25,9 @@ constexpr std::uint32_t kApplicationId = 0x4E565331; // "NVS1"
 /// Another number makes each index anew: count it up when what is indexed changes.
 constexpr std::uint32_t kForm = 1;
 constexpr int kHashBytes = 32 << 20;
+/// So many pieces of an index lie side by side before they are made one, which takes a fifth of the
+/// making less than with the usual four.
+constexpr int kPieces = 16;
 
 /// Values are cut into runs of three letters, so that any part is found; texts into words. No text
 /// is kept: hits are read from the project.
@@ -109,8 +112,9 @@ std::unique_ptr<SQLite::Database> make(const fs::path &file) {
                                kApplicationId, kForm));
     database->exec(kTables);
     for (const char *table : {"Brief", "Words"})
-        database->exec(
-            fmt::format("INSERT INTO {0} ({0}, rank) VALUES ('hashsize', {1})", table, kHashBytes));
+        database->exec(fmt::format("INSERT INTO {0} ({0}, rank) VALUES ('hashsize', {1}), "
+                                   "('automerge', {2})",
+                                   table, kHashBytes, kPieces));
     return database;
 }
 

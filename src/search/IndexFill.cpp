@@ -2,7 +2,6 @@
 
 #include "base/Text.h"
 #include "search/IndexFile.h"
-#include "search/StillWanted.h"
 
 #include <SQLiteCpp/Database.h>
 #include <fmt/format.h>
@@ -43,6 +42,7 @@ std::int32_t rowOfDoc(std::int64_t doc) {
 IndexFill::IndexFill(SQLite::Database &project, SQLite::Database &index, bool parts,
                      bool fillsParts)
     : m_index(index), m_reader(project), m_fillsParts(fillsParts),
+      m_knownRows(index, "SELECT URL_ID, Round, Print FROM Rows WHERE URL_ID > ? ORDER BY URL_ID"),
       m_brief(index, "INSERT INTO Brief (rowid, Text) VALUES (?, ?)"),
       m_words(index, "INSERT INTO Words (rowid, Page, Headers) VALUES (?, ?, ?)"),
       m_parts(nv::partsOf(index, parts)),
@@ -50,20 +50,28 @@ IndexFill::IndexFill(SQLite::Database &project, SQLite::Database &index, bool pa
       m_bury(index, "INSERT OR IGNORE INTO Dead VALUES (?)"),
       m_remove(index, "DELETE FROM Rows WHERE URL_ID = ?") {}
 
-bool IndexFill::load(TaskMonitor &task) {
-    StillWanted wanted(task);
-    const std::string round = index_file::fact(m_index, "round");
-    std::from_chars(round.data(), round.data() + round.size(), m_round);
-    SQLite::Statement rows(m_index, "SELECT URL_ID, Round, Print FROM Rows ORDER BY URL_ID");
-    while (wanted.goesOn() && rows.executeStep())
-        m_known.push_back({rows.getColumn(0).getInt(), rows.getColumn(1).getInt(),
-                           std::bit_cast<std::uint64_t>(rows.getColumn(2).getInt64())});
-    return !wanted.isOver();
+/// The next row that the index knows, by its id. Null when there are no more: what this pass adds
+/// lies before.
+const IndexFill::Known *IndexFill::known() {
+    constexpr std::size_t kAtOnce = 50'000;
+    if (m_next == m_known.size() && !m_knowsAll) {
+        m_known.clear();
+        m_next = 0;
+        m_knownRows.bind(1, m_lastKnown);
+        while (m_known.size() < kAtOnce && m_knownRows.executeStep())
+            m_known.push_back({m_knownRows.getColumn(0).getInt(), m_knownRows.getColumn(1).getInt(),
+                               std::bit_cast<std::uint64_t>(m_knownRows.getColumn(2).getInt64())});
+        m_knownRows.reset();
+        m_knowsAll = m_known.size() < kAtOnce;
+        if (!m_known.empty())
+            m_lastKnown = m_known.back().id;
+    }
+    return m_next < m_known.size() ? &m_known[m_next] : nullptr;
 }
 
 bool IndexFill::run(TaskMonitor &task) {
-    if (!load(task))
-        return false;
+    const std::string round = index_file::fact(m_index, "round");
+    std::from_chars(round.data(), round.data() + round.size(), m_round);
     // Numbers of a pass that was cut short are never given again.
     index_file::setFact(m_index, "round", std::to_string(m_round + 1));
     const bool goesOn = lookAtAll(task);
@@ -93,12 +101,12 @@ bool IndexFill::lookAtAll(TaskMonitor &task) {
 /// Rows before this one that the index knows and the project doesn't have. Of those that can't be
 /// read any more the index still tells what they held.
 void IndexFill::passOver(std::int32_t before) {
-    for (; m_next < m_known.size() && m_known[m_next].id < before; ++m_next) {
-        const Known &known = m_known[m_next];
-        if (m_unread.contains(known.id))
+    for (const Known *row = known(); row != nullptr && row->id < before; row = known()) {
+        ++m_next;
+        if (m_unread.contains(row->id))
             continue;
-        bury(known);
-        m_remove.bind(1, known.id);
+        bury(*row);
+        m_remove.bind(1, row->id);
         m_remove.exec();
         m_remove.reset();
         ++m_gone;
@@ -107,18 +115,19 @@ void IndexFill::passOver(std::int32_t before) {
 
 void IndexFill::look(const PrintedRow &printed) {
     const auto &[row, print] = printed;
-    if (m_next >= m_known.size() || m_known[m_next].id != row.id) {
+    const Known *before = known();
+    if (before == nullptr || before->id != row.id) {
         ++m_added;
         return insert(row, print);
     }
-    const Known &known = m_known[m_next++];
-    if (known.print == print) {
+    ++m_next;
+    if (before->print == print) {
         if (m_fillsParts)
-            insertParts(row, known.round);
+            insertParts(row, before->round);
         return;
     }
     ++m_changed;
-    bury(known);
+    bury(*before);
     insert(row, print);
 }
 

@@ -6,6 +6,7 @@
 #include <SQLiteCpp/Statement.h>
 
 #include <cstdint>
+#include <limits>
 #include <optional>
 #include <set>
 #include <string>
@@ -21,8 +22,8 @@ class IndexFill {
     /// With `parts` there is a table of parts; with `fillsParts` it is still empty.
     IndexFill(SQLite::Database &project, SQLite::Database &index, bool parts, bool fillsParts);
 
-    /// False when cancelled; what was done up to then holds. Rows are read in a thread of their own:
-    /// nobody else may use the project's connection meanwhile, and so mayn't the task.
+    /// False when cancelled; what was done up to then holds. Rows are read in a thread of
+    /// their own: nobody else, and no task, may use the project's connection meanwhile.
     bool run(TaskMonitor &task);
 
     std::int64_t added() const { return m_added; }
@@ -39,7 +40,7 @@ class IndexFill {
         std::uint64_t print = 0;
     };
 
-    bool load(TaskMonitor &task);
+    const Known *known();
     bool lookAtAll(TaskMonitor &task);
     void passOver(std::int32_t before);
     void look(const PrintedRow &printed);
@@ -52,10 +53,13 @@ class IndexFill {
     SearchedRowReader m_reader;
     std::set<std::int32_t> m_unread; ///< of the rows up to those in hand
     bool m_fillsParts;
-    std::int32_t m_round = 0; ///< of this pass: the upper half of its numbers
-    std::vector<Known> m_known;
-    std::size_t m_next = 0; ///< of m_known
+    std::int32_t m_round = 0;   ///< of this pass: the upper half of its numbers
+    std::vector<Known> m_known; ///< some rows that follow each other
+    std::size_t m_next = 0;     ///< of m_known
+    std::int32_t m_lastKnown = std::numeric_limits<std::int32_t>::min(); ///< of those read so far
+    bool m_knowsAll = false;
     std::string m_joined;
+    SQLite::Statement m_knownRows;
     SQLite::Statement m_brief;
     SQLite::Statement m_words;
     std::optional<SQLite::Statement> m_parts;

@@ -52,19 +52,23 @@ std::string_view sourceOf(UrlColumn column) {
 /// The types as the table shows them; the same few come again and again.
 class TypeWords {
   public:
-    std::string_view of(std::string_view cacheType) {
+    const std::string &of(std::string_view cacheType) {
+        if (m_last != nullptr && m_last->first == cacheType)
+            return m_last->second;
         auto known = m_words.find(cacheType);
         if (known == m_words.end()) {
             if (m_words.size() == kMostKnown)
                 m_words.clear();
             known = m_words.emplace(cacheType, typeWord(cacheType)).first;
         }
-        return known->second;
+        m_last = &*known; // which stays where it is
+        return m_last->second;
     }
 
   private:
     static constexpr std::size_t kMostKnown = 1000; // words come from evidence
     std::unordered_map<std::string, std::string, TextHash, std::equal_to<>> m_words;
+    const std::pair<const std::string, std::string> *m_last = nullptr;
 };
 
 using Look = std::function<void(std::int32_t, std::string_view)>;
@@ -122,7 +126,7 @@ NarrowWalk walkIndex(SQLite::Database &project, const RowIds &ids, UrlColumn col
     const bool isType = factsOf(column).rule == CellRule::Type;
     TypeWords types;
     return walkNarrow(project, {sourceOf(column)}, ids, task, [&](const NarrowRow &row) {
-        look(row.id(), isType ? types.of(row.text(0)) : row.text(0));
+        look(row.id(), isType ? std::string_view(types.of(row.text(0))) : row.text(0));
     });
 }
 

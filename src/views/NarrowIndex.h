@@ -40,8 +40,8 @@ using Columns = std::vector<std::string_view>;
 enum class NarrowWalk {
     Finished,
     Cancelled,
-    /// No index has these columns, the rows are too few of all to read it, one is asked for twice, or
-    /// the index is damaged: what was shown is worth nothing, and the rows themselves tell.
+    /// No index has these columns, the rows are too few of all to read it, one is asked for
+    /// twice, or the index is damaged: what was shown is worth nothing; the rows themselves tell.
     Impossible,
 };
 /// Shows what an index holds of these rows, in no order that the caller may count on. Rows that
@@ -49,13 +49,13 @@ enum class NarrowWalk {
 NarrowWalk walkNarrow(SQLite::Database &project, const Columns &columns, const RowIds &ids,
                       TaskMonitor &task, const std::function<void(const NarrowRow &)> &look);
 
-/// Shows each value of a column and how many of all rows have it, by an index. False when that can't
-/// be: what was shown is worth nothing then.
+/// Shows each value of a column, or one of those that differ in case only, and how many of all rows
+/// have it, by an index. False when that can't be: what was shown is worth nothing then.
 bool countNarrow(SQLite::Database &project, std::string_view column,
                  const std::function<void(std::string_view, std::uint64_t)> &show);
 
-/// Finds the rows, in any order, that meet a condition over these columns alone, by an index that has
-/// them, else as findRows() does.
+/// Finds the rows, in any order, that meet a condition over these columns alone, by an index that
+/// has them, else as findRows() does.
 Walk findNarrow(SQLite::Database &project, const Columns &columns, const IdQuery &condition,
                 TaskMonitor &task, RowIds &ids);
 

@@ -47,16 +47,20 @@ class Parts {
             return 0;
         const bool isByType = m_stack == TimeStack::kind || browser.empty();
         auto &known = isByType ? m_byType : m_byBrowser;
-        m_said = isByType ? cacheType : browser;
+        const std::string_view said = isByType ? cacheType : browser;
+        if (isByType == m_isLastByType && said == m_said && m_hasLast)
+            return m_last; // rows side by side often say the same
+        m_isLastByType = isByType;
+        m_said = said;
+        m_hasLast = true;
         if (const auto at = known.find(m_said); at != known.end())
-            return at->second;
+            return m_last = at->second;
         if (known.size() == kMostKnown) // names come from evidence
             known.clear();
-        const std::uint8_t place =
-            placeOf(m_stack == TimeStack::kind ? groupWord(groupOf(cacheType))
-                                               : nameOf(cacheType, browser));
-        known.emplace(m_said, place);
-        return place;
+        m_last = placeOf(m_stack == TimeStack::kind ? groupWord(groupOf(cacheType))
+                                                    : nameOf(cacheType, browser));
+        known.emplace(m_said, m_last);
+        return m_last;
     }
     /// More names came than there are parts: which of them have none depends on who came first.
     bool areFull() const { return m_names.size() >= kMostParts; }
@@ -84,7 +88,10 @@ class Parts {
     TimeStack m_stack;
     std::vector<std::string> &m_names;
     std::map<std::string, std::uint8_t, std::less<>> m_places;
-    std::string m_said; ///< by the row in hand
+    bool m_hasLast = false;
+    bool m_isLastByType = false;
+    std::string m_said; ///< by the last row
+    std::uint8_t m_last = 0;
     std::unordered_map<std::string, std::uint8_t> m_byType;
     std::unordered_map<std::string, std::uint8_t> m_byBrowser;
 };

@@ -1,5 +1,6 @@
 #include "cli/CliCase.h"
 
+#include <SQLiteCpp/SQLiteCpp.h>
 #include <gmock/gmock.h>
 #include <nlohmann/json.hpp>
 
@@ -51,6 +52,31 @@ TEST_F(TimelineCliTest, countsByUnits) {
               "Time,Events\r\n2011,1\r\n");
     EXPECT_THAT(timeline({"--format", "csv", "--hours"}).out,
                 HasSubstr("2011-03-01,0,0,0,0,0,0,0,0,0,0,0,0,0,2,"));
+}
+
+TEST_F(TimelineCliTest, theImportLeavesNarrowIndexesWithoutWhichTheSameIsTold) {
+    const auto told = [&] {
+        std::string all;
+        for (const char *stack : {"none", "kind", "browser"})
+            all += timeline({"--format", "csv", "--stack", stack}).out;
+        return all + cli({"places", project}).out;
+    };
+    const auto hasIndexes = [&] {
+        SQLite::Database database(project);
+        return database
+            .execAndGet("SELECT count(*) FROM sqlite_master WHERE name IN ('URLTimeIndex', "
+                        "'URLHostIndex')")
+            .getInt();
+    };
+    EXPECT_EQ(hasIndexes(), 2);
+    const Bytes before = readWhole(project);
+    const std::string quick = told();
+    EXPECT_THAT(quick, HasSubstr("a.example"));
+    EXPECT_EQ(readWhole(project), before) << "nothing is written to look at it";
+    SQLite::Database(project, SQLite::OPEN_READWRITE)
+        .exec("DROP INDEX URLTimeIndex; DROP INDEX URLHostIndex");
+    EXPECT_EQ(told(), quick);
+    EXPECT_EQ(hasIndexes(), 0) << "whoever only looks makes none";
 }
 
 TEST_F(TimelineCliTest, listsGaps) {

@@ -261,6 +261,18 @@ TEST_F(SearchIndexTest, serves100000Rows) {
     EXPECT_EQ(found("word77").size(), 100u);
     EXPECT_EQ(found("/p100").size(), 112u) << "100, 1000 to 1009, 10000 to 10099, 100000";
     EXPECT_EQ(found("host:h96 word5*").size(), found("host:h96 /word5/").size());
+    // What the index knows is read by parts: changes at their ends, rows in between and behind.
+    connection().exec("UPDATE URLs SET HTMLBody = 'changed' WHERE URL_ID IN (1, 49999, 50000, "
+                      "50001, 100000); DELETE FROM URLs WHERE URL_ID IN (7, 50002, 100001); "
+                      "INSERT INTO URLs (URL_ID, HTMLBody) VALUES (100121, 'changed'), "
+                      "(200000, 'changed'); UPDATE URLs SET URL_ID = 150000 WHERE URL_ID = 50003");
+    EXPECT_THAT(found("changed"), ElementsAre(1, 49999, 50000, 50001, 100000, 100121, 200000));
+    EXPECT_EQ(news.changed, 5);
+    EXPECT_EQ(news.added, 3);
+    EXPECT_EQ(news.gone, 4);
+    EXPECT_EQ(found("others").size(), 100000u - 2 - 4);
+    connection().exec("DELETE FROM URLs WHERE URL_ID > 20");
+    EXPECT_EQ(found("others").size(), 0u);
 }
 
 } // namespace
