@@ -74,7 +74,7 @@ ReportForm::ReportForm(const ReportWriter &report, std::size_t rows, std::size_t
 QWidget *ReportForm::newButtons() {
     auto *buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel);
     buttons->button(QDialogButtonBox::Ok)->setText(tr("Okay"));
-    auto *publish = buttons->addButton(tr("Create and P&ublish..."), QDialogButtonBox::ActionRole);
+    auto *publish = buttons->addButton(tr("Create and Publis&h..."), QDialogButtonBox::ActionRole);
     publish->setObjectName(QStringLiteral("btnCreateAndPublish"));
     publish->setAutoDefault(false);
     publish->setToolTip(tr("Makes the report and asks for the folder that is handed over"));
