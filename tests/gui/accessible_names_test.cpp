@@ -158,9 +158,11 @@ void AccessibleNamesTest::everyDialogOfTheMenusHasNamesAndLettersOfItsOwn() {
     collectActions(m_form->menuBar()->actions(), actions);
     std::set<QString> came;
     QStringList faults;
-    m_desk->dialogs.answer.reset(); // choices of files are given up
+    m_desk->dialogs.answer.reset();                          // choices of files are given up
+    const std::set<QString> leaving = {"actNew", "actOpen"}; // they close the project first
     for (const QPointer<QAction> &action : actions) {
-        if (!action || !action->text().endsWith(QStringLiteral("...")) || !action->isEnabled())
+        if (!action || !action->text().endsWith(QStringLiteral("...")) || !action->isEnabled() ||
+            leaving.contains(action->objectName()))
             continue;
         const QString name = action->objectName();
         QTimer closing;
@@ -178,7 +180,8 @@ void AccessibleNamesTest::everyDialogOfTheMenusHasNamesAndLettersOfItsOwn() {
         QTest::qWait(30);
     }
     QVERIFY2(faults.isEmpty(), qPrintable(faults.join(u'\n')));
-    QVERIFY2(came.size() >= 14, qPrintable(QString::number(came.size())));
+    const QStringList all(came.begin(), came.end());
+    QVERIFY2(all.size() >= 14, qPrintable(all.join(u' ')));
 }
 
 void AccessibleNamesTest::everyBoxOfTheOtherWindowsHasAName() {

@@ -1,5 +1,6 @@
 #include "ui/window/ProgressBox.h"
 #include "ui/window/StatusForm.h"
+#include "ui/window/Theme.h"
 
 #include <QLabel>
 #include <QPushButton>
@@ -13,6 +14,7 @@ class StatusFormTest : public QObject {
 
   private slots:
     void showsTitlesIconAndBarsOfTheTask();
+    void theIconHasTheColoursOfTheTheme();
     void theCancelButtonIsHeardOnce();
     void closingTheWindowWhileATaskRunsCancelsIt();
     void textsOfEvidenceStayPlain();
@@ -47,6 +49,23 @@ void StatusFormTest::showsTitlesIconAndBarsOfTheTask() {
     QCOMPARE(child<QLabel>(form, "labBar1").text(), QStringLiteral("50 of 100"));
     QCOMPARE(child<ProgressBox>(form, "picBar2").percent(), 25);
     QVERIFY(child<QLabel>(form, "labBar2Msg").isVisible());
+}
+
+void StatusFormTest::theIconHasTheColoursOfTheTheme() {
+    StatusForm form(nullptr, kAtOnce);
+    const auto shown = [&form] {
+        TaskStatus thread(form);
+        const OpenTask task(thread, {"REBUILDING", "", "", "rebuild.gif"});
+        return child<QLabel>(form, "imgIcon").pixmap(Qt::ReturnByValue).toImage();
+    };
+    applyTheme(Theme::Light);
+    const QImage light = shown();
+    QVERIFY(!light.isNull());
+    applyTheme(Theme::Dark);
+    QVERIFY(shown() != light);
+    applyTheme(Theme::Light);
+    QCOMPARE(shown(), light);
+    applyTheme(Theme::System);
 }
 
 void StatusFormTest::theCancelButtonIsHeardOnce() {

@@ -90,6 +90,13 @@ void ThemesTest::textsAreReadAndWhatIsDisabledIsSeen() {
         QVERIFY(contrast(palette.color(QPalette::Active, text), below) > 2 * now);
     }
     QCheckBox box(QStringLiteral("Pictures"));
+    box.show();
+    const QImage empty = box.grab().toImage();
+    double frame = 0; // of an empty box, against the window
+    for (int x = 0; x < 12; ++x)
+        frame = std::max(frame, contrast(empty.pixelColor(x, empty.height() / 2),
+                                         palette.color(QPalette::Window)));
+    QVERIFY2(frame >= 3, qPrintable(QString::number(frame)));
     box.setChecked(true);
     const QImage enabled = box.grab().toImage();
     box.setEnabled(false);

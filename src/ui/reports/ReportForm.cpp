@@ -79,7 +79,7 @@ ReportForm::ReportForm(const ReportWriter &report, Rows rows, Examiner &examiner
 QWidget *ReportForm::newButtons() {
     auto *buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel);
     buttons->button(QDialogButtonBox::Ok)->setText(tr("Okay"));
-    auto *publish = buttons->addButton(tr("Create and P&ublish..."), QDialogButtonBox::ActionRole);
+    auto *publish = buttons->addButton(tr("Create and Publis&h..."), QDialogButtonBox::ActionRole);
     publish->setObjectName(QStringLiteral("btnCreateAndPublish"));
     publish->setAutoDefault(false);
     publish->setToolTip(tr("Makes the report and asks for the folder that is handed over"));

@@ -7,6 +7,7 @@
 #include <QApplication>
 #include <QBoxLayout>
 #include <QCoreApplication>
+#include <QEvent>
 #include <QLabel>
 #include <QPushButton>
 
@@ -133,6 +134,13 @@ void StatusForm::update(const TaskStatus &status) {
     const QString left = toQt(status.getTimeLeft());
     m_left->setVisible(status.showTimeElapsed && !left.isEmpty());
     m_left->setText(QStringLiteral("- ") + left);
+}
+
+/// A picture is drawn in the colours of its moment; the window outlives their theme.
+void StatusForm::changeEvent(QEvent *event) {
+    QDialog::changeEvent(event);
+    if (event->type() == QEvent::PaletteChange)
+        m_iconPath.clear();
 }
 
 void StatusForm::showIcon(const TaskStatus &status) {

@@ -37,6 +37,9 @@ class StatusForm final : public QDialog, public StatusView {
     /// The examiner wants the task to end; emitted once a task.
     void cancelled();
 
+  protected:
+    void changeEvent(QEvent *event) override;
+
   private:
     struct Bar {
         QLabel *message = nullptr; ///< above the bar

@@ -92,6 +92,35 @@ QRadioButton::indicator:checked:disabled {
 }
 )";
 
+/// On a light ground they are paler than what can be seen, too.
+constexpr const char *kLightFrames = R"(
+QAbstractItemView::indicator, QCheckBox::indicator {
+    width: 13px; height: 13px; border: 1px solid #6f7a86; border-radius: 2px; background: #ffffff;
+}
+QAbstractItemView::indicator:checked, QCheckBox::indicator:checked {
+    border-color: #1f66c1; background: #1f66c1; image: url(:/images/tick.svg);
+}
+QAbstractItemView::indicator:disabled, QCheckBox::indicator:disabled {
+    border-color: #aab3bd; background: #f4f6f8;
+}
+QAbstractItemView::indicator:checked:disabled, QCheckBox::indicator:checked:disabled {
+    border-color: #8e98a3; background: #8e98a3; image: url(:/images/tick.svg);
+}
+QRadioButton::indicator {
+    width: 13px; height: 13px; border: 1px solid #6f7a86; border-radius: 7px; background: #ffffff;
+}
+QRadioButton::indicator:checked {
+    border-color: #1f66c1;
+    background: qradialgradient(cx: 0.5, cy: 0.5, radius: 0.5, fx: 0.5, fy: 0.5,
+        stop: 0 #1f66c1, stop: 0.5 #1f66c1, stop: 0.6 #ffffff, stop: 1 #ffffff);
+}
+QRadioButton::indicator:disabled { border-color: #aab3bd; background: #f4f6f8; }
+QRadioButton::indicator:checked:disabled {
+    background: qradialgradient(cx: 0.5, cy: 0.5, radius: 0.5, fx: 0.5, fy: 0.5,
+        stop: 0 #8e98a3, stop: 0.5 #8e98a3, stop: 0.6 #f4f6f8, stop: 1 #f4f6f8);
+}
+)";
+
 /// Without the toolkit's own pictures on buttons, which match none of ours, and with values of
 /// evidence from left to right in every window: otherwise "-1" would read "1-" in one that runs the
 /// other way, and a date would stand after its time.
@@ -158,7 +187,7 @@ void applyTheme(Theme theme) {
     const bool dark = theme == Theme::Dark || (theme == Theme::System && systemIsDark());
     QApplication::setStyle(new PlainStyle);
     QApplication::setPalette(paletteOf(dark ? kDark : kLight));
-    qApp->setStyleSheet(QString::fromLatin1(dark ? kDarkFrames : ""));
+    qApp->setStyleSheet(QString::fromLatin1(dark ? kDarkFrames : kLightFrames));
 }
 
 } // namespace nv
