@@ -124,8 +124,9 @@ void SearchBar::showTone() {
 
 void SearchBar::changeEvent(QEvent *event) {
     QWidget::changeEvent(event);
-    if (event->type() == QEvent::PaletteChange)
-        showTone();
+    // After the change is over: the style gives its labels their palettes back.
+    if (event->type() == QEvent::PaletteChange || event->type() == QEvent::StyleChange)
+        QMetaObject::invokeMethod(this, &SearchBar::showTone, Qt::QueuedConnection);
 }
 
 void SearchBar::addCounts(const QString &title, const QString &word, const NamedCounts &counts) {
