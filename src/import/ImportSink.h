@@ -16,8 +16,9 @@
 
 namespace nv {
 
-/// Where the records of one artefact become rows, in their order. All that a record undergoes on its
-/// way into the project happens in save(), or beside it on other threads, and then in one write.
+/// Where the records of one artefact become rows, in their order. All that a record undergoes on
+/// its way into the project happens in save(), or beside it on other threads, and then in one
+/// write.
 class ImportSink final : public RecordSink {
   public:
     /// All must outlive this. Rows are counted in `result` as they come, so that the count stands

@@ -19,7 +19,7 @@ namespace fs = std::filesystem;
 
 constexpr int kRecords = 120;
 
-/// A page of a few hundred bytes up to more than is kept in memory; some are none, some are hostile.
+/// A page of a few hundred bytes up to more than is kept in memory; some are none, or hostile.
 std::string bodyOfNumber(int number) {
     if (number % 11 == 3)
         return "GIF89a" + std::string(5000, static_cast<char>(number));
