@@ -71,6 +71,19 @@ TEST(ScanPage, linksAreToldApart) {
         "<link rel=preload href=\"\" as=script><link href='' rel=modulepreload>");
 }
 
+TEST(ScanPage, aStyleOfAnotherTypeMayBeMoreThanThat) {
+    const std::string link = "<link rel='stylesheet preconnect' type=text/plain href=http://h/a>";
+    EXPECT_THAT(of(link), IsEmpty());
+    EXPECT_EQ(disarmed(link), "<link rel='stylesheet preconnect' type=text/plain href=\"\">");
+    EXPECT_THAT(of("<link rel='stylesheet icon' type=text/plain href=a>"),
+                ElementsAre("link href=a"));
+}
+
+TEST(ScanPage, onlyTheFirstBaseCounts) {
+    EXPECT_EQ(scanPage("<base target=x><base href=/a/><base href=/b/>", "page").base, "/a/");
+    EXPECT_EQ(scanPage("<base href><base href=/b/>", "page").base, "");
+}
+
 TEST(ScanPage, stylesThatAScriptWouldApplyApply) {
     const std::string late = "<link rel=\"preload\" as=\"style\" href=\"a.css\" "
                              "onload=\"this.rel='stylesheet'\">";
@@ -196,6 +209,65 @@ TEST(ScanPage, whatIsForBrowsersWithoutScriptsShows) {
         "<noscript>b</noscript>";
     EXPECT_EQ(disarmed(twice), "<img data-was-data-src=a.png src=s.gif alt=blank class=lazy>b");
     EXPECT_THAT(of(twice), ElementsAre("img data-src=a.png"));
+}
+
+TEST(ScanPage, ofANoscriptOnlyThePictureGoesThatIsShownAlready) {
+    const std::string html =
+        "<img data-src=b.png><noscript><img src=b.png srcset='b.png 2x'><p>text "
+        "kept</p><img src=c.png></noscript><img src=b.png>";
+    EXPECT_EQ(disarmed(html), "<img src=b.png><p>text kept</p><img src=c.png><img src=b.png>");
+    EXPECT_THAT(of(html), ElementsAre("img data-src=b.png", "img src=c.png", "img src=b.png"));
+    EXPECT_EQ(disarmed("<img data-src=a><noscript><noscript><img src=a></noscript>x</noscript>"),
+              "<img src=a>x");
+}
+
+/// By the rules that browsers have now, a list holds what any element may hold.
+TEST(ScanPage, whatStandsInAListIsRead) {
+    const std::string html =
+        "<style>select,::picker(select){x:y}</style><SELECT style='background:url(z.png)'>"
+        "<button><img src=http://h/a.png></button><div><meta http-equiv=refresh content='0;url=/'>"
+        "<iframe src=b.htm></iframe></div><option><img src=c.png onerror=x>one</option></select>";
+    EXPECT_THAT(of(html), ElementsAre("select background=z.png", "img src=http://h/a.png",
+                                      "iframe src=b.htm", "img src=c.png"));
+    const std::string plain = disarmed(html);
+    EXPECT_THAT(plain, HasSubstr("http-equiv=\"\""));
+    EXPECT_THAT(plain, HasSubstr("onerror=\"\""));
+    EXPECT_THAT(plain, HasSubstr("<SELECT style="));
+    EXPECT_THAT(plain, HasSubstr("select,::picker(select){x:y}"));
+    EXPECT_THAT(of("<iframe srcdoc='&lt;select>&lt;b>&lt;img src=a.png>&lt;/select>'></iframe>"),
+                ElementsAre("img src=a.png"));
+}
+
+/// Browsers with the older rules pass over "<style>" in a list, and what it holds would be tags.
+TEST(ScanPage, whatIsTextBehindAListIsTextForAllBrowsers) {
+    const std::string tags = "<input><meta http-equiv=refresh content=0><img src=http://h/a>";
+    const std::string closed =
+        "\\3C input>\\3C meta http-equiv=refresh content=0>\\3C img src=http://h/a>";
+    EXPECT_EQ(disarmed("<select><style>" + tags + "</style></select>"),
+              "<select><style>" + closed + "</style></select>");
+    EXPECT_EQ(disarmed("<p><select></p><style>" + tags + "</style>"),
+              "<p><select></p><style>" + closed + "</style>");
+    for (const std::string name : {"title", "xmp", "noembed", "noframes", "iframe"})
+        EXPECT_THAT(disarmed("<select><" + name + ">" + tags + "</" + name + "></select>"),
+                    HasSubstr(" input> meta http-equiv=refresh content=0> img src"))
+            << name;
+    EXPECT_THAT(disarmed("<select><svg><![CDATA[" + tags + "]]></svg></select>"),
+                HasSubstr(" input> meta"));
+    EXPECT_THAT(disarmed("<select><plaintext>" + tags), HasSubstr(" input> meta"));
+    const std::string before = "<style>a{content:'<b>'}</style><select></select>";
+    EXPECT_EQ(disarmed(before), before);
+}
+
+TEST(ScanPage, manyListsAreReadInTime) {
+    std::string html;
+    for (int i = 0; i < 100'000; ++i)
+        html += "<select><option><select></select><style>a<b</style>";
+    EXPECT_NO_THROW({
+        try {
+            scanPage(html, "page");
+        } catch (const PageTooLarge &) { // told, and soon
+        }
+    });
 }
 
 TEST(ScanPage, nothingRunsOrLeadsAway) {
