@@ -24,6 +24,7 @@ class AuditModel final : public QAbstractTableModel {
         Score,
         PartUrl,
         Others,
+        Cache,
         Element,
         Address,
         Rule,
