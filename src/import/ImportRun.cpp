@@ -295,7 +295,7 @@ class Import {
     std::size_t m_finishedKept = 0;
     RowsByKind m_rowsKept; ///< of the artefact after them
     Workers m_workers;
-    WriteBatch m_batch;    ///< over artefacts: a commit for each loose page takes long
+    WriteBatch m_batch; ///< over artefacts: a commit for each loose page takes long
 };
 
 /// Every file of the list as one that the import hasn't reached.
