@@ -142,6 +142,7 @@ void ExactRebuildTest::theAuditTellsRuleTimeAndHash() {
     QCOMPARE(auditCell(kLogo, AuditModel::Apart), QStringLiteral("same second"));
     QCOMPARE(auditCell(kLogo, AuditModel::Document), QStringLiteral("1"));
     QCOMPARE(auditCell(kLogo, AuditModel::Hash).size(), 64);
+    QVERIFY(auditCell(kLogo, AuditModel::Cache).contains(QStringLiteral("index.dat")));
     QCOMPARE(auditCell(kBack, AuditModel::Rule), QStringLiteral("same path, other query"));
     QCOMPARE(auditCell(kBack, AuditModel::PartUrl), QStringLiteral("http://host/pic/back.gif?v=1"));
     QCOMPARE(auditCell(kGone, AuditModel::State), QStringLiteral("Marked place: not in any cache"));
