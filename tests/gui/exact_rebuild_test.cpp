@@ -147,6 +147,10 @@ void ExactRebuildTest::theAuditTellsRuleTimeAndHash() {
     QCOMPARE(auditCell(kBack, AuditModel::PartUrl), QStringLiteral("http://host/pic/back.gif?v=1"));
     QCOMPARE(auditCell(kGone, AuditModel::State), QStringLiteral("Marked place: not in any cache"));
     QVERIFY(auditCell(kGone, AuditModel::Record).isEmpty());
+    if (const QString folder = qEnvironmentVariable("NV_SHOTS"); !folder.isEmpty()) {
+        audit().scrollTo(model().index(0, model().columnCount() - 1));
+        m_form->grab().save(folder + QStringLiteral("/audit-exact.png"));
+    }
     const auto ink = [this](int row) { return model().index(row, 0).data(Qt::ForegroundRole); };
     QVERIFY(!ink(kLogo).isValid());
     QVERIFY(ink(kBack).isValid() && ink(kGone).isValid() && ink(kBack) != ink(kGone));

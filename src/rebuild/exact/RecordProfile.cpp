@@ -105,7 +105,7 @@ std::string RecordProfiles::textOf(UrlId record) {
 bool RecordProfiles::isSame(std::int64_t one, std::int64_t other) {
     if (one == other)
         return true;
-    const FileProfile first = of(one);
+    const FileProfile &first = of(one); // stays where it is
     const FileProfile &second = of(other);
     return first.isKnown() && first.browser == second.browser && first.profile == second.profile &&
            first.person == second.person && first.place == second.place;

@@ -24,7 +24,6 @@ class AuditModel final : public QAbstractTableModel {
         Score,
         PartUrl,
         Others,
-        Cache,
         Element,
         Address,
         Rule,
@@ -32,6 +31,7 @@ class AuditModel final : public QAbstractTableModel {
         Time,
         Apart,
         Hash,
+        Cache,
         Document,
         Count
     };
