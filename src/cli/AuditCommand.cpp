@@ -38,8 +38,8 @@ std::vector<AuditRow> auditOf(UrlRecord &page, RecordTools &tools, const Program
 }
 
 /// What is known of references of pages that were rebuilt exactly.
-constexpr std::array<const char *, 8> kExactHeadings = {
-    "document", "element", "attribute", "address", "rule", "date", "seconds", "SHA-256"};
+constexpr std::array<const char *, 9> kExactHeadings = {
+    "document", "element", "attribute", "address", "rule", "date", "seconds", "SHA-256", "cache"};
 
 void addExact(std::vector<Cell> &cells, const PartNote &note) {
     cells.emplace_back(number(note.document));
@@ -66,8 +66,10 @@ void writeRow(RowWriter &writer, const AuditRow &row) {
     std::vector<Cell> cells = {row.number,    row.originalValue,    row.newValue,     row.extension,
                                row.state,     row.tagURLID,         row.isReplaced(), row.score,
                                row.partUrl(), row.otherCandidates()};
-    if (row.note)
+    if (row.note) {
         addExact(cells, *row.note);
+        cells.emplace_back(row.cache);
+    }
     writer.row(cells);
 }
 

@@ -53,6 +53,8 @@ std::string tileText(const Tile &tile, const Bytes &thumbnail) {
     std::string shape = shapeText(tile);
     if (!shape.empty())
         shape = "<small>" + shape + "</small>";
+    if (!tile.rebuiltMethod.empty())
+        shape += fmt::format("<small>{}</small>", htmlText(rebuiltText(tile)));
     return fmt::format("<figure{}><div class=\"picture\">{}</div><figcaption>{}{}{}<small>{}"
                        "</small></figcaption></figure>\n",
                        tile.tagged ? " class=\"tagged\"" : "", pictureOf(thumbnail),
@@ -72,6 +74,10 @@ std::string shapeText(const Tile &tile) {
         return {};
     return fmt::format("{} x {}, P.A.R.D. {}", tile.pictureWidth, tile.pictureHeight,
                        tile.pardValue);
+}
+
+std::string rebuiltText(const Tile &tile) {
+    return tile.rebuiltMethod.empty() ? "" : "Rebuilt: " + plainLine(tile.rebuiltMethod);
 }
 
 void writeContactSheet(const std::function<void(std::string_view)> &write,

@@ -22,6 +22,8 @@ struct ContactSheet {
 std::string plainLine(std::string_view text);
 /// "468 x 60, P.A.R.D. 88"; empty for a tile that was not measured.
 std::string shapeText(const Tile &tile);
+/// "Rebuilt: Cache, exact"; empty for a tile whose picture is of no rebuilt page.
+std::string rebuiltText(const Tile &tile);
 
 /// As one HTML file that needs nothing else: thumbnails stand in it as data, and texts of evidence
 /// as texts that lead nowhere.

@@ -41,6 +41,8 @@ SheetFile::Tile tileOf(const Tile &tile) {
     SheetFile::Tile told{{captionOf(tile) + (tile.tagged ? ", ticked" : "")}, tile.tagged};
     if (std::string shape = shapeText(tile); !shape.empty())
         told.captions.push_back(std::move(shape));
+    if (std::string method = rebuiltText(tile); !method.empty())
+        told.captions.push_back(std::move(method));
     told.captions.push_back(plainLine(tile.toolTip));
     return told;
 }

@@ -21,6 +21,7 @@ inline constexpr const char *kRebuiltPartsTable = "RebuiltParts";
 namespace partrule {
 inline constexpr const char *kExact = "exact address";
 inline constexpr const char *kWithoutFragment = "without fragment";
+inline constexpr const char *kByHttps = "the same address by https";
 inline constexpr const char *kDecoded = "same address, decoded";
 inline constexpr const char *kOtherQuery = "same path, other query";
 inline constexpr const char *kSameSet = "another size of the set";

@@ -74,6 +74,10 @@ std::optional<HtmlDoctype> HtmlDocument::doctype() const {
     return HtmlDoctype{document.name, document.public_identifier, document.system_identifier};
 }
 
+bool HtmlDocument::isQuirky() const {
+    return m_output->document->v.document.doc_type_quirks_mode == GUMBO_DOCTYPE_QUIRKS;
+}
+
 const HtmlDocument::Node &HtmlDocument::root() const {
     return *m_output->root;
 }

@@ -55,6 +55,8 @@ class HtmlDocument {
     static std::optional<HtmlDocument> within(std::string_view html);
 
     std::optional<HtmlDoctype> doctype() const;
+    /// Whether browsers show it as old ones did.
+    bool isQuirky() const;
 
     /// The element "html", which every page has.
     const Node &root() const;

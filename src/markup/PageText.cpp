@@ -22,15 +22,36 @@ constexpr std::array<std::pair<std::string_view, std::string_view>, 3> kMarks = 
     {"\xFE\xFF"sv, "utf-16be"},
 }};
 
-/// A converter for an encoding in which tags are tags, as it must be for the charset to have been
-/// found; null for others and for unknown names.
-Converter pageConverter(std::string_view charset) {
+bool isWide(std::string_view charset) {
+    return webEncodingOf(charset).starts_with("utf-16");
+}
+
+/// A name that stands in the text itself.
+struct InnerName {
+    std::string_view charset;
+};
+
+/// What is meant by it: what can be read byte by byte isn't in UTF-16, and browsers take that word
+/// for UTF-8, and bytes of a page's own making for Windows-1252.
+std::string meantBy(const InnerName &name) {
+    if (isWide(name.charset))
+        return "utf-8";
+    return webEncodingOf(name.charset) == "x-user-defined" ? "windows-1252" : toLower(name.charset);
+}
+
+/// The server may say of bytes that no tag could be read in that they are UTF-16.
+std::string meantByServer(std::string_view charset) {
+    return isWide(charset) ? std::string(webEncodingOf(charset)) : toLower(charset);
+}
+
+/// A converter for UTF-16, or for an encoding in which tags are tags; null for others and for
+/// unknown names.
+Converter pageConverter(const std::string &charset) {
     constexpr std::string_view kTag = "<a href=\"b\">";
     if (charset.empty())
         return {nullptr, &ucnv_close};
-    // A page whose charset can be read isn't in UTF-16: browsers take the word for UTF-8.
-    Converter converter = converterOf(startsWithNoCase(charset, "utf-16") ? "utf-8" : charset);
-    if (converter && convert(kTag, converter.get()) != kTag)
+    Converter converter = converterOf(charset);
+    if (converter && !isWide(charset) && convert(kTag, converter.get()) != kTag)
         converter.reset();
     return converter;
 }
@@ -101,6 +122,29 @@ std::string_view charsetOfHeader(std::string_view httpHeader) {
     return {};
 }
 
+namespace {
+
+struct NamedCharset {
+    std::string charset;
+    std::string_view foundIn;
+};
+
+/// Whether browsers read it by the rules of XML, in which there is no "meta".
+bool isXmlAnswer(std::string_view httpHeader) {
+    for (const std::string_view line : split(httpHeader, '\n')) {
+        constexpr std::string_view kName = "content-type:";
+        const std::string_view text = trim(line);
+        if (!startsWithNoCase(text, kName))
+            continue;
+        const std::string type =
+            toLower(trim(text.substr(kName.size(), text.find(';') - kName.size())));
+        return type.ends_with("+xml") || type == "text/xml" || type == "application/xml";
+    }
+    return false;
+}
+
+} // namespace
+
 std::string decodePage(ByteView bytes, std::string_view httpHeader) {
     return decodedPage(bytes, httpHeader).text;
 }
@@ -111,14 +155,20 @@ DecodedPage decodedPage(ByteView bytes, std::string_view httpHeader) {
         if (text.starts_with(mark))
             return {convert(text.substr(mark.size()), converterOf(charset).get()),
                     std::string(charset), "byte-order mark"};
-    const std::array<std::pair<std::string_view, std::string_view>, 3> named = {{
-        {charsetOfMeta(text.substr(0, kMetaBytes)), "meta tag"},
-        {charsetOfHeader(httpHeader), "HTTP header"},
-        {charsetOfXml(text), "XML declaration"},
+    const bool isXml = isXmlAnswer(httpHeader);
+    const std::string meta = meantBy({charsetOfMeta(text.substr(0, kMetaBytes))});
+    const std::string declared = meantBy({charsetOfXml(text)});
+    const bool isPlainXml = isXml && declared.empty() && isUtf8(text);
+    const std::array<NamedCharset, 5> named = {{
+        {meantByServer(charsetOfHeader(httpHeader)), "HTTP header"},
+        {isXml ? declared : std::string(), "XML declaration"},
+        {isPlainXml ? "utf-8" : std::string(), kNoCharset},
+        {meta, "meta tag"},
+        {declared, "XML declaration"},
     }};
     for (const auto &[charset, foundIn] : named)
         if (const Converter converter = pageConverter(charset))
-            return {convert(text, converter.get()), toLower(charset), foundIn};
+            return {convert(text, converter.get()), charset, foundIn};
     return {fromAnsi(text), "windows-1252", kNoCharset};
 }
 
@@ -127,18 +177,17 @@ DecodedPage decodedStyle(ByteView bytes, std::string_view server, std::string_vi
     if (std::ranges::any_of(kMarks,
                             [css](const auto &mark) { return css.starts_with(mark.first); }))
         return decodedPage(bytes, {});
-    const std::array<std::pair<std::string_view, std::string_view>, 4> named = {{
-        {trim(server), "HTTP header"},
-        {charsetOfStyle(css), "@charset"},
-        {page, "page"},
+    const std::array<NamedCharset, 4> named = {{
+        {meantByServer(trim(server)), "HTTP header"},
+        {meantBy({charsetOfStyle(css)}), "@charset"},
+        {meantBy({page}), "page"},
         {"utf-8", kNoCharset},
     }};
     for (const auto &[charset, foundIn] : named)
         if (const Converter converter = startsWithNoCase(charset, "utf-7")
                                             ? Converter{nullptr, &ucnv_close}
                                             : pageConverter(charset))
-            return {convert(css, converter.get()),
-                    startsWithNoCase(charset, "utf-16") ? "utf-8" : toLower(charset), foundIn};
+            return {convert(css, converter.get()), charset, foundIn};
     return {fromAnsi(css), "windows-1252", kNoCharset};
 }
 

@@ -10,15 +10,17 @@ namespace nv {
 /// In front of a text, says that it is UTF-8, and holds over all else that says something.
 inline constexpr std::string_view kUtf8Mark = "\xEF\xBB\xBF";
 
-/// The text of a page in UTF-8, by the encoding that the page names: a byte-order mark, else its
-/// "meta" tag, else the HTTP header, else its XML declaration, else Windows-1252. Names that nobody
-/// knows are passed over. Bytes that the encoding doesn't know become U+FFFD.
+/// The text of a page in UTF-8, by the encoding that browsers take it for: a byte-order mark, else
+/// the HTTP header's, else that of its "meta" tag, else of its XML declaration, else Windows-1252.
+/// What the header says is XML is asked for its declaration first, and is UTF-8 where nothing is
+/// said and it can be. Names that nobody knows are passed over. Bytes that the encoding doesn't
+/// know become U+FFFD.
 std::string decodePage(ByteView bytes, std::string_view httpHeader);
 
 /// The same with the name of the encoding and what named it, for people to see.
 struct DecodedPage {
     std::string text;
-    std::string charset;
+    std::string charset;      ///< in lower case, as it was named; UTF-16 with its order of bytes
     std::string_view foundIn; ///< in plain words
 };
 /// `foundIn` of a page that names none: it is taken for Windows-1252.

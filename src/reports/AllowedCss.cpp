@@ -25,7 +25,8 @@ std::string_view withoutMaker(std::string_view name) {
 }
 
 constexpr std::string_view kRules =
-    "container counter-style font-face keyframes layer media page scope starting-style supports "
+    "container counter-style font-face keyframes layer media page property scope starting-style "
+    "supports "
     "top-left top-center top-right bottom-left bottom-center bottom-right";
 
 constexpr std::string_view kFunctions =
@@ -57,7 +58,7 @@ constexpr std::string_view kTextProperties =
     "font-language-override font-variation-settings grid grid-area grid-template "
     "grid-template-areas hyphenate-character list-style list-style-type text-emphasis "
     "text-emphasis-style text-overflow transition symbols additive-symbols prefix suffix negative "
-    "pad";
+    "pad syntax";
 
 } // namespace
 

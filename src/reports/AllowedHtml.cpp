@@ -3,6 +3,7 @@
 #include "base/Text.h"
 #include "markup/SvgNames.h"
 
+#include <algorithm>
 #include <array>
 #include <unordered_map>
 #include <unordered_set>
@@ -70,7 +71,8 @@ constexpr std::string_view kHtmlAttributes =
     "face for frame frameborder framespacing headers height hidden high hspace id ismap kind label "
     "lang "
     "language leftmargin link loop low marginheight marginwidth max maxlength media min multiple "
-    "muted name nohref noresize noshade nowrap open optimum placeholder readonly required reversed "
+    "muted name nohref noresize noshade nowrap open optimum placeholder popover readonly required "
+    "reversed "
     "rightmargin role rows rowspan rules scope scrollamount scrolldelay scrolling selected shape "
     "size sizes span spellcheck srclang start step summary tabindex target text title topmargin "
     "truespeed "
@@ -94,6 +96,22 @@ constexpr std::array<UseRow, 7> kUses = {{
 
 } // namespace
 
+namespace {
+
+/// Without scripts they are elements that do nothing, and styles may call them by their names.
+bool isOfPagesOwn(std::string_view name) {
+    static const Words taken = wordsOf("annotation-xml color-profile font-face font-face-format "
+                                       "font-face-name font-face-src font-face-uri missing-glyph");
+    constexpr std::size_t kLongest = 100;
+    const bool begins = !name.empty() && name.front() >= 'a' && name.front() <= 'z';
+    return begins && name.size() <= kLongest && name.find('-') != std::string_view::npos &&
+           !taken.contains(name) && std::ranges::all_of(name, [](char c) {
+               return (c >= 'a' && c <= 'z') || (c >= '0' && c <= '9') || c == '-' || c == '_';
+           });
+}
+
+} // namespace
+
 Fate fateOf(HtmlSpace space, std::string_view name) {
     static const Fates html = fatesOf(kHtml);
     static const Fates svg = fatesOf(kSvg);
@@ -104,7 +122,7 @@ Fate fateOf(HtmlSpace space, std::string_view name) {
     if (found != fates.end())
         return found->second;
     if (space != HtmlSpace::svg)
-        return Fate::rename;
+        return isOfPagesOwn(name) ? Fate::keep : Fate::rename;
     return isSvgElement(name) ? Fate::keep : Fate::drop;
 }
 

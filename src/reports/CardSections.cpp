@@ -6,6 +6,7 @@
 #include "db/SqliteErrors.h"
 #include "rebuild/LocalNames.h"
 #include "rebuild/RebuildMethod.h"
+#include "rebuild/exact/RecordProfile.h"
 #include "reports/CardText.h"
 #include "reports/Html.h"
 #include "reports/ReportValues.h"
@@ -127,15 +128,17 @@ std::string exactAuditSection(const ReportCard &card, const fs::path &report,
     std::string text =
         heading("AUDIT INFORMATION", "The page was rebuilt exactly. The following is a list of "
                                      "its references, and of those of its frames and styles.") +
-        htmlTable("Table4",
-                  {"Reference", "Address", "Part", "Found By", "Part Date [UTC]", "SHA-256"});
+        htmlTable("Table4", {"Reference", "Address", "Part", "Found By", "Part Date [UTC]",
+                             "SHA-256", "Part's Cache"});
+    RecordProfiles profiles(ctx.rebuild.project);
     for (const PartNote &note :
          onProject([&] { return RebuiltParts(ctx.rebuild.project).notes(card.record.URLID); }))
         text += htmlRow({htmlText(fmt::format("{}{}{}", note.element,
                                               note.element.empty() ? "" : " ", note.attribute)),
                          htmlText(note.address.empty() ? note.original : note.address),
                          partCell(note, card, report), htmlText(foundBy(note)),
-                         htmlText(partTime(note)), htmlText(note.sha256)});
+                         htmlText(partTime(note)), htmlText(note.sha256),
+                         htmlText(onProject([&] { return profiles.textOf(note.part); }))});
     return text + std::string(kEnd);
 }
 

@@ -373,7 +373,8 @@ void PageWriter::writeLink(const Node &element) {
     const std::string_view media = valueOf(attributes, "media");
     openTag(element, "link",
             attributeText("rel", isStyle ? "stylesheet" : "icon") + attributeText("href", *kept) +
-                (media.empty() ? "" : attributeText("media", media)));
+                (media.empty() ? "" : attributeText("media", media)) +
+                (isStyle && find(attributes, "disabled") ? attributeText("disabled", "") : ""));
 }
 
 void PageWriter::writeMeta(const Node &element) {

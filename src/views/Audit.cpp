@@ -7,6 +7,7 @@
 #include "rebuild/LocalNames.h"
 #include "rebuild/RebuildMethod.h"
 #include "rebuild/TagOptions.h"
+#include "rebuild/exact/RecordProfile.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>
 #include <fmt/format.h>
@@ -46,7 +47,7 @@ class Audit {
   public:
     Audit(const UrlRecord &page, fs::path folder, const RebuildContext &ctx)
         : m_page(page), m_folder(std::move(folder)), m_ctx(ctx),
-          m_notes(RebuildAudit(ctx.project).notes(page.URLID)),
+          m_notes(RebuildAudit(ctx.project).notes(page.URLID)), m_profiles(ctx.project),
           m_url(ctx.project, "SELECT URL FROM URLs WHERE URL_ID = ?") {}
 
     std::vector<AuditRow> rows() {
@@ -93,6 +94,7 @@ class Audit {
         row.score = scoreText(row.tagURLID > 0 ? 1 : 0, note.candidateCount);
         for (const std::int64_t id : note.candidates)
             row.candidates.push_back({id, urlOf(id)});
+        row.cache = m_profiles.textOf(note.part);
         row.note = std::move(note);
         return row;
     }
@@ -122,6 +124,7 @@ class Audit {
     fs::path m_folder;
     const RebuildContext &m_ctx;
     std::map<std::size_t, ReferenceNote> m_notes;
+    RecordProfiles m_profiles;
     SQLite::Statement m_url;
 };
 

@@ -34,6 +34,7 @@ struct AuditRow {
     /// What is known besides where the page was rebuilt exactly: the address, by which rule the
     /// part was found, its time and its hash.
     std::optional<PartNote> note;
+    std::string cache; ///< with the note: whose the part is, and the file of its cache
 
     bool isReplaced() const { return isThere && isRewritten; }
     /// The chosen record's, empty for none.

@@ -79,6 +79,7 @@ PartQuestion partQuestion(const UrlRecord &page, const PartNote &note, SQLite::D
     alternatives.add(note.part, note.rule);
     PartCandidates candidates(project, page);
     alternatives.add(candidates.of(note.address));
+    alternatives.add(candidates.byHttps(note.address));
     alternatives.add(candidates.byLetters(note.address));
     alternatives.add(candidates.byOtherQuery(note.address));
     for (const std::int64_t id : note.candidates)

@@ -56,6 +56,14 @@ TEST_F(GalleryCliTest, aSheetHoldsPicturesCaptionsAndShapes) {
     EXPECT_THAT(html, Not(HasSubstr("ID #0000006")));
 }
 
+TEST_F(GalleryCliTest, aSheetSaysHowAPageWasRebuilt) {
+    SQLite::Database(project, SQLite::OPEN_READWRITE)
+        .exec("UPDATE URLs SET CacheFileRebuilt = 1, RebuiltMethod = 'Cache, exact' "
+              "WHERE URL_ID = 2");
+    ASSERT_EQ(gallery({}).exit, 0);
+    EXPECT_THAT(sheet(), HasSubstr("P.A.R.D. 88</small><small>Rebuilt: Cache, exact</small>"));
+}
+
 TEST_F(GalleryCliTest, aSheetThatDoesntFitTheDiskLeavesNothing) {
     ASSERT_EQ(gallery({}).exit, 0);
     const std::string before = sheet();

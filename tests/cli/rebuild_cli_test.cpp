@@ -111,6 +111,7 @@ TEST_F(RebuildCliTest, aPageIsRebuiltExactlyWhenAsked) {
               std::string::npos)
         << told;
     EXPECT_NE(told.find("\"SHA-256\":\"610f5ae4d76e"), std::string::npos) << told;
+    EXPECT_NE(told.find("\"cache\":\"Internet Explorer"), std::string::npos) << told;
     EXPECT_NE(told.find("Marked place: not in any cache"), std::string::npos) << told;
     EXPECT_EQ(rebuild({"--method", "exact", "--choose", "2=2"}).exit, 0);
     EXPECT_NE(audit().out.find("\"rule\":\"chosen by the examiner\""), std::string::npos);

@@ -142,10 +142,15 @@ void ExactRebuildTest::theAuditTellsRuleTimeAndHash() {
     QCOMPARE(auditCell(kLogo, AuditModel::Apart), QStringLiteral("same second"));
     QCOMPARE(auditCell(kLogo, AuditModel::Document), QStringLiteral("1"));
     QCOMPARE(auditCell(kLogo, AuditModel::Hash).size(), 64);
+    QVERIFY(auditCell(kLogo, AuditModel::Cache).contains(QStringLiteral("index.dat")));
     QCOMPARE(auditCell(kBack, AuditModel::Rule), QStringLiteral("same path, other query"));
     QCOMPARE(auditCell(kBack, AuditModel::PartUrl), QStringLiteral("http://host/pic/back.gif?v=1"));
     QCOMPARE(auditCell(kGone, AuditModel::State), QStringLiteral("Marked place: not in any cache"));
     QVERIFY(auditCell(kGone, AuditModel::Record).isEmpty());
+    if (const QString folder = qEnvironmentVariable("NV_SHOTS"); !folder.isEmpty()) {
+        audit().scrollTo(model().index(0, model().columnCount() - 1));
+        m_form->grab().save(folder + QStringLiteral("/audit-exact.png"));
+    }
     const auto ink = [this](int row) { return model().index(row, 0).data(Qt::ForegroundRole); };
     QVERIFY(!ink(kLogo).isValid());
     QVERIFY(ink(kBack).isValid() && ink(kGone).isValid() && ink(kBack) != ink(kGone));

@@ -8,6 +8,7 @@
 #include "markup/PageText.h"
 #include "rebuild/LocalNames.h"
 #include "rebuild/exact/DrawingText.h"
+#include "rebuild/exact/OpenedXml.h"
 #include "rebuild/exact/OwnParts.h"
 #include "rebuild/exact/PageReferences.h"
 #include "rebuild/exact/RecordAddress.h"
@@ -125,18 +126,32 @@ Assembly::Read Assembly::read(const Document &document, const Bytes &bytes) {
                                          : decodedPage(view, document.headers);
     made.foundIn = decoded.foundIn;
     made.source.emplace(view, std::move(decoded));
+    if (document.form == PartForm::page && isSentAsXml(document.headers))
+        open(made);
     resolve(document, made, scan(document, made));
     return made;
+}
+
+/// Its file is called as one of HTML, and read as one.
+void Assembly::open(Read &read) {
+    std::string opened = read.source->rewritten(openedXml(read.source->text()));
+    read.opened.assign(opened.begin(), opened.end());
+    DecodedPage decoded =
+        decodedPage(ByteView(read.opened),
+                    fmt::format("Content-Type: text/html; charset={}", read.source->charset()));
+    read.source.emplace(ByteView(read.opened), std::move(decoded));
 }
 
 Assembly::Scanned Assembly::scan(const Document &document, Read &read) {
     const std::string &text = read.source->text();
     if (document.form == PartForm::style) {
+        read.sheets = document.sheets;
         putIn(read.edits, 0, ownSheetStart(read.source->charset(), read.foundIn));
         return {scanStyle(text), {}};
     }
     PageScan scanned = scanPage(text, m_folder / document.name);
     read.edits = std::move(scanned.disarming);
+    read.sheets = {scanned.isQuirky, document.url};
     putIn(read.edits, scanned.headAt, ownHead(read.source->charset()));
     read.bannerAt = scanned.bodyAt == PageScan::npos ? PageScan::npos : scanned.endAt;
     return {std::move(scanned.references), std::move(scanned.base)};
@@ -151,7 +166,9 @@ std::optional<WebAddress> baseOf(const std::string &url, const std::string &base
     if (base.empty())
         return own;
     auto other = WebAddress::parsed(base, own ? &*own : nullptr, charset);
-    return other ? other : own;
+    // Browsers pass over a base that nothing can lie below.
+    const bool isBase = other && other->scheme() != "data" && other->scheme() != "javascript";
+    return isBase ? other : own;
 }
 
 /// Only what elements name is read in the document's own encoding; styles know none.
@@ -242,9 +259,9 @@ void Assembly::resolve(const Document &document, Read &read, const Scanned &scan
         if (!goesOn(one.href()))
             return;
         one.isTold = ++m_named <= kMostReferences;
-        one.found = partFor(document, *one.reference, one.href());
+        one.found = partFor(document, read.sheets, *one.reference, one.href());
         if (!one.found.file && !one.reference->codebase.empty())
-            lookInCodebase(document, one, base ? &*base : nullptr);
+            lookInCodebase(document, read, one, base ? &*base : nullptr);
     }
     fillSets(all, scanned.references, read.source->text());
     ShownParts shown(m_files, read.source->text(), read.bannerAt != std::string_view::npos, m_room,
@@ -255,12 +272,13 @@ void Assembly::resolve(const Document &document, Read &read, const Scanned &scan
 }
 
 /// Browsers of the time of that attribute resolved by it, those of today don't.
-void Assembly::lookInCodebase(const Document &document, Followed &one, const WebAddress *base) {
+void Assembly::lookInCodebase(const Document &document, const Read &read, Followed &one,
+                              const WebAddress *base) {
     const auto codebase = WebAddress::parsed(one.reference->codebase, base);
     auto other = codebase ? WebAddress::parsed(one.reference->address, &*codebase) : std::nullopt;
     if (!other)
         return;
-    FoundPart found = partFor(document, *one.reference, other->href());
+    FoundPart found = partFor(document, read.sheets, *one.reference, other->href());
     if (!found.file)
         return;
     one.address = std::move(other);
@@ -291,11 +309,26 @@ void Assembly::change(const Document &document, Read &read, Followed &one, Shown
     if (one.isTold)
         m_notes.push_back(noteOf(document, reference, address, one.found));
     if (one.found.file)
-        queue(document, *one.found.file, read.source->charset());
+        queue(document, *one.found.file, read);
 }
 
-FoundPart Assembly::partFor(const Document &document, const Reference &reference,
-                            const std::string &address) {
+namespace {
+
+/// Browsers take sheets of any type for a page of the same server that they show as old ones did.
+RefUse useFor(const Reference &reference, bool isQuirky, const std::string &page,
+              const std::string &address) {
+    if (reference.use != RefUse::style || !isQuirky)
+        return reference.use;
+    const auto one = WebAddress::parsed(page);
+    const auto other = WebAddress::parsed(address);
+    const bool isOwn = one && other && one->origin() == other->origin();
+    return isOwn ? RefUse::quirkyStyle : reference.use;
+}
+
+} // namespace
+
+FoundPart Assembly::partFor(const Document &document, const SheetRules &sheets,
+                            const Reference &reference, const std::string &address) {
     FoundPart none;
     if (address.empty())
         none.rule = partrule::kNoAddress;
@@ -304,7 +337,7 @@ FoundPart Assembly::partFor(const Document &document, const Reference &reference
     else if (document.depth >= kDeepest && bringsDocument(reference.use))
         none.rule = partrule::kTooDeep;
     else
-        return m_finder.find(address, reference.use);
+        return m_finder.find(address, useFor(reference, sheets.isQuirky, sheets.page, address));
     return none;
 }
 
@@ -331,11 +364,11 @@ PartNote Assembly::noteOf(const Document &document, const Reference &reference,
     return note;
 }
 
-void Assembly::queue(const Document &from, const PartFile &file, const std::string &charset) {
+void Assembly::queue(const Document &from, const PartFile &file, const Read &read) {
     if (file.form == PartForm::plain || !m_known.insert(file.name).second)
         return;
-    m_open.push_back(
-        {file.record, file.form, file.name, file.url, file.headers, charset, from.depth + 1});
+    m_open.push_back({file.record, file.form, file.name, file.url, file.headers,
+                      read.source->charset(), from.depth + 1, read.sheets});
 }
 
 } // namespace nv

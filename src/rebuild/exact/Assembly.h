@@ -1,6 +1,7 @@
 #pragma once
 
 #include "address/WebAddress.h"
+#include "base/ByteView.h"
 #include "rebuild/RebuildContext.h"
 #include "rebuild/exact/PartFinder.h"
 #include "rebuild/exact/Reference.h"
@@ -45,6 +46,11 @@ class Assembly {
     std::string page(const std::string &banner) const;
 
   private:
+    /// What decides which sheets of a page count.
+    struct SheetRules {
+        bool isQuirky = false; ///< the page is shown as old browsers did
+        std::string page;      ///< its address
+    };
     struct Document {
         UrlId record = UrlId::none;
         PartForm form = PartForm::page;
@@ -53,13 +59,16 @@ class Assembly {
         std::string headers; ///< of the server's answer
         std::string charset; ///< of what brought it, for sheets that name none
         int depth = 0;       ///< documents that it lies within
+        SheetRules sheets{}; ///< of the page, for a sheet's own
     };
     /// One that was read, with all that is to be changed in it.
     struct Read {
+        Bytes opened; ///< what `source` was read from, where that are not the document's own bytes
         std::optional<SourceText> source;
         std::string_view foundIn; ///< what named its encoding
         std::vector<TextEdit> edits;
         std::size_t bannerAt = std::string_view::npos;
+        SheetRules sheets;
     };
     struct Scanned {
         std::vector<Reference> references;
@@ -67,16 +76,18 @@ class Assembly {
     };
 
     Read read(const Document &document, const Bytes &bytes);
+    static void open(Read &read);
     Scanned scan(const Document &document, Read &read);
     void resolve(const Document &document, Read &read, const Scanned &scanned);
-    void lookInCodebase(const Document &document, Followed &one, const WebAddress *base);
+    void lookInCodebase(const Document &document, const Read &read, Followed &one,
+                        const WebAddress *base);
     void change(const Document &document, Read &read, Followed &one, ShownParts &shown);
     void rewrite(const Document &document);
     PartNote noteOf(const Document &document, const Reference &reference,
                     const std::string &address, const FoundPart &found) const;
-    FoundPart partFor(const Document &document, const Reference &reference,
-                      const std::string &address);
-    void queue(const Document &from, const PartFile &file, const std::string &charset);
+    FoundPart partFor(const Document &document, const SheetRules &sheets,
+                      const Reference &reference, const std::string &address);
+    void queue(const Document &from, const PartFile &file, const Read &read);
     bool goesOn(const std::string &address);
 
     const UrlRecord &m_page;

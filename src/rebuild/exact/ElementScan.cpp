@@ -209,7 +209,7 @@ void ElementScan::readBase(const HtmlAttributes &attributes) {
     const HtmlAttribute *href = attributeOf(attributes, "href");
     if (!href)
         return;
-    if (m_scan.base.empty())
+    if (!std::exchange(m_hasBase, true))
         m_scan.base = trimmedAddress(href->value);
     m_edits.empty(*href);
 }

@@ -53,6 +53,7 @@ class ElementScan {
     int m_depth;
     PageScan &m_scan;
     AttributeEdits m_edits;
+    bool m_hasBase = false;
     std::unordered_set<std::size_t> m_seen; ///< the places of attributes: elements are copied
 };
 

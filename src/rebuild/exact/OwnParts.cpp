@@ -151,6 +151,7 @@ std::string missingPart(RefUse use, std::string_view address, RefForm form) {
     case RefUse::image:
         return isInStyle ? missingBackground(address) : missingPicture(address);
     case RefUse::style:
+    case RefUse::quirkyStyle:
         return "data:text/css,";
     case RefUse::font:
         return "data:font/woff2,";

@@ -88,9 +88,8 @@ bool isDisarmedMeta(std::string_view act) {
 LinkKind linkKind(const HtmlAttributes &link) {
     const std::string_view relation = valueOf(link, "rel");
     const std::string_view type = valueOf(link, "type");
-    if (sharesWord("stylesheet", relation))
-        return type.empty() || startsWithNoCase(type, "text/css") ? LinkKind::style
-                                                                  : LinkKind::other;
+    if (sharesWord("stylesheet", relation) && (type.empty() || startsWithNoCase(type, "text/css")))
+        return LinkKind::style;
     if (sharesWord(kIcons, relation))
         return LinkKind::icon;
     if (!sharesWord(kFetched, relation))

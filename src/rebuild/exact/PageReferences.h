@@ -12,7 +12,10 @@ namespace nv {
 
 /// What a page names and what it does by itself, as an HTML parser without scripts finds it.
 struct PageScan {
-    std::string base; ///< the first base element's address as it is meant; empty for none
+    /// The first base element's address as it is meant; empty for none. It may be one that browsers
+    /// pass over.
+    std::string base;
+    bool isQuirky = false; ///< shown as old browsers did, by its document type
     /// In the order of the text; addresses that are empty, data, or a place in the page itself are
     /// not among them.
     std::vector<Reference> references;

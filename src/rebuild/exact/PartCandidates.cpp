@@ -14,7 +14,6 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
-#include <optional>
 #include <tuple>
 
 namespace nv {
@@ -58,60 +57,7 @@ void keep(Found &found, const PartCandidate &candidate) {
         found.best.pop_back();
 }
 
-bool hasOrigins(SQLite::Database &project) {
-    return project
-               .execAndGet("SELECT count(*) FROM pragma_table_xinfo('SourceFiles') WHERE name IN "
-                           "('Browser', 'Profile', 'Person')")
-               .getInt() == 3;
-}
-
 } // namespace
-
-/// Whose the files are that records come from.
-class PartCandidates::Sources {
-  public:
-    Sources(SQLite::Database &project, SourceFileId own) : m_own(number(own)) {
-        if (hasOrigins(project))
-            m_origin.emplace(project, "SELECT Browser, Profile, Person FROM SourceFiles WHERE "
-                                      "SourceFile_ID = ?");
-        m_ownOrigin = originOf(m_own);
-    }
-
-    bool isOwn(std::int64_t source) {
-        if (source == m_own)
-            return true;
-        const auto known = m_isOwn.find(source);
-        if (known != m_isOwn.end())
-            return known->second;
-        const bool isOwn = !m_ownOrigin.empty() && originOf(source) == m_ownOrigin;
-        m_isOwn.emplace(source, isOwn);
-        return isOwn;
-    }
-
-  private:
-    /// Empty where nothing is known.
-    std::string originOf(std::int64_t source) {
-        if (!m_origin)
-            return {};
-        m_origin->reset();
-        m_origin->bind(1, source);
-        std::string origin;
-        bool isKnown = false;
-        if (m_origin->executeStep())
-            for (int at = 0; at < 3; ++at) {
-                const std::string text = m_origin->getColumn(at).getString();
-                isKnown |= !text.empty();
-                origin.append(text).append(1, '\0');
-            }
-        m_origin->reset();
-        return isKnown ? origin : std::string();
-    }
-
-    std::int64_t m_own;
-    std::optional<SQLite::Statement> m_origin;
-    std::string m_ownOrigin;
-    std::unordered_map<std::int64_t, bool> m_isOwn;
-};
 
 namespace {
 
@@ -133,10 +79,9 @@ double dateIn(const SQLite::Column &column) {
 
 PartCandidates::PartCandidates(SQLite::Database &project, const UrlRecord &page)
     : m_project(project), m_pageDate(page.ActionDateUTC.days()),
-      m_sources(std::make_unique<Sources>(project, page.SourceFile_ID)),
+      m_source(number(page.SourceFile_ID)), m_profiles(project),
+      m_isHttps(startsWithNoCase(askedAddress(page.URL, page.URLRawValue), "https:")),
       m_hasClientKeys(hasClientKeys(project)) {}
-
-PartCandidates::~PartCandidates() = default;
 
 PartCandidate PartCandidates::candidateIn(SQLite::Statement &row) {
     const bool isRecovered = isRemnant(row.getColumn(kCacheType).getString());
@@ -144,7 +89,7 @@ PartCandidate PartCandidates::candidateIn(SQLite::Statement &row) {
     candidate.id = UrlId{row.getColumn(kId).getInt64()};
     candidate.hasBody = row.getColumn(kHasBody).getInt() != 0;
     candidate.strangeness =
-        (m_sources->isOwn(row.getColumn(kSource).getInt64()) ? 0 : kOtherProfile) +
+        (m_profiles.isSame(m_source, row.getColumn(kSource).getInt64()) ? 0 : kOtherProfile) +
         (isRecovered ? kRecovered : 0);
     const double distance = std::abs(dateIn(row.getColumn(kDate)) - m_pageDate);
     candidate.distance = std::isnan(distance) ? std::numeric_limits<double>::max() : distance;
@@ -221,11 +166,13 @@ void PartCandidates::lookUp(std::span<const std::string> addresses) {
 
 void PartCandidates::prepare(std::span<const std::string> addresses) {
     std::vector<std::string> unknown;
-    unknown.reserve(addresses.size());
+    unknown.reserve(addresses.size() * 2);
     for (const std::string &address : addresses) {
         unknown.push_back(address);
         if (const std::size_t at = address.find('#'); at != std::string::npos)
             unknown.push_back(address.substr(0, at));
+        if (const std::string safe = byHttpsOnly(address); !safe.empty())
+            unknown.push_back(safe);
     }
     std::ranges::sort(unknown);
     unknown.erase(std::unique(unknown.begin(), unknown.end()), unknown.end());
@@ -293,6 +240,23 @@ CandidateList PartCandidates::of(const std::string &address) {
         return {partrule::kExact, found.best, found.count};
     const Found &plain = known(address.substr(0, fragment)).exact;
     return {partrule::kWithoutFragment, plain.best, plain.count};
+}
+
+/// Without its fragment; empty where nothing is asked for so.
+std::string PartCandidates::byHttpsOnly(const std::string &address) const {
+    constexpr std::string_view kPlain = "http://";
+    if (!m_isHttps || !address.starts_with(kPlain))
+        return {};
+    const auto safe = WebAddress::parsed("https://" + address.substr(kPlain.size()));
+    return safe ? safe->withoutFragment() : std::string();
+}
+
+CandidateList PartCandidates::byHttps(const std::string &address) {
+    const std::string safe = byHttpsOnly(address);
+    if (safe.empty())
+        return {partrule::kByHttps, {}, 0};
+    const Found &found = known(safe).exact;
+    return {partrule::kByHttps, found.best, found.count};
 }
 
 CandidateList PartCandidates::byLetters(const std::string &address) {

@@ -1,12 +1,12 @@
 #pragma once
 
 #include "db/Ids.h"
+#include "rebuild/exact/RecordProfile.h"
 #include "time/Date.h"
 
 #include <cstddef>
 #include <cstdint>
 #include <map>
-#include <memory>
 #include <span>
 #include <string>
 #include <unordered_map>
@@ -47,14 +47,14 @@ class PartCandidates {
   public:
     /// Both must outlive it.
     PartCandidates(SQLite::Database &project, const UrlRecord &page);
-    ~PartCandidates();
-    PartCandidates(const PartCandidates &) = delete;
-    PartCandidates &operator=(const PartCandidates &) = delete;
 
     /// Looks many addresses up at once, so that of() has them at hand.
     void prepare(std::span<const std::string> addresses);
     /// By the exact address, or without its fragment.
     CandidateList of(const std::string &address);
+    /// By "https:" where a page of "https:" asks for "http:": browsers ask so by themselves, or
+    /// because page or server want it, and the cache has that address.
+    CandidateList byHttps(const std::string &address);
     /// By the letters of the address, of records of which no more is known.
     CandidateList byLetters(const std::string &address);
     /// By its path, whatever the query.
@@ -69,16 +69,18 @@ class PartCandidates {
         Found exact;
         Found decoded;
     };
-    class Sources;
 
+    std::string byHttpsOnly(const std::string &address) const;
     void lookUp(std::span<const std::string> addresses);
     const ByAddress &known(const std::string &address);
     const Found &onPath(const std::string &path);
     PartCandidate candidateIn(SQLite::Statement &row);
 
     SQLite::Database &m_project;
-    double m_pageDate = 0; ///< days; NaN for none
-    std::unique_ptr<Sources> m_sources;
+    double m_pageDate = 0;     ///< days; NaN for none
+    std::int64_t m_source = 0; ///< the page's
+    RecordProfiles m_profiles;
+    bool m_isHttps;                                     ///< the page's address
     bool m_hasClientKeys;                               ///< in the project
     std::unordered_map<std::string, ByAddress> m_known; ///< by address
     std::unordered_map<std::string, Found> m_paths;     ///< by address without query

@@ -34,18 +34,30 @@ std::string redirectOf(std::string_view headers) {
     return locations.empty() ? std::string() : std::string(locations.front());
 }
 
+/// Whether the server said that nothing is to be taken for what it doesn't say.
+bool isStrict(std::string_view headers) {
+    const auto values = headerValues(headers, "x-content-type-options");
+    return !values.empty() && startsWithNoCase(values.front(), "nosniff");
+}
+
 /// Why browsers don't use what a server answered; null where they do. Pages and pictures of errors
 /// show, styles and fonts don't count.
 const char *refusalOf(std::string_view headers, RefUse use) {
     constexpr int kFirstError = 400;
-    if (use != RefUse::style && use != RefUse::font && use != RefUse::track &&
-        use != RefUse::object)
+    const bool isStyle = use == RefUse::style || use == RefUse::quirkyStyle;
+    if (!isStyle && use != RefUse::font && use != RefUse::track && use != RefUse::object)
         return nullptr;
     if (statusOf(headers) >= kFirstError)
         return partrule::kError;
     if (use == RefUse::object)
         return nullptr;
-    return mimeTypeOf(headers) == "text/html" ? partrule::kOtherType : nullptr;
+    const std::string type = mimeTypeOf(headers);
+    if (isStyle) {
+        const bool isAny = type.empty() || type == "application/x-unknown-content-type" ||
+                           (use == RefUse::quirkyStyle && !isStrict(headers));
+        return isAny || type == "text/css" ? nullptr : partrule::kOtherType;
+    }
+    return type == "text/html" ? partrule::kOtherType : nullptr;
 }
 
 std::string headOf(const Body &body) {

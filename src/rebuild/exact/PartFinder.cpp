@@ -11,6 +11,8 @@ namespace nv {
 namespace {
 
 constexpr int kMostRedirects = 5;
+/// Of one address with all that its answers lead to: each of them may lead to as many.
+constexpr int kMostFollowed = 40;
 constexpr std::size_t kMostParts = 10'000;
 
 /// What caches keep answers for.
@@ -68,6 +70,7 @@ FoundPart PartFinder::find(const std::string &address, RefUse use) {
     const auto known = m_found.find({address, use});
     if (known != m_found.end())
         return known->second;
+    m_followed = 0;
     FoundPart found = m_notes ? noted(address, use) : decide(address, use, 0);
     m_found.emplace(std::pair(address, use), found);
     return found;
@@ -95,6 +98,8 @@ std::optional<FoundPart> PartFinder::chosen(const std::string &address, RefUse u
     if (choice == m_choices.end())
         return std::nullopt;
     CandidateList others = m_candidates.of(address);
+    if (others.count == 0)
+        others = m_candidates.byHttps(address);
     if (others.count == 0)
         others = m_candidates.byLetters(address);
     if (others.count == 0)
@@ -127,6 +132,8 @@ FoundPart PartFinder::decide(const std::string &address, RefUse use, int redirec
     FoundPart found = firstOf(m_candidates.of(address), address, use, redirects);
     if (found.file)
         return found;
+    if (FoundPart safe = firstOf(m_candidates.byHttps(address), address, use, redirects); safe.file)
+        return safe;
     if (FoundPart same = firstOf(m_candidates.byLetters(address), address, use, redirects);
         same.file)
         return same;
@@ -149,11 +156,11 @@ FoundPart PartFinder::firstOf(const CandidateList &list, const std::string &addr
         const auto *redirect = std::get_if<PartFiles::Redirect>(&taken);
         const auto from = redirect ? WebAddress::parsed(address) : std::nullopt;
         const auto to = from ? WebAddress::parsed(redirect->location, &*from) : std::nullopt;
-        if (!to || redirects >= kMostRedirects)
+        if (!to || redirects >= kMostRedirects || ++m_followed > kMostFollowed)
             continue;
         FoundPart behind = decide(to->href(), use, redirects + 1);
         if (!behind.file)
-            return found; // others of this address lead to as little, at a cost
+            continue; // another answer of this address may have its bytes
         if (!behind.rule.starts_with(partrule::kRedirect))
             behind.rule.insert(0, partrule::kRedirect);
         return behind;

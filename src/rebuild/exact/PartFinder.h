@@ -48,6 +48,7 @@ class PartFinder {
     std::map<std::string, UrlId> m_choices;
     std::optional<std::unordered_map<std::string, PartNote>> m_notes; ///< by address
     std::map<std::pair<std::string, RefUse>, FoundPart> m_found;
+    int m_followed = 0; ///< redirects of the address that is looked for
 };
 
 } // namespace nv

@@ -156,7 +156,7 @@ bool beginsLikePage(std::string_view head) {
 
 PartForm partForm(RefUse use, std::string_view mimeType, std::string_view head) {
     const std::string type = toLower(trim(mimeType));
-    if (use == RefUse::style)
+    if (use == RefUse::style || use == RefUse::quirkyStyle)
         return PartForm::style;
     if (type == "image/svg+xml" || (saysNothing(type) && beginsLikeSvg(head)))
         return PartForm::svg;

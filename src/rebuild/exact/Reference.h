@@ -19,6 +19,9 @@ enum class RefUse : std::uint8_t {
     icon,
     svg,  ///< drawn by SVG: "use", "image", and the shapes, filters and paints of styles
     link, ///< a click leads there; never fetched
+    /// A sheet for a page that browsers show as old ones did, from its own server. No reference
+    /// says so by itself: it only decides which answers count.
+    quirkyStyle,
 };
 
 /// In which form an address stands, which decides how another one is spelled there.

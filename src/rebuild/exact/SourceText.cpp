@@ -22,18 +22,25 @@ constexpr std::array<std::pair<std::string_view, std::string_view>, 2> kWideMark
 
 /// What decoded the bytes: the mark in front, and the encoding of the rest.
 struct Encoding {
-    std::string_view mark;
+    std::string_view mark; ///< what is rewritten begins with it
     std::string charset;
+    bool isMarked = true; ///< the bytes begin with the mark
 };
 
-Encoding encodingOf(std::string_view bytes, const DecodedPage &page) {
+/// Nothing for one that a page can't name: what is rewritten has no server to name it.
+std::optional<Encoding> encodingOf(std::string_view bytes, const DecodedPage &page) {
     if (bytes.starts_with(kUtf8Mark))
-        return {kUtf8Mark, "utf-8"};
+        return Encoding{kUtf8Mark, "utf-8"};
     for (const auto &[mark, charset] : kWideMarks)
         if (bytes.starts_with(mark))
-            return {mark, std::string(charset)};
-    // A name that can be read byte by byte isn't that of a wide encoding.
-    return {{}, startsWithNoCase(page.charset, "utf-16") ? "utf-8" : page.charset};
+            return Encoding{mark, std::string(charset)};
+    for (const auto &[mark, charset] : kWideMarks)
+        if (page.charset == charset)
+            return Encoding{mark, page.charset, false};
+    const std::string_view known = webEncodingOf(page.charset);
+    if (known.empty() || known == "x-user-defined")
+        return std::nullopt;
+    return Encoding{{}, page.charset};
 }
 
 std::string encoded(std::string_view text, UConverter *converter) {
@@ -57,8 +64,12 @@ SourceText::SourceText(ByteView bytes, DecodedPage page)
 
 /// Nothing where what was made can't be shown to be what was meant.
 std::optional<std::string> SourceText::inItsEncoding(const std::vector<TextEdit> &edits) const {
-    const Encoding encoding = encodingOf(m_bytes.raw(), m_page);
-    const std::string_view bytes = m_bytes.raw().substr(encoding.mark.size());
+    const auto named = encodingOf(m_bytes.raw(), m_page);
+    if (!named)
+        return std::nullopt;
+    const Encoding &encoding = *named;
+    const std::string_view bytes =
+        m_bytes.raw().substr(encoding.isMarked ? encoding.mark.size() : 0);
     std::vector<std::size_t> places;
     places.reserve(edits.size() * 2);
     for (const TextEdit &edit : edits) {
@@ -85,7 +96,7 @@ std::optional<std::string> SourceText::inItsEncoding(const std::vector<TextEdit>
 
 std::string SourceText::rewritten(std::vector<TextEdit> edits) const {
     edits = settledEdits(std::move(edits), m_page.text.size());
-    if (m_bytes.raw() == m_page.text)
+    if (m_bytes.raw() == m_page.text && encodingOf(m_bytes.raw(), m_page))
         return edited(m_page.text, std::move(edits));
     if (auto kept = inItsEncoding(edits))
         return std::move(*kept);

@@ -151,6 +151,7 @@ class Mending {
         m_left = codingsLeft(std::move(m_left), content);
         m_isPackedLess = m_left.size() < named;
         m_isWhole = isWhole();
+        m_range = trueRange();
     }
 
     std::string text() {
@@ -160,6 +161,8 @@ class Mending {
             add(line);
         if (m_isPackedLess && !m_left.empty())
             put("Content-Encoding", fmt::format("{}", fmt::join(m_left, ", ")));
+        if (!m_range.empty())
+            put("Content-Range", m_range);
         if (!m_hasLength && m_content.isThere && !hasNoContent(statusOf(m_head)))
             put("Content-Length", std::to_string(m_content.size));
         return m_text.append(kLineBreak);
@@ -170,10 +173,35 @@ class Mending {
     bool isWhole() const {
         constexpr int kPartial = 206;
         const auto ranges = headerValues(m_head, "content-range");
-        if (ranges.empty() || statusOf(m_head) != kPartial || !m_content.isThere)
+        if (statusOf(m_head) != kPartial || !m_content.isThere)
+            return false;
+        if (m_content.first)
+            return *m_content.first == 0 && m_content.size > 0 && wholeSize() == m_content.size;
+        if (ranges.empty())
             return false;
         const ByteRange range = rangeIn(ranges.front());
         return range.isWhole() && range.isOf(m_content.size);
+    }
+
+    /// Of which the content is a part; 0 where it isn't said. Without a range, browsers keep the
+    /// length of the whole with what they put together from parts.
+    std::uint64_t wholeSize() const {
+        if (const auto ranges = headerValues(m_head, "content-range"); !ranges.empty())
+            return rangeIn(ranges.front()).all;
+        const auto lengths = headerValues(m_head, "content-length");
+        return lengths.empty() ? 0 : numberIn(lengths.front()).value_or(0);
+    }
+
+    /// Of what was put together from several answers none tells the range.
+    std::string trueRange() const {
+        constexpr int kPartial = 206;
+        if (!m_content.first || !m_content.isThere || m_content.size == 0 || m_isWhole ||
+            statusOf(m_head) != kPartial)
+            return {};
+        const std::uint64_t last = *m_content.first + m_content.size - 1;
+        const std::uint64_t all = wholeSize();
+        return fmt::format("bytes {}-{}/{}", *m_content.first, last,
+                           all > last ? std::to_string(all) : "*");
     }
 
     void put(std::string_view name, std::string_view value) {
@@ -192,7 +220,7 @@ class Mending {
         if (equalsNoCase(line.name, "content-encoding"))
             return !m_isPackedLess;
         if (equalsNoCase(line.name, "content-range"))
-            return !m_isWhole && rangeIn(line.value).isOf(m_content.size);
+            return !m_isWhole && m_range.empty() && rangeIn(line.value).isOf(m_content.size);
         if (!equalsNoCase(line.name, "content-length"))
             return true;
         const bool isRight =
@@ -208,6 +236,7 @@ class Mending {
     bool m_hasLength = false;
     bool m_isPackedLess = false;
     bool m_isWhole = false; ///< the part that was answered is all
+    std::string m_range;    ///< put in place of the stored one; empty for that
 };
 
 } // namespace

@@ -8,8 +8,10 @@
 #include "readers/AnswerHead.h"
 #include "readers/CachedBody.h"
 #include "readers/Coding.h"
+#include "readers/HttpHeaders.h"
 #include "readers/Scratch.h"
 #include "rebuild/RebuildContext.h"
+#include "reports/warc/Stretches.h"
 #include "reports/warc/WarcHead.h"
 #include "reports/warc/WarcTarget.h"
 #include "time/DateFormat.h"
@@ -75,7 +77,9 @@ std::string bracketed(const std::string &uri) {
 struct WarcWriter::Item {
     UrlRecord record;
     FactList facts;
-    std::string head; ///< as it is stored, then mended; empty for none
+    std::string head;                   ///< as it is stored, then mended; empty for none
+    std::string stored;                 ///< the head as it is stored
+    std::vector<WarcStretch> stretches; ///< of a part ("206") that was put together from several
     std::optional<Body> content;
     std::string target;
     std::string id; ///< of what is written first, to which the rest refers
@@ -142,7 +146,7 @@ WarcAdded WarcWriter::add(UrlId id) {
 /// none.
 void WarcWriter::addContent(Item &item) const {
     const RebuildContext &from = m_source.records;
-    const std::string stored = item.head;
+    const std::string stored = item.stored = item.head;
     const bool isEmpty = item.record.CacheFileSize == 0 && !item.record.CacheFileExists;
     item.content = bodyOf(item.record, from.extraction(), kBodyInMemory);
     if (!item.content && isEmpty && !item.head.empty())
@@ -151,9 +155,14 @@ void WarcWriter::addContent(Item &item) const {
         trapped(from.log, Severity::Warning, kProcedure, kContactSupport, false, [&] {
             if (!item.content)
                 return false;
-            const HeldContent held{.size = sizeOf(*item.content),
-                                   .unpackedFrom = item.content->unpackedFrom,
-                                   .isGZip = beginsAsGZip(*item.content)};
+            HeldContent held{.size = sizeOf(*item.content),
+                             .unpackedFrom = item.content->unpackedFrom,
+                             .isGZip = beginsAsGZip(*item.content)};
+            constexpr int kPartial = 206;
+            if (statusOf(stored) == kPartial)
+                item.stretches = stretchesIn(textOfFact(item.facts, "byte_ranges"), held.size);
+            if (item.stretches.size() == 1)
+                held.first = item.stretches.front().first;
             if (!stored.empty())
                 item.head = mendedHead(stored, held);
             item.digests = digestsOf(item.head, *item.content);
@@ -173,6 +182,8 @@ void WarcWriter::writeItem(Item &item) {
     m_counts.undated += item.record.ActionDateUTC.has() ? 0 : 1;
     if (item.head.empty())
         writeResource(item);
+    else if (item.content && item.stretches.size() > 1)
+        writeStretches(item);
     else if (!writeRevisit(item))
         writeAnswer(item);
     writeMetadata(item);
@@ -204,6 +215,33 @@ void WarcWriter::writeAnswer(Item &item) {
     }
     m_file.write(record);
     noteContent(item);
+}
+
+/// With a gap the bytes are no one answer: each stretch is the answer to who asks for it.
+void WarcWriter::writeStretches(Item &item) {
+    std::uint64_t at = 0;
+    for (std::size_t i = 0; i < item.stretches.size(); ++i) {
+        const WarcStretch &stretch = item.stretches[i];
+        const Body part = partOf(*item.content, at, stretch.size);
+        at += stretch.size;
+        const std::string head =
+            mendedHead(item.stored, {.size = stretch.size,
+                                     .unpackedFrom = item.content->unpackedFrom,
+                                     .first = stretch.first});
+        const WarcDigests digests = digestsOf(head, part);
+        WarcRecord record = begun(item, "response");
+        if (i == 0)
+            item.id = record.id;
+        else
+            record.id = idOf(item.record, fmt::format("response {}", i + 1));
+        record.contentType = kAnswer;
+        record.before = head;
+        record.content = &part;
+        record.contentSize = digests.size;
+        record.fields.emplace_back("WARC-Payload-Digest", warcDigest(digests.payloadSha1));
+        record.fields.emplace_back("WARC-Block-Digest", warcDigest(digests.blockSha1));
+        m_file.write(record);
+    }
 }
 
 void WarcWriter::writeResource(Item &item) {

@@ -41,6 +41,7 @@ class WarcWriter {
     void addContent(Item &item) const;
     void writeItem(Item &item);
     void writeAnswer(Item &item);
+    void writeStretches(Item &item);
     void writeResource(Item &item);
     void writeMetadata(const Item &item);
     bool writeRevisit(Item &item);

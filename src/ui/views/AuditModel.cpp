@@ -26,7 +26,7 @@ constexpr std::array kExact = {AuditModel::Number,  AuditModel::Element, AuditMo
                                AuditModel::Address, AuditModel::State,   AuditModel::Rule,
                                AuditModel::Record,  AuditModel::Time,    AuditModel::Apart,
                                AuditModel::Score,   AuditModel::PartUrl, AuditModel::Others,
-                               AuditModel::Hash,    AuditModel::Document};
+                               AuditModel::Hash,    AuditModel::Cache,   AuditModel::Document};
 
 bool isDark() {
     return QGuiApplication::palette().color(QPalette::Base).lightness() < 128;
@@ -116,6 +116,8 @@ QString AuditModel::textOf(const AuditRow &row, Column column) {
         return shown(row.partUrl());
     case Others:
         return shown(row.otherCandidates());
+    case Cache:
+        return shown(row.cache);
     default:
         return row.note ? exactText(*row.note, column) : QString();
     }
@@ -195,6 +197,8 @@ QString AuditModel::headingOf(Column column) {
         return tr("From the Page");
     case Hash:
         return tr("SHA-256");
+    case Cache:
+        return tr("Part's Cache");
     case Document:
         return tr("Stands In");
     default:

@@ -31,6 +31,7 @@ class AuditModel final : public QAbstractTableModel {
         Time,
         Apart,
         Hash,
+        Cache,
         Document,
         Count
     };

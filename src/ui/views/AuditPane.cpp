@@ -45,8 +45,8 @@ QTableView *newTable(AuditModel &model) {
 }
 
 /// Of the columns, in characters of the table's font, which are all of one width.
-constexpr std::array<int, AuditModel::Count> kChars = {7,  32, 20, 12, 26, 8,  44, 60,
-                                                       20, 44, 26, 9,  23, 22, 68, 11};
+constexpr std::array<int, AuditModel::Count> kChars = {7,  32, 20, 12, 26, 8,  44, 60, 20,
+                                                       44, 26, 9,  23, 22, 68, 44, 11};
 
 QString classicSummary(const std::vector<AuditRow> &rows) {
     const auto missing =

@@ -102,16 +102,30 @@ TEST(PageText, followsTheByteOrderMarkFirst) {
     EXPECT_EQ(decoded("\xFF\xFE"s), "");
 }
 
-TEST(PageText, followsTheMetaTagBeforeTheHeader) {
+TEST(PageText, followsTheHeaderBeforeTheMetaTag) {
     const std::string_view header = "HTTP/1.1 200 OK\r\nContent-Type: text/html; charset=utf-8\r\n";
+    const std::string left = "<meta charset=iso-8859-1>";
+    EXPECT_EQ(decoded(left + "\xC3\xA9", header), left + "\xC3\xA9");
+    EXPECT_EQ(decodedPage(viewOf(left), header).foundIn, "HTTP header");
     EXPECT_EQ(decoded("<META http-equiv='Content-Type' content='text/html; charset=windows-1251'>"
                       "\xCF",
-                      header)
+                      "HTTP/1.1 200 OK\r\nContent-Type: text/html\r\n")
                   .substr(74),
               "\xD0\x9F");
+    EXPECT_EQ(decoded(left + "\xC3\xA9", "Content-Type: a; charset=nonsense"),
+              left + "\xC3\x83\xC2\xA9");
     EXPECT_EQ(decoded("\xC3\xA9", header), "\xC3\xA9");
     EXPECT_EQ(decoded("\xC3\xA9"), "\xC3\x83\xC2\xA9");
     EXPECT_EQ(decoded("\x80", "HTTP/1.1 200 OK\r\n"), "\xE2\x82\xAC");
+}
+
+TEST(PageText, onlyTheServerCanSayThatTextIsWide) {
+    EXPECT_EQ(decoded("\0<\x20\xAC"s, "Content-Type: text/html; charset=utf-16be"),
+              "<\xE2\x82\xAC");
+    EXPECT_EQ(decoded("<\0\xAC\x20"s, "Content-Type: text/html; charset=UTF-16"), "<\xE2\x82\xAC");
+    EXPECT_EQ(decodedPage(viewOf("<\0"s), "Content-Type: a; charset=utf-16").charset, "utf-16le");
+    EXPECT_EQ(decoded("<\0p\0>"s, "Content-Type: a; charset=utf-16"), "<p\xEF\xBF\xBD");
+    EXPECT_EQ(decodedPage(viewOf("<meta charset=utf-16be>"s), {}).charset, "utf-8");
 }
 
 TEST(PageText, followsTheXmlDeclarationLast) {
@@ -126,6 +140,17 @@ TEST(PageText, followsTheXmlDeclarationLast) {
          {"<?xml version='1.0'?><a encoding='utf-8'>", "<?xml encoding='utf-8'", "<?xml?>",
           "<html><?xml encoding='utf-8'?>", "<?xml encoding='nobody-knows'?>"})
         EXPECT_EQ(decodedPage(viewOf(none), {}).foundIn, kNoCharset) << none;
+}
+
+TEST(PageText, whatIsSentAsXmlHasNoMetaTag) {
+    const std::string_view header = "Content-Type: application/xhtml+xml\r\n";
+    const std::string meta = "<meta charset='iso-8859-1'/>\xC3\xA9";
+    EXPECT_EQ(decoded(meta, header), meta);
+    EXPECT_EQ(decodedPage(viewOf(meta), header).charset, "utf-8");
+    const std::string russian = "<?xml version='1.0' encoding='windows-1251'?>" + meta;
+    EXPECT_EQ(decodedPage(viewOf(russian), header).foundIn, "XML declaration");
+    EXPECT_EQ(decodedPage(viewOf(russian), "Content-Type: text/html").foundIn, "meta tag");
+    EXPECT_EQ(decodedPage(viewOf(meta + "\xFF"), header).foundIn, "meta tag");
 }
 
 TEST(PageText, findsTheCharsetHoweverItIsWritten) {
@@ -147,6 +172,30 @@ TEST(PageText, readsEncodingsOfManyTongues) {
     EXPECT_EQ(decoded("\xB0\xA1", "Content-Type: a; charset=gb2312"), "\xE5\x95\x8A");
     EXPECT_EQ(decoded("\xF0", "Content-Type: a; charset=koi8-r"), "\xD0\x9F");
     EXPECT_EQ(decoded("\x80", "Content-Type: a; charset=ISO-8859-1"), "\xE2\x82\xAC");
+}
+
+/// By the labels of the Encoding standard, and its tables where ICU's are others.
+TEST(PageText, readsEncodingsAsBrowsersDo) {
+    const auto read = [](std::string_view bytes, std::string_view label) {
+        return decoded(std::string(bytes), "Content-Type: a; charset=" + std::string(label));
+    };
+    for (const std::string_view label : {"euc-kr", "ks_c_5601-1987", "windows-949", "korean"})
+        EXPECT_EQ(read("\x81\x41", label), "\uAC02") << label;
+    EXPECT_EQ(read("\x87\x40\xF9\xD6", "big5"), "\u43F0\u7881");
+    for (const std::string_view label : {"gbk", "gb2312", "gb18030", "x-gbk"})
+        EXPECT_EQ(read("\x80\xA2\xE3z\x80", label), "\u20AC\u20ACz\u20AC") << label;
+    EXPECT_EQ(read("\xA4\xAE\xBE\xC1", "koi8-u"), "\u0454\u045E\u040E\u0430");
+    EXPECT_EQ(read("a\x80\xFF", "x-user-defined"), "a\uF780\uF7FF");
+    EXPECT_EQ(decoded("<meta charset=x-user-defined>\x80").substr(29), "\u20AC");
+    EXPECT_EQ(read("\x87\x40\xED\x40", "x-sjis"), "\u2460\u7E8A");
+    EXPECT_EQ(read("\xAD\xA1", "x-euc-jp"), "\u2460");
+    EXPECT_EQ(read("\x80\xA1", "tis-620"), "\u20AC\u0E01");
+    EXPECT_EQ(read("\xA1", "iso-8859-11"), "\u0E01");
+    EXPECT_EQ(read("\x80", "cp819"), "\u20AC");
+    EXPECT_EQ(read("\xC3\xA9", "unicode-1-1-utf-8"), "\u00E9");
+    EXPECT_EQ(read("\xE0", "logical"), "\u05D0");
+    EXPECT_EQ(read("\xDB", "x-mac-roman"), "\u20AC");
+    EXPECT_EQ(read("\xFF", "gbk"), "\uFFFD");
 }
 
 TEST(PageText, passesOverEncodingsThatCantBe) {

@@ -213,7 +213,7 @@ TEST(SafePage, whatShowsStays) {
              "style='color:red;background:url(0000002.gif)'>"),
         "<table border=\"1\"><tbody><tr><td background=\"0000002.gif\" "
         "style=\"color:red;background:url(&quot;0000002.gif&quot;);\"></td></tr></tbody></table>");
-    EXPECT_EQ(body("<my-part class=a>b</my-part>"), "<span class=\"a\">b</span>");
+    EXPECT_EQ(body("<mypart class=a>b</mypart>"), "<span class=\"a\">b</span>");
     EXPECT_EQ(body("<iframe src=0000004.htm width=9>a</iframe>"),
               "<iframe src=\"0000004.htm\" width=\"9\"></iframe>");
     EXPECT_EQ(body("<xmp><b></xmp>"), "<pre>&lt;b&gt;</pre>");
@@ -226,6 +226,49 @@ TEST(SafePage, whatShowsStays) {
                 HasSubstr("<link rel=\"stylesheet\" href=\"0000003.css\" media=\"print\"/>"));
     EXPECT_THAT(guarded("<frameset cols='1,*'><frame src=0000004.htm></frameset>"),
                 HasSubstr("<frameset cols=\"1,*\"><frame src=\"0000004.htm\"/></frameset>"));
+}
+
+/// Styles call elements by such names, which do nothing by themselves.
+TEST(SafePage, elementsOfThePagesOwnKeepTheirNames) {
+    EXPECT_EQ(body("<My-Card class=a onclick=x() is=b src=http://red.example/ href=javascript:x()>"
+                   "b<script>c</script></my-card>"),
+              "<my-card class=\"a\">b</my-card>");
+    EXPECT_EQ(style("my-card > b{color:red}"), "my-card > b {color:red;}");
+    for (const std::string name : {"font-face", "annotation-xml", "missing-glyph", "x-\xC3\xA9",
+                                   "a-b\"c", "a-b:c", "a-b.c", "a-b<c"})
+        EXPECT_THAT(body("<" + name + ">b"), StartsWith("<span")) << name;
+    EXPECT_THAT(body("<a-" + std::string(200, 'b') + ">c"), StartsWith("<span"));
+    EXPECT_THAT(guarded("<svg><x-y onload=z()><image href=http://red.example/a></x-y></svg>"),
+                AllOf(Not(HasSubstr("x-y")), Not(HasSubstr("red."))));
+    EXPECT_THAT(guarded("<x-y><style>a{background:url(http://red.example/a)}</style>"
+                        "<img src=http://red.example/b style='background:url(//red.example/c)'>"),
+                Not(HasSubstr("red.")));
+}
+
+/// Without them hidden text would show, and a sheet that is switched off would count.
+TEST(SafePage, whatIsSwitchedOffStaysOff) {
+    EXPECT_EQ(body("<div popover=manual onbeforetoggle=x()>a</div>"),
+              "<div popover=\"manual\">a</div>");
+    EXPECT_EQ(body("<div popover='\"><script>'>a</div>"),
+              "<div popover=\"&quot;&gt;&lt;script&gt;\">a</div>");
+    EXPECT_THAT(guarded("<link rel=stylesheet href=0000003.css disabled=x>"),
+                HasSubstr("<link rel=\"stylesheet\" href=\"0000003.css\" disabled=\"\"/>"));
+    EXPECT_THAT(guarded("<link rel=stylesheet href=http://red.example/a.css disabled>"),
+                Not(HasSubstr("stylesheet")));
+}
+
+TEST(SafePage, propertiesAreMadeKnownWithoutAddresses) {
+    EXPECT_EQ(style("@property --a{syntax:'<length>';inherits:false;initial-value:0px}"),
+              "@property --a {syntax:\"\\3c length\\3e \";inherits:false;initial-value:0px;}");
+    for (const std::string value :
+         {"url(http://red.example/a)", "image-set('http://red.example/a')", "expression(x)",
+          "attr(href)", "'http://red.example/a'"})
+        EXPECT_THAT(style("@property --a{syntax:'*';inherits:false;initial-value:" + value + "}"),
+                    Not(HasSubstr("red.")))
+            << value;
+    EXPECT_THAT(style("@property --a{syntax:'</style><img src=//red.example>'}"),
+                Not(HasSubstr("</style")));
+    EXPECT_THAT(style("@property url(http://red.example/){syntax:'*'}"), Not(HasSubstr("red.")));
 }
 
 TEST(SafePage, linksTellWhereTheyLed) {

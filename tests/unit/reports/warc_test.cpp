@@ -12,6 +12,7 @@
 #include "support/builders/Packed.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>
+#include <fmt/format.h>
 #include <gmock/gmock.h>
 
 #include <functional>
@@ -69,6 +70,23 @@ TEST(WarcHead, aPartThatIsAllOfItIsTheWhole) {
                                {.size = 9}),
                     StartsWith("HTTP/1.1 206 Partial"))
             << part;
+}
+
+TEST(WarcHead, whatWasPutTogetherFromPartsGetsATrueRange) {
+    const std::string head = "HTTP/1.1 206 Partial Content\r\nContent-Range: bytes 0-3/9\r\n";
+    EXPECT_EQ(mendedHead(head, {.size = 9, .first = 0}),
+              "HTTP/1.1 200 OK\r\nX-Archive-Orig-Content-Range: bytes 0-3/9\r\n"
+              "Content-Length: 9\r\n\r\n");
+    EXPECT_THAT(mendedHead(head, {.size = 7, .first = 2}),
+                AllOf(StartsWith("HTTP/1.1 206 Partial"),
+                      HasSubstr("\r\nX-Archive-Orig-Content-Range: bytes 0-3/9\r\n"),
+                      HasSubstr("\r\nContent-Range: bytes 2-8/9\r\n")));
+    EXPECT_THAT(mendedHead("HTTP/1.1 206 x\r\nContent-Length: 9\r\n", {.size = 9, .first = 0}),
+                StartsWith("HTTP/1.1 200 OK\r\nContent-Length: 9\r\n"));
+    EXPECT_THAT(mendedHead("HTTP/1.1 206 x\r\n", {.size = 9, .first = 0}),
+                HasSubstr("\r\nContent-Range: bytes 0-8/*\r\n"));
+    EXPECT_THAT(mendedHead("HTTP/1.1 200 OK\r\n", {.size = 9, .first = 5}),
+                Not(HasSubstr("Content-Range")));
 }
 
 TEST(WarcHead, ofSeveralCodingsThoseStayThatWereNotUndone) {
@@ -205,6 +223,29 @@ TEST_F(WarcTest, anAnswerIsReadBackWithAllThatIsKnown) {
     const Bytes packed = readWhole(project.folder.path() / "out.warc.gz");
     EXPECT_THAT(ByteView(packed).raw(), StartsWith("\x1F\x8B"));
     EXPECT_TRUE(project.log.entries.empty());
+}
+
+TEST_F(WarcTest, ofAFilmWithGapsEachStretchIsAnAnswer) {
+    FactList gaps;
+    gaps.add("byte_ranges", "0-3, 6-8; missing 4-5");
+    FactList none;
+    none.add("byte_ranges", "0-8");
+    const std::string head = "HTTP/1.1 206 Partial Content\r\nContent-Type: "
+                             "video/mp4\r\nContent-Range: bytes 0-3/9\r\n\r\n";
+    add("https://a.example/gaps.mp4", head, "abcdghi", gaps);
+    add("https://a.example/whole.mp4", head, "abcdefghi", none);
+    const test::WarcReading read = written();
+    ASSERT_EQ(read.problem, "");
+    std::vector<std::string> answers;
+    for (const auto &record : read.records)
+        if (record["type"] == "response")
+            answers.push_back(
+                fmt::format("{} {}", record["status"].get<int>(), record["size"].get<int>()));
+    EXPECT_THAT(answers, testing::ElementsAre("206 4", "206 3", "200 9"));
+    EXPECT_EQ(read.at("metadata", "https://a.example/gaps.mp4")["fields"]["WARC-Refers-To"],
+              read.records[1]["id"]);
+    EXPECT_NE(read.records[1]["id"], read.records[2]["id"]);
+    EXPECT_EQ(counts.contents, 2);
 }
 
 TEST_F(WarcTest, theSameRowsGiveTheSameBytes) {

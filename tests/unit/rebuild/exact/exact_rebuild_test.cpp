@@ -200,8 +200,8 @@ TEST_F(ExactRebuildTest, errorsAreNoStyles) {
     put({.url = "https://host/a.css", .body = styled, .type = "text/html", .status = "404 Gone"});
     put({.url = "https://host/b.css", .body = styled, .type = "text/html"});
     put({.url = "https://host/c.gif", .body = "GIF89a", .type = "image/gif", .status = "404 Gone"});
-    const UrlId html = putPage("<link rel=stylesheet href=/a.css><link rel=stylesheet href=/b.css>"
-                               "<img src=/c.gif>");
+    const UrlId html = putPage("<!DOCTYPE html><link rel=stylesheet href=/a.css>"
+                               "<link rel=stylesheet href=/b.css><img src=/c.gif>");
     ASSERT_TRUE(rebuild(html));
     EXPECT_THAT(found(html), ElementsAre("https://host/a.css: answered with an error -> 0",
                                          "https://host/b.css: answered with another type -> 0",

@@ -71,6 +71,19 @@ TEST(ScanPage, linksAreToldApart) {
         "<link rel=preload href=\"\" as=script><link href='' rel=modulepreload>");
 }
 
+TEST(ScanPage, aStyleOfAnotherTypeMayBeMoreThanThat) {
+    const std::string link = "<link rel='stylesheet preconnect' type=text/plain href=http://h/a>";
+    EXPECT_THAT(of(link), IsEmpty());
+    EXPECT_EQ(disarmed(link), "<link rel='stylesheet preconnect' type=text/plain href=\"\">");
+    EXPECT_THAT(of("<link rel='stylesheet icon' type=text/plain href=a>"),
+                ElementsAre("link href=a"));
+}
+
+TEST(ScanPage, onlyTheFirstBaseCounts) {
+    EXPECT_EQ(scanPage("<base target=x><base href=/a/><base href=/b/>", "page").base, "/a/");
+    EXPECT_EQ(scanPage("<base href><base href=/b/>", "page").base, "");
+}
+
 TEST(ScanPage, stylesThatAScriptWouldApplyApply) {
     const std::string late = "<link rel=\"preload\" as=\"style\" href=\"a.css\" "
                              "onload=\"this.rel='stylesheet'\">";
@@ -196,6 +209,16 @@ TEST(ScanPage, whatIsForBrowsersWithoutScriptsShows) {
         "<noscript>b</noscript>";
     EXPECT_EQ(disarmed(twice), "<img data-was-data-src=a.png src=s.gif alt=blank class=lazy>b");
     EXPECT_THAT(of(twice), ElementsAre("img data-src=a.png"));
+}
+
+TEST(ScanPage, ofANoscriptOnlyThePictureGoesThatIsShownAlready) {
+    const std::string html =
+        "<img data-src=b.png><noscript><img src=b.png srcset='b.png 2x'><p>text "
+        "kept</p><img src=c.png></noscript><img src=b.png>";
+    EXPECT_EQ(disarmed(html), "<img src=b.png><p>text kept</p><img src=c.png><img src=b.png>");
+    EXPECT_THAT(of(html), ElementsAre("img data-src=b.png", "img src=c.png", "img src=b.png"));
+    EXPECT_EQ(disarmed("<img data-src=a><noscript><noscript><img src=a></noscript>x</noscript>"),
+              "<img src=a>x");
 }
 
 TEST(ScanPage, nothingRunsOrLeadsAway) {

@@ -51,6 +51,20 @@ TEST(SourceText, aNameThatCantBeTrueIsntUsed) {
               "<meta charset=utf-16>\xC3\xA9 0000017.png");
 }
 
+/// Only a server can say that such text is wide; in a folder there is none.
+TEST(SourceText, wideTextWithoutAMarkGetsOne) {
+    const std::string page = wide("<p>a.png</p>", false).substr(2);
+    EXPECT_EQ(replaced(page, "Content-Type: text/html; charset=utf-16be"),
+              wide("<p>0000017.png</p>", false));
+}
+
+TEST(SourceText, whatNoPageCanNameIsWrittenInUtf8) {
+    EXPECT_EQ(replaced("\x80 a.png", "Content-Type: x; charset=x-user-defined"),
+              "\xEF\xBB\xBF\xEF\x9E\x80 0000017.png");
+    EXPECT_EQ(replaced("plain a.png", "Content-Type: x; charset=hz-gb-2312"),
+              "\xEF\xBB\xBFplain 0000017.png");
+}
+
 TEST(SourceText, longPagesAreReadInParts) {
     std::string bytes = "<meta charset=shift_jis>";
     std::string expected = bytes;
@@ -91,8 +105,9 @@ std::string anyBytes(std::mt19937 &random, std::size_t count) {
 
 TEST(SourceText, everyOtherByteStays) {
     std::mt19937 random(17);
-    for (const std::string_view charset : {"utf-8", "windows-1252", "iso-8859-15", "koi8-r",
-                                           "shift_jis", "euc-jp", "gbk", "big5", "euc-kr"})
+    for (const std::string_view charset :
+         {"utf-8", "windows-1252", "iso-8859-15", "koi8-r", "shift_jis", "euc-jp", "gbk", "big5",
+          "euc-kr", "koi8-u"})
         for (int i = 0; i < 50; ++i) {
             const std::string header = "Content-Type: text/html; charset=" + std::string(charset);
             const std::string bytes = ' ' + anyBytes(random, 300);
