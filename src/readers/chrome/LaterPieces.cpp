@@ -1,11 +1,9 @@
 #include "readers/chrome/LaterPieces.h"
 
-#include "base/Trap.h"
 #include "readers/Body.h"
 #include "readers/chrome/CacheKey.h"
 #include "readers/chrome/LaterSparse.h"
 #include "readers/chrome/LaterWalk.h"
-#include "readers/sqlite/KeptMessage.h"
 
 #include <algorithm>
 #include <span>
@@ -20,13 +18,8 @@ std::optional<LaterIndexFile> trustedIndex(const Evidence &evidence,
     const auto path = evidence.find(folder, "index");
     if (!path)
         return std::nullopt;
-    KeptMessage unread;
-    return trapped(unread, Severity::Warning, "ChromiumBlockCache.fetch()", "",
-                   std::optional<LaterIndexFile>(), [&]() -> std::optional<LaterIndexFile> {
-                       LaterIndexFile index(evidence.open(*path));
-                       return index.damage().empty() ? std::optional(std::move(index))
-                                                     : std::nullopt;
-                   });
+    LaterIndexFile index(evidence.open(*path));
+    return index.damage().empty() ? std::optional(std::move(index)) : std::nullopt;
 }
 
 } // namespace
