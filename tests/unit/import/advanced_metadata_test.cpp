@@ -182,9 +182,8 @@ TEST_F(AdvancedMetadataTest, writesNoLinksOfARowThatTheProjectDidntTake) {
     EXPECT_EQ(links(), 0);
 }
 
-/// Of one of today's caches, sent as that type.
+/// As of one of today's caches, sent as that type; its content still lies by itself.
 UrlRecord sent(UrlRecord record, const std::string &type, const std::string &status = "200 OK") {
-    record.cacheType = "Chrome Cache";
     record.MIMEType = type;
     record.MetaData = "HTTP/1.1 " + status + "\r\nContent-Type: " + type + "\r\n";
     record.facts.add("cache_layout", std::string("Simple 9"));
