@@ -4,6 +4,7 @@
 #include "base/Text.h"
 #include "base/Trap.h"
 #include "import/PageContent.h"
+#include "import/SentPages.h"
 
 #include <fmt/format.h>
 
@@ -33,7 +34,8 @@ PageFindings AdvancedMetadata::parseAdvancedMetadata(UrlRecord &record,
 void AdvancedMetadata::examine(UrlRecord &record, SavedContent &content,
                                PageFindings &found) const {
     const ContentFacts *facts = content.facts();
-    if (!facts || (!facts->hasHtml && !facts->hasBody))
+    const bool isSent = facts && isSentAsPage(record, *facts);
+    if (!facts || (!facts->hasHtml && !facts->hasBody && !isSent))
         return;
     found.isPage = !equalsNoCase(record.URLFileExt, "js");
     record.IsWebPage = found.isPage; // scripts write pages: what they hold isn't one
@@ -45,8 +47,9 @@ void AdvancedMetadata::examine(UrlRecord &record, SavedContent &content,
     // With a trap of its own: a page that can't be parsed stays one, and keeps its title.
     trapped(m_log, Severity::Warning, kProcedure, kContactSupport, [&] {
         const std::string html = content.pageText();
-        // The probe knows whether there is a title, but not the page's encoding.
-        if (std::string title = hasTitle ? titleOf(html) : ""; !title.empty())
+        // The probe knows whether there is a title, but not the page's encoding: in one of two
+        // bytes a letter it finds none.
+        if (std::string title = hasTitle || isSent ? titleOf(html) : ""; !title.empty())
             record.WebpageTitle = std::move(title);
         PageContent page = readPageContent(html, content.file());
         found.links = page.links.size();

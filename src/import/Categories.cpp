@@ -2,6 +2,7 @@
 
 #include "base/Text.h"
 #include "base/Trap.h"
+#include "import/SentPages.h"
 #include "readers/RecordKind.h"
 
 #include <algorithm>
@@ -55,7 +56,7 @@ bool isXhtml(const UrlRecord &record, const ContentFacts &facts) {
 }
 
 std::string extensionOf(const UrlRecord &record, const ContentFacts &facts) {
-    if (isXhtml(record, facts))
+    if (isXhtml(record, facts) || isSentAsPage(record, facts))
         return "html";
     if (!facts.extension.empty())
         return facts.extension;

@@ -2,8 +2,8 @@
 
 #include "base/NoLog.h"
 #include "base/Trap.h"
+#include "import/SentPages.h"
 
-#include <algorithm>
 #include <string_view>
 #include <utility>
 
@@ -16,13 +16,6 @@ constexpr std::string_view kProcedure = "ImportForm.HashContent()";
 Extraction telling(Extraction extraction, FailureLog &log) {
     return {extraction.evidence, std::move(extraction.folder), log,
             extraction.source,   extraction.isAsStored,        extraction.classicOnly};
-}
-
-/// That of the caches of today's browsers. Classic ones have rows by the ten thousand whose bodies
-/// nobody else reads while they are imported, so theirs only for hash sets.
-bool isAlwaysHashed(const UrlRecord &record) {
-    return std::ranges::any_of(record.facts,
-                               [](const RecordFact &fact) { return fact.name == "cache_layout"; });
 }
 
 } // namespace
@@ -57,7 +50,15 @@ bool RecordLook::mayRunBeside() {
 void RecordLook::look() {
     verdict = m_categories.verdictOn(record, *m_content);
     record.Category = verdict.category;
-    if (record.CacheFileExists && (m_looks.hashesAll || isAlwaysHashed(record)))
+    // Classic caches have rows by the ten thousand whose bodies nobody else reads while they are
+    // imported, so theirs are hashed for hash sets only.
+    const bool isOfToday = record.CacheFileExists && isOfTodaysCache(record);
+    if (isOfToday && !record.MIMEType.empty())
+        trapped(m_log, Severity::Warning, kProcedure, kContactSupport, [this] {
+            if (const ContentFacts *facts = m_content->facts())
+                record.IsWebPage = isSentAsPage(record, *facts) || facts->extension == "html";
+        });
+    if (isOfToday || (record.CacheFileExists && m_looks.hashesAll))
         trapped(m_log, Severity::Warning, kProcedure, kContactSupport,
                 [this] { m_content->addFacts(); });
     if (m_looks.intoPages)

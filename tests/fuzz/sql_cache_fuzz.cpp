@@ -45,9 +45,12 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
     const nv::PagedRows rows(file);
     const std::uint64_t table = rows.rootOf("blobs");
     std::size_t freed = 0;
-    rows.freedRows(10, [&freed, &bytes](const nv::FreedRow &row) {
+    const auto take = [&freed, &bytes](const nv::FreedRow &row) {
         require(row.values.size() == 10 && ++freed <= bytes.size());
-    });
+    };
+    rows.freedRows(10, take);
+    freed = 0;
+    rows.deletedRows(rows.rootOf("resources"), "niiiiiiitb", take);
     constexpr std::size_t kMost = 100;
     constexpr std::size_t kBlob = 5;
     for (std::int64_t entry = 1; entry <= 3; ++entry)

@@ -1,5 +1,7 @@
 #include "app/jobs/RecordContent.h"
 
+#include "base/Text.h"
+#include "readers/HttpHeaders.h"
 #include "views/SourcePath.h"
 
 #include <fmt/format.h>
@@ -10,12 +12,18 @@ namespace nv {
 
 namespace {
 
+/// Some readers name it from the root on, others as a whole.
+std::string folderOf(const UrlRecord &record) {
+    const bool isWhole = record.CacheRootPath.starts_with(record.RootPath);
+    return (isWhole ? std::string() : record.RootPath) + record.CacheRootPath;
+}
+
 std::string placeOf(const UrlRecord &record) {
     if (!record.DataBlockFile.empty())
         return fmt::format("expected {} bytes at {} of the block file or file \"{}\" of the cache "
-                           "in {}{}",
+                           "in {}",
                            record.CacheFileSize, record.DataBlockFileOffset, record.DataBlockFile,
-                           record.RootPath, record.CacheRootPath);
+                           folderOf(record));
     if (!record.CacheFileRelativePath.empty())
         return "expected at " + record.RootPath + record.CacheFileRelativePath;
     // What wasn't there at the import has a name, but no path.
@@ -42,6 +50,10 @@ std::optional<RecordContent> contentOfRecord(RecordTools &tools, UrlId url) {
 std::string missingContent(const UrlRecord &record) {
     if (record.IsHistory && record.CacheFileRelativePath.empty() && record.DataBlockFile.empty())
         return "no cached content: the record is one of history";
+    const std::string_view answer = answerHeadIn(record.MetaData);
+    if (record.CacheFileSize == 0 && !record.CacheFileExists && !answer.empty())
+        return fmt::format("no cached content: the cache has no body with the answer \"{}\"",
+                           trim(answer.substr(0, answer.find_first_of("\r\n"))));
     return "no cached content: " + placeOf(record);
 }
 

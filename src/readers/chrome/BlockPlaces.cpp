@@ -222,8 +222,12 @@ void locateLater(const PlaceSearch &search, CacheBlocksOf &blocks, FieldPlaces &
 
 void locateInBlockFiles(const PlaceSearch &search, FieldPlaces &places) {
     CacheBlocksOf blocks(search);
-    if (isLater(search.record))
+    // A separate file that no entry leads to is all there is of its record.
+    const bool isLone = isLater(search.record) && search.record.URLRawValue.empty();
+    if (isLater(search.record) && !isLone)
         locateLater(search, blocks, places);
+    else if (isLone)
+        places.derived("CacheFileSize", "size of the file, which no entry leads to");
     else
         locateFirst(search, blocks, places);
     placeChromeRest(places);

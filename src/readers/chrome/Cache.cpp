@@ -124,11 +124,7 @@ std::optional<ReadResult> readAsLater(ReadContext &ctx) {
     const ReadResult unread{
         ReadState::failed, "could not be read: " + textOf(ctx.file.fullPath), 0, {}};
     return trapped(ctx.log, Severity::Serious, "ChromiumBlockCache.read()", kContactSupport,
-                   std::optional(unread), [&ctx]() -> std::optional<ReadResult> {
-                       if (!isLaterBlockCache(ctx))
-                           return std::nullopt;
-                       return parseLaterBlockCache(ctx);
-                   });
+                   std::optional(unread), [&ctx] { return parseLaterBlockCache(ctx); });
 }
 
 } // namespace

@@ -60,9 +60,9 @@ Bytes ChromeBlockFiles::read(const ChromeAddressMap &map, std::uint64_t count) {
 ChromeBlockFiles::Opened ChromeBlockFiles::open(std::uint8_t number) const {
     const auto path = m_evidence.find(m_folder, nameOf(number));
     if (path && !m_log)
-        return {m_evidence.open(*path), {}};
+        return {m_evidence.open(*path), {}, {}};
     Opened found = path ? openLogged(*path)
-                        : Opened{std::nullopt, pathOf(number) + ": the block file is missing"};
+                        : Opened{std::nullopt, pathOf(number) + ": the block file is missing", {}};
     if (!found.reader)
         write(found.lack);
     return found;
@@ -70,24 +70,37 @@ ChromeBlockFiles::Opened ChromeBlockFiles::open(std::uint8_t number) const {
 
 ChromeBlockFiles::Opened ChromeBlockFiles::openLogged(const std::filesystem::path &path) const {
     KeptMessage failure;
+    std::string missingEnd;
     auto reader = trapped(failure, Severity::Serious, m_procedure, kContactSupport,
                           std::optional<EvidenceFile>(), [&]() -> std::optional<EvidenceFile> {
                               return tellingGaps(*m_log, [&] {
                                   EvidenceFile file = m_evidence.open(path);
-                                  noteMissingEnd(file);
+                                  missingEnd = missingEndOf(file);
                                   return std::optional(std::move(file));
                               });
                           });
     if (reader)
-        return {std::move(reader), {}};
-    return {std::nullopt, failure.text};
+        return {std::move(reader), {}, std::move(missingEnd)};
+    return {std::nullopt, failure.text, {}};
 }
 
 /// Bodies are not read here: without this, nobody would learn that some have gone.
-void ChromeBlockFiles::noteMissingEnd(const EvidenceFile &file) const {
-    if (const std::uint64_t whole = sizeByHead(file); file.size() < whole)
-        write(fmt::format("{}: the block file has {} bytes of {}", textOf(file.path()), file.size(),
-                          whole));
+std::string ChromeBlockFiles::missingEndOf(const EvidenceFile &file) const {
+    const std::uint64_t whole = sizeByHead(file);
+    if (file.size() >= whole)
+        return {};
+    std::string text = fmt::format("{}: the block file has {} bytes of {}", textOf(file.path()),
+                                   file.size(), whole);
+    write(text);
+    return text;
+}
+
+std::vector<std::string> ChromeBlockFiles::cutShort() const {
+    std::vector<std::string> texts;
+    for (const auto &[number, found] : m_files)
+        if (!found.missingEnd.empty())
+            texts.push_back(found.missingEnd);
+    return texts;
 }
 
 void ChromeBlockFiles::write(const std::string &message) const {

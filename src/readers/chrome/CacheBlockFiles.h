@@ -10,6 +10,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace nv {
 
@@ -29,6 +30,8 @@ class ChromeBlockFiles {
     const EvidenceFile *file(std::uint8_t number);
     /// Why file() gives null; names the file.
     const std::string &lackOf(std::uint8_t number);
+    /// What is told of files that have been opened and end before their heads say so.
+    std::vector<std::string> cutShort() const;
     /// The path that the file has or would have.
     std::string pathOf(std::uint8_t number) const;
     /// Up to `count` bytes of the block; none when the address names no block, its file is missing
@@ -39,12 +42,13 @@ class ChromeBlockFiles {
     struct Opened {
         std::optional<EvidenceFile> reader;
         std::string lack;
+        std::string missingEnd{};
     };
 
     Opened &opened(std::uint8_t number);
     Opened open(std::uint8_t number) const;
     Opened openLogged(const std::filesystem::path &path) const;
-    void noteMissingEnd(const EvidenceFile &file) const;
+    std::string missingEndOf(const EvidenceFile &file) const;
     void write(const std::string &message) const;
 
     const Evidence &m_evidence;

@@ -28,6 +28,12 @@ bool ChromeIndexFile::isLater() const {
     return size() == laterSize || (size() > laterSize && (major == 2 || major == 3));
 }
 
+bool ChromeIndexFile::isOfUnknownVersion() const {
+    constexpr std::uint32_t kMagic = 0xC103'CAC3;
+    constexpr std::uint32_t kLastMajor = 3;
+    return m_head.magic == kMagic && m_head.version >> 16 > kLastMajor;
+}
+
 std::uint64_t ChromeIndexFile::wordsThere() const {
     return size() < kTableAt ? 0 : (size() - kTableAt) / kWord;
 }

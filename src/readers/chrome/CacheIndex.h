@@ -20,6 +20,8 @@ class ChromeIndexFile {
     const ChromeIndex &head() const { return m_head; }
     /// The block cache of later versions, whose entries are made otherwise.
     bool isLater() const;
+    /// An index by its first bytes, of a version above those that are known.
+    bool isOfUnknownVersion() const;
     /// Whole words from the start of the table to the end of the file.
     std::uint64_t wordsThere() const;
     /// `slot` is 1-based and not above wordsThere(). Throws EvidenceFailure.

@@ -182,12 +182,16 @@ UrlRecord chromeEntryRecord(const ReadContext &ctx, const ChromeEntryPlace &plac
     record.facts.add("partition", key.partition);
     record.facts.add("upload_id", key.upload);
     auto response = chromeResponseOf(head);
-    // Without its head an entry is what its key says.
-    const bool isOfPage = (response || head.empty()) && !key.url.starts_with(kCompiledMark) &&
+    // Without its head an entry is what its key says. Sites' own caches have bare addresses.
+    const bool isOfBrowser = key.url != record.URLRawValue;
+    const bool isOfPage = (response || head.empty() || isOfBrowser) &&
+                          !key.url.starts_with(kCompiledMark) &&
                           key.url.find(':') != std::string::npos;
     record.cacheType = isOfPage ? kChromeCache.word : kChromeSiteCache.word;
     if (response)
         takeResponse(record, *std::move(response), ctx.clock);
+    else if (isOfPage && !head.empty())
+        record.facts.add("body", "the head of its answer is damaged");
     else if (const auto answer = chromeSiteAnswerOf(head))
         takeSiteAnswer(record, *answer, ctx.clock);
     else

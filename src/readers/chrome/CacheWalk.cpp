@@ -41,6 +41,10 @@ bool ChromeCacheWalk::isReadable() {
     else if (m_index.isLater())
         // Its records would come out with dates and lengths taken from the wrong places.
         m_result.reason = "later block cache, not read yet";
+    else if (m_index.isOfUnknownVersion())
+        m_result.reason =
+            fmt::format("block cache of version {}.{}, not read yet", m_index.head().version >> 16,
+                        m_index.head().version & 0xFFFF);
     else
         return true;
     m_result.state = m_index.hasHead() ? ReadState::notReadYet : ReadState::failed;

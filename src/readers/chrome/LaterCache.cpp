@@ -8,13 +8,12 @@
 #include "base/Trap.h"
 #include "readers/EvidenceGaps.h"
 #include "readers/Limits.h"
-#include "readers/chrome/ByteRanges.h"
 #include "readers/chrome/CacheBlocks.h"
-#include "readers/chrome/CacheRow.h"
 #include "readers/chrome/LaterEntry.h"
 #include "readers/chrome/LaterPieces.h"
-#include "readers/chrome/LaterSparse.h"
-#include "readers/chrome/Stamps.h"
+#include "readers/chrome/LaterRows.h"
+#include "readers/chrome/LaterWalk.h"
+#include "readers/sqlite/KeptMessage.h"
 
 #include <fmt/format.h>
 
@@ -32,8 +31,8 @@ namespace fs = std::filesystem;
 namespace {
 
 constexpr std::string_view kProcedure = "ChromiumBlockCache.read()";
-constexpr std::uint64_t kPart = std::uint64_t{1} << 20; ///< bytes read at a time, of whole blocks
 constexpr double kShareOfIndex = 0.7;
+constexpr std::uint32_t kSeparateFile = 0x0FFF'FFFF; ///< of an address: which one
 
 bool isIndex(const fs::path &file) {
     return !toLower(textOf(file.filename())).starts_with("data_");
@@ -43,17 +42,56 @@ std::size_t blockOf(const ChromeAddressMap &map) {
     return map.address % limits::kChromeCacheBlocks;
 }
 
+/// An index as far as it can be had.
+struct OpenedIndex {
+    enum class Told : std::uint8_t { first, later, nothing };
+
+    std::optional<LaterIndexFile> trusted;
+    std::string lack; ///< why it isn't there
+    Told told = Told::nothing;
+    bool isUnread = false; ///< it couldn't be opened or read
+};
+
+/// What it says of itself may be damaged. One that can't be trusted costs a cache nothing but what
+/// it leads to.
+OpenedIndex openedIndex(const ReadContext &ctx) {
+    const fs::path &file = ctx.file.fullPath;
+    OpenedIndex opened;
+    if (!isIndex(file)) {
+        opened.lack = textOf(file.parent_path() / "index") + ": the index is missing";
+        opened.told = OpenedIndex::Told::later;
+        return opened;
+    }
+    KeptMessage failure;
+    trapped(failure, Severity::Serious, kProcedure, "", [&] {
+        tellingGaps(ctx.log, [&] {
+            LaterIndexFile index(ctx.evidence.open(file));
+            if (index.isLater())
+                opened.told = OpenedIndex::Told::later;
+            else if (index.isOfFirstVersions())
+                opened.told = OpenedIndex::Told::first;
+            opened.lack = index.damage();
+            if (opened.lack.empty())
+                opened.trusted.emplace(std::move(index));
+            else
+                opened.lack = textOf(file) + ": " + opened.lack;
+        });
+    });
+    opened.isUnread = !failure.text.empty();
+    if (opened.isUnread)
+        opened.lack = failure.text;
+    return opened;
+}
+
 class LaterReading {
   public:
-    explicit LaterReading(ReadContext &ctx)
+    LaterReading(ReadContext &ctx, OpenedIndex index)
         : m_ctx(ctx), m_folder(ctx.file.fullPath.parent_path()),
           m_blocks(ctx.evidence, m_folder, ctx.log, kProcedure),
           m_entries(m_blocks, ctx.evidence, m_folder),
-          m_trap(ctx.log, kProcedure, textOf(ctx.file.fullPath)),
-          m_met(limits::kChromeCacheBlocks) {
-        if (isIndex(ctx.file.fullPath))
-            m_index.emplace(ctx.evidence.open(ctx.file.fullPath));
-    }
+          m_trap(ctx.log, kProcedure, textOf(ctx.file.fullPath)), m_met(limits::kChromeCacheBlocks),
+          m_index(std::move(index.trusted)), m_indexLack(std::move(index.lack)),
+          m_rows(ctx, m_folder, m_entries, m_result) {}
 
     ReadResult read() {
         m_ctx.task.describe({"PARSING CHROMIUM CACHE", "Reading INDEX File...",
@@ -61,12 +99,14 @@ class LaterReading {
         m_ctx.file.version =
             m_index ? "Block files " + m_index->versionText() : std::string("Block files");
         if (!m_index)
-            damage(textOf(m_folder / "index") + ": the index is missing");
-        const bool isDone = walkIndex() && walkFiles();
+            damage(m_indexLack);
+        const bool isDone = walkIndex() && walkFiles() && saveSeparateFiles();
+        for (const std::string &lack : m_blocks.cutShort())
+            addReasonOnce(m_result, lack);
+        tellOfFailures();
         if (!isDone)
             m_result.state = ReadState::cancelled;
-        tellOfFailures();
-        m_ctx.task.show({"All done.", m_count, m_count, {}, 0, 0});
+        m_ctx.task.show({"All done.", m_rows.count(), m_rows.count(), {}, 0, 0});
         return m_result;
     }
 
@@ -84,7 +124,7 @@ class LaterReading {
             damage(fmt::format("{}: the table of addresses ends behind slot {} of {}",
                                textOf(m_index->path()), slots, m_index->slots()));
         for (const std::uint32_t piece : m_pieces)
-            if (!m_joined.contains(piece))
+            if (!m_rows.isJoined(piece))
                 m_trap.attempt(piece, [&, address = piece] {
                     if (const auto entry = m_entries.at(address))
                         save(*entry, "a piece of a larger entry that isn't there");
@@ -121,7 +161,7 @@ class LaterReading {
         const ByteView fields(bytes);
         const bool hasFields = fields.size() == kKeyAddressAt + 4;
         ++m_result.notReached;
-        tellMissing(hasFields ? chromeAddressMapOf(fields.u32le(kKeyAddressAt)) : map);
+        m_rows.tellMissing(hasFields ? chromeAddressMapOf(fields.u32le(kKeyAddressAt)) : map);
         damage(fmt::format("{}: slot {} leads to 0x{:08X}, where no whole entry is",
                            textOf(m_index->path()), slot, map.address));
         return hasFields ? fields.u32le(4) : 0;
@@ -149,98 +189,30 @@ class LaterReading {
             if (stream.address.initialised && stream.size > 0)
                 m_owned.own(stream.address);
         m_files.insert(entry.address.dataBlockFileNumber);
+        leadTo(entry);
+    }
+
+    void leadTo(const LaterEntry &entry) {
+        const auto add = [this](const ChromeAddressMap &map) {
+            if (map.initialised && map.blockFileType == 0)
+                m_ledTo.insert(map.address & kSeparateFile);
+        };
+        add(entry.longKey);
+        for (const LaterStream &stream : entry.streams)
+            add(stream.address);
     }
 
     void save(const LaterEntry &entry, std::string_view foundHow) {
-        const LaterStream &body = entry.streams[LaterEntry::body];
-        const std::uint64_t size = std::min(body.size, body.room());
-        const ChromeEntryPlace place = {m_folder, size == 0 ? "" : LaterEntries::fileNameOf(body),
-                                        body.address.dataBlockFileOffset, size,
-                                        entry.address.dataBlockFileOffset};
-        const Bytes head =
-            m_entries.read(entry.streams[LaterEntry::head], limits::kChromeSeparateText);
-        if (head.empty())
-            tellMissing(entry.streams[LaterEntry::head].address);
-        UrlRecord record = chromeEntryRecord(m_ctx, place, entry.key, ByteView(head));
-        if (!foundHow.empty())
-            makeChromeRemnant(record, foundHow);
-        addStamp(record.facts, "created", entry.created);
-        addUse(record, entry);
-        if ((entry.flags & LaterEntry::sparseParent) != 0)
-            addPieces(record, entry);
-        else
-            addDoubts(record, entry);
-        m_ctx.sink.save(record);
-        ++m_count;
-        if (m_ctx.task.wantsStep())
-            m_ctx.task.show(
-                {{}, 0, 0, fmt::format("Record {} {}", m_count, record.URL), m_count, m_count});
-    }
-
-    /// Of an address of blocks whose file isn't there.
-    void tellMissing(const ChromeAddressMap &map) {
-        if (map.dataBlockFileOffset != 0 && !m_blocks.file(map.dataBlockFileNumber))
-            addReasonOnce(m_blocks.lackOf(map.dataBlockFileNumber));
-    }
-
-    void addUse(UrlRecord &record, const LaterEntry &entry) {
-        constexpr std::uint64_t kTimes = 16;
-        const Bytes bytes =
-            entry.rankings.blockFileType == 1 ? m_blocks.read(entry.rankings, kTimes) : Bytes();
-        if (bytes.size() < kTimes)
-            return tellMissing(entry.rankings);
-        const ByteView times(bytes);
-        addStamp(record.facts, "last_used", static_cast<std::int64_t>(times.u64le(0)));
-        addStamp(record.facts, "last_updated", static_cast<std::int64_t>(times.u64le(8)));
-    }
-
-    void addDoubts(UrlRecord &record, const LaterEntry &entry) {
-        const LaterStream &body = entry.streams[LaterEntry::body];
-        const LaterStream &further = entry.streams[LaterEntry::further];
-        if (further.size > 0)
-            record.facts.add("further_stream", fmt::format("{} bytes in {}, from {}", further.size,
-                                                           LaterEntries::fileNameOf(further),
-                                                           further.address.dataBlockFileOffset));
-        if (body.size == 0)
-            return;
-        tellMissing(body.address);
-        if (!holdsAll(body)) {
-            record.CacheFileExists = false;
-            record.facts.add("body", fmt::format("none: {} doesn't hold its {} bytes",
-                                                 LaterEntries::fileNameOf(body), body.size));
-            ++m_result.noted["body that isn't there, or not whole"];
-        }
-        addBodyDoubts(record, body.size);
-    }
-
-    bool holdsAll(const LaterStream &body) {
-        if (body.size > body.room())
-            return false;
-        const auto file = m_entries.fileOf(body);
-        return file &&
-               m_ctx.evidence.factsOf(*file).size >= body.address.dataBlockFileOffset + body.size;
-    }
-
-    void addPieces(UrlRecord &record, const LaterEntry &entry) {
-        const LaterSparse sparse(m_entries, entry, [this](const std::string &key) {
-            return m_index ? laterEntryOfKey(*m_index, m_entries, key) : std::nullopt;
+        m_rows.save(entry, foundHow, [this](const std::string &key) {
+            return m_index ? laterEntryOfKey(*m_index, m_entries, key)
+                           : m_strays.find(m_entries, key);
         });
-        std::vector<ByteRange> ranges;
-        for (const LaterStretch &each : sparse.stretches())
-            ranges.push_back({each.offset, each.size});
-        m_joined.insert(sparse.pieces().begin(), sparse.pieces().end());
-        if (sparse.missingPieces() > 0)
-            m_result.noted["piece of a larger entry that isn't there"] += sparse.missingPieces();
-        record.facts.add("byte_ranges", byteRangesText(ranges, contentLengthIn(record.MetaData)));
-        record.Reference_ID = entry.address.address;
-        record.CacheFileSize = static_cast<std::int64_t>(sparse.size());
-        record.CacheFileExists = record.CacheFileSize > 0;
     }
 
     /// What no chain leads to, at the start of every block of the files that hold entries.
     bool walkFiles() {
         m_files.insert(1);
-        addNextFiles();
+        m_trap.attempt(0, [this] { addNextLaterFiles(m_blocks, m_files); });
         std::size_t walked = 0;
         const std::set<std::uint8_t> files = m_files;
         for (const std::uint8_t number : files) {
@@ -253,64 +225,24 @@ class LaterReading {
                 return false;
             ++walked;
         }
+        saveStrays();
         return true;
-    }
-
-    void addNextFiles() {
-        constexpr std::uint64_t kHead = 0x18;
-        constexpr std::int16_t kLastFile = 255;
-        std::vector<std::uint8_t> open(m_files.begin(), m_files.end());
-        while (!open.empty()) {
-            const std::uint8_t number = open.back();
-            open.pop_back();
-            m_trap.attempt(0, [&] {
-                const EvidenceFile *file = m_blocks.file(number);
-                const Bytes head = file ? file->read(0, kHead) : Bytes();
-                if (head.size() < kHead)
-                    return;
-                const std::int16_t next = chromeDataFileOf(ByteView(head)).dataFileNextIndex;
-                if (next > 0 && next <= kLastFile &&
-                    m_files.insert(static_cast<std::uint8_t>(next)).second)
-                    open.push_back(static_cast<std::uint8_t>(next));
-            });
-        }
     }
 
     bool walkFile(std::uint8_t number, const std::function<bool(double)> &advance) {
-        constexpr std::uint64_t kMostBlocks = 0x10000;
         const EvidenceFile *file = m_blocks.file(number);
         if (!file)
-            addReasonOnce(m_blocks.lackOf(number));
-        if (!file || file->size() <= ChromeDataFile::kSize)
-            return true;
-        const std::uint64_t count =
-            std::min((file->size() - ChromeDataFile::kSize) / LaterEntry::kBlock, kMostBlocks);
-        for (std::uint64_t first = 0; first < count; first += kPart / LaterEntry::kBlock) {
+            addReasonOnce(m_result, m_blocks.lackOf(number));
+        const std::uint64_t count = file ? laterBlocksIn(*file) : 0;
+        for (std::uint64_t first = 0; first < count; first += kLaterPart) {
             if (!advance(static_cast<double>(first) / static_cast<double>(count)))
                 return false;
-            m_trap.attempt(first, [&] { walkPart(*file, number, first, count); });
+            m_trap.attempt(first, [&] {
+                eachLaterBlock(*file, number, first,
+                               [this](const ChromeAddressMap &map) { tryBlock(map); });
+            });
         }
         return true;
-    }
-
-    void walkPart(const EvidenceFile &file, std::uint8_t number, std::uint64_t first,
-                  std::uint64_t count) {
-        const Bytes part = file.read(ChromeDataFile::kSize + first * LaterEntry::kBlock, kPart);
-        const ByteView view(part);
-        for (std::uint64_t at = 0;
-             view.has(at, LaterEntry::kBlock) && first + at / LaterEntry::kBlock < count;
-             at += LaterEntry::kBlock)
-            if (couldBeEntry(view.sub(at, LaterEntry::kBlock)))
-                tryBlock(chromeEntryAddress(
-                    number, static_cast<std::uint16_t>(first + at / LaterEntry::kBlock), 1));
-    }
-
-    /// A cheap look: the hash of the key decides afterwards.
-    static bool couldBeEntry(ByteView block) {
-        constexpr std::uint32_t kRankings = 0x9000'0000;
-        constexpr std::uint32_t kKind = 0xF000'0000;
-        return (block.u32le(8) & kKind) == kRankings && block.u32le(20) <= LaterEntry::doomed &&
-               block.u32le(32) > 0 && block.u32le(32) <= limits::kChromeSeparateText;
     }
 
     void tryBlock(const ChromeAddressMap &map) {
@@ -319,12 +251,49 @@ class LaterReading {
         auto entry = m_entries.at(map);
         if (!entry || !entry->hasItsHash())
             return;
+        leadTo(*entry);
+        if (!m_index && (entry->flags & LaterEntry::sparseChild) != 0)
+            m_strays.add(*entry);
+        // A parent needs its pieces, and a piece its parent, which may both come later.
+        constexpr std::uint32_t kOfPieces = LaterEntry::sparseParent | LaterEntry::sparseChild;
+        if (!m_index && (entry->flags & kOfPieces) != 0)
+            m_waiting.push_back(map.address);
+        else
+            saveStray(*entry);
+    }
+
+    void saveStray(LaterEntry &entry) {
+        const ChromeAddressMap &map = entry.address;
         const std::string_view inPiece =
-            (entry->flags & LaterEntry::sparseChild) != 0 ? ", a piece of a larger one" : "";
-        dropWhatIsOwned(*entry);
-        save(*entry, fmt::format("block {} of data_{} (0x{:X}), which no chain leads to{}",
-                                 map.startingBlockNumber, map.dataBlockFileNumber,
-                                 map.dataBlockFileOffset, inPiece));
+            (entry.flags & LaterEntry::sparseChild) != 0 ? ", a piece of a larger one" : "";
+        dropWhatIsOwned(entry);
+        save(entry, fmt::format("block {} of data_{} (0x{:X}), which no chain leads to{}",
+                                map.startingBlockNumber, map.dataBlockFileNumber,
+                                map.dataBlockFileOffset, inPiece));
+    }
+
+    /// Parents first: these say which pieces are theirs.
+    void saveStrays() {
+        for (const bool isParent : {true, false})
+            for (const std::uint32_t address : m_waiting)
+                m_trap.attempt(address, [&] {
+                    auto entry = m_entries.at(address);
+                    if (entry && isParent == ((entry->flags & LaterEntry::sparseParent) != 0) &&
+                        !m_rows.isJoined(address))
+                        saveStray(*entry);
+                });
+    }
+
+    bool saveSeparateFiles() {
+        std::vector<LaterFile> files;
+        m_trap.attempt(0, [&] { files = separateFilesIn(m_ctx.evidence, m_folder); });
+        for (const LaterFile &file : files) {
+            if (!m_ctx.task.advance(1))
+                return false;
+            if (!m_ledTo.contains(file.number))
+                m_trap.attempt(file.number, [&] { m_rows.saveSeparateFile(file.path); });
+        }
+        return true;
     }
 
     /// Blocks that a listed entry has by now say nothing of the one that had them before.
@@ -340,7 +309,8 @@ class LaterReading {
         if (m_trap.failed() == 0)
             return;
         m_result.notReached += m_trap.failed();
-        addReason(textOf(m_ctx.file.fullPath) + ": entries could not be read, the log tells which");
+        addReason(m_result,
+                  textOf(m_ctx.file.fullPath) + ": entries could not be read, the log tells which");
     }
 
     void damage(const std::string &text) {
@@ -348,18 +318,7 @@ class LaterReading {
             m_ctx.log.write(
                 {text, std::string(kProcedure), Severity::Serious, std::string(kContactSupport)});
         if (m_damaged == 1)
-            addReason(text);
-    }
-
-    void addReasonOnce(const std::string &reason) {
-        if (m_result.reason.find(reason) == std::string::npos)
-            addReason(reason);
-    }
-
-    void addReason(const std::string &reason) {
-        if (m_result.state == ReadState::complete)
-            m_result.state = ReadState::cutShort;
-        m_result.reason += (m_result.reason.empty() ? "" : "; ") + reason;
+            addReason(m_result, text);
     }
 
     ReadContext &m_ctx;
@@ -369,25 +328,34 @@ class LaterReading {
     RecordTrap m_trap;
     std::vector<bool> m_met;
     std::optional<LaterIndexFile> m_index;
+    std::string m_indexLack; ///< why there is none
     ReadResult m_result;
+    LaterRows m_rows;
     ChromeOwnedBlocks m_owned;
     std::set<std::uint8_t> m_files;
     std::vector<std::uint32_t> m_pieces; ///< of larger entries, which may come later
-    std::unordered_set<std::uint32_t> m_joined;
+    LaterStrays m_strays;
+    std::vector<std::uint32_t> m_waiting;      ///< addresses of unlisted parents and pieces
+    std::unordered_set<std::uint32_t> m_ledTo; ///< numbers of separate files
     std::uint64_t m_damaged = 0;
-    std::int64_t m_count = 0;
 };
 
 } // namespace
 
-bool isLaterBlockCache(const ReadContext &ctx) {
-    if (!isIndex(ctx.file.fullPath))
-        return true;
-    return LaterIndexFile(ctx.evidence.open(ctx.file.fullPath)).isLater();
-}
-
-ReadResult parseLaterBlockCache(ReadContext &ctx) {
-    return LaterReading(ctx).read();
+std::optional<ReadResult> parseLaterBlockCache(ReadContext &ctx) {
+    OpenedIndex index = openedIndex(ctx);
+    if (index.told == OpenedIndex::Told::first)
+        return std::nullopt;
+    // Then the entries tell.
+    if (index.told == OpenedIndex::Told::nothing &&
+        !hasLaterEntries(ctx.evidence, ctx.file.fullPath.parent_path())) {
+        if (!index.isUnread)
+            return std::nullopt;
+        ctx.log.write(
+            {index.lack, std::string(kProcedure), Severity::Serious, std::string(kContactSupport)});
+        return ReadResult{ReadState::failed, index.lack, 0, {}};
+    }
+    return LaterReading(ctx, std::move(index)).read();
 }
 
 } // namespace nv

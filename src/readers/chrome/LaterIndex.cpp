@@ -36,6 +36,23 @@ bool LaterIndexFile::isLater() const {
            m_file.size() >= kTableAt + std::uint64_t{slots()} * kWord;
 }
 
+bool LaterIndexFile::isOfFirstVersions() const {
+    return m_head.magic == kMagic && m_head.version >> 16 == 1;
+}
+
+std::string LaterIndexFile::damage() const {
+    const std::uint32_t major = m_head.version >> 16;
+    if (m_file.size() < ChromeIndex::kSize)
+        return fmt::format("the index has {} bytes, its head alone has {}", m_file.size(),
+                           ChromeIndex::kSize);
+    if (m_head.magic != kMagic)
+        return fmt::format("the index begins with {:08X}, {:08X} was expected", m_head.magic,
+                           kMagic);
+    if (major != 2 && major != 3)
+        return fmt::format("the index is of version {}, which isn't known", versionText());
+    return {};
+}
+
 std::string LaterIndexFile::versionText() const {
     return fmt::format("{}.{}", m_head.version >> 16, m_head.version & 0xFFFF);
 }

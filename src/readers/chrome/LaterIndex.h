@@ -20,6 +20,10 @@ class LaterIndexFile {
     /// Whether its table is where these versions have it. Version 2.0 is the first layout's
     /// too: its length tells them apart.
     bool isLater() const;
+    /// Whether its head tells of the first layout, whose versions begin with 1.
+    bool isOfFirstVersions() const;
+    /// Why its table can't be trusted; empty when it can.
+    std::string damage() const;
     std::string versionText() const; ///< "3.0"
     std::uint32_t slots() const;     ///< by its head
     std::uint32_t slotsThere() const;

@@ -3,8 +3,26 @@
 #include "readers/Body.h"
 #include "readers/chrome/CacheKey.h"
 #include "readers/chrome/LaterSparse.h"
+#include "readers/chrome/LaterWalk.h"
+
+#include <algorithm>
+#include <span>
+#include <utility>
 
 namespace nv {
+
+namespace {
+
+std::optional<LaterIndexFile> trustedIndex(const Evidence &evidence,
+                                           const std::filesystem::path &folder) {
+    const auto path = evidence.find(folder, "index");
+    if (!path)
+        return std::nullopt;
+    LaterIndexFile index(evidence.open(*path));
+    return index.damage().empty() ? std::optional(std::move(index)) : std::nullopt;
+}
+
+} // namespace
 
 std::optional<LaterEntry> laterEntryOfKey(LaterIndexFile &index, LaterEntries &entries,
                                           const std::string &key) {
@@ -28,19 +46,45 @@ bool isInPieces(const UrlRecord &record) {
     return record.Reference_ID != 0 && record.HistoryVersion.starts_with("Block files");
 }
 
+void LaterStrays::add(const LaterEntry &piece) {
+    m_byHash[piece.hash].push_back(piece.address.address);
+}
+
+std::optional<LaterEntry> LaterStrays::find(LaterEntries &entries, const std::string &key) const {
+    const auto found = m_byHash.find(chromeKeyHash(key));
+    std::optional<LaterEntry> last;
+    if (found == m_byHash.end())
+        return last;
+    // A cache has a few of one key; many are made to take time.
+    constexpr std::size_t kMostOfKey = 100;
+    const std::size_t count = std::min(found->second.size(), kMostOfKey);
+    for (const std::uint32_t address : std::span(found->second).first(count)) {
+        auto entry = entries.at(address);
+        if (entry && entry->key == key && (!last || entry->created > last->created))
+            last = std::move(entry);
+    }
+    return last;
+}
+
 bool fetchLaterPieces(const UrlRecord &record, const Evidence &evidence, BodyTarget &target) {
     const auto folder = evidence.byText(record.CacheRootPath);
-    const auto indexPath = folder ? evidence.find(*folder, "index") : std::nullopt;
-    if (!indexPath)
+    if (!folder)
         return false;
     ChromeBlockFiles blocks(evidence, *folder);
     LaterEntries entries(blocks, evidence, *folder);
-    LaterIndexFile index(evidence.open(*indexPath));
     const auto parent = entries.at(static_cast<std::uint32_t>(record.Reference_ID));
     if (!parent)
         return false;
+    std::optional<LaterIndexFile> index = trustedIndex(evidence, *folder);
+    LaterStrays strays;
+    if (!index)
+        eachLaterBlock(blocks, [&](const ChromeAddressMap &map) {
+            const auto entry = entries.at(map);
+            if (entry && entry->hasItsHash() && (entry->flags & LaterEntry::sparseChild) != 0)
+                strays.add(*entry);
+        });
     const LaterSparse sparse(entries, *parent, [&](const std::string &key) {
-        return laterEntryOfKey(index, entries, key);
+        return index ? laterEntryOfKey(*index, entries, key) : strays.find(entries, key);
     });
     std::uint64_t written = 0;
     for (const LaterStretch &each : sparse.stretches())

@@ -56,13 +56,6 @@ struct EntryFiles {
 /// By what their names have in common, in the order of the names.
 using Entries = std::map<std::string, EntryFiles>;
 
-std::vector<ByteRange> rangesOf(const SimpleStretches &stretches) {
-    std::vector<ByteRange> ranges;
-    for (const SimpleStretch &each : stretches.list)
-        ranges.push_back({each.offset, each.bytes.size});
-    return ranges;
-}
-
 class SimpleReading {
   public:
     explicit SimpleReading(ReadContext &ctx)
@@ -272,17 +265,30 @@ class SimpleReading {
             damage(file.path(), stretches.damage);
         const auto wrong =
             std::ranges::count_if(stretches.list, [&file](const SimpleStretch &each) {
-                return each.bytes.crc != 0U && !hasItsChecksum(file, each.bytes);
+                return each.bytes.crc.value_or(0) != 0U && !hasItsChecksum(file, each.bytes);
             });
         if (wrong > 0) {
             ++m_result.noted["body with a wrong checksum"];
             record.facts.add("body", fmt::format("the checksums of {} stretches are wrong", wrong));
         }
-        record.facts.add("byte_ranges",
-                         byteRangesText(rangesOf(stretches), contentLengthIn(record.MetaData)));
+        if (stretches.overlapping > 0)
+            ++m_result.noted["body with stretches that lie over each other"];
+        std::vector<ByteRange> stored;
+        stored.reserve(stretches.list.size());
+        for (const SimpleStretch &each : stretches.list)
+            stored.push_back({each.first(), each.size()});
+        const std::string ranges = byteRangesText(stored, contentLengthIn(record.MetaData));
+        if (record.CacheFileSize > 0) {
+            // Entries have one or the other: which one is the body is left to whoever looks.
+            ++m_result.noted["whole body with stretches beside it"];
+            record.facts.add("further_stream", fmt::format("stretches {} in {}", ranges,
+                                                           textOf(file.path().filename())));
+            return;
+        }
+        record.facts.add("byte_ranges", ranges);
         record.DataBlockFile = textOf(file.path().filename());
         record.DataBlockFileOffset =
-            stretches.list.empty() ? 0 : static_cast<std::int64_t>(stretches.list.front().bytes.at);
+            stretches.list.empty() ? 0 : static_cast<std::int64_t>(stretches.list.front().at());
         record.CacheFileSize = static_cast<std::int64_t>(stretches.size());
         record.CacheFileExists = record.CacheFileSize > 0;
     }
@@ -383,7 +389,7 @@ bool fetchSimpleBody(const UrlRecord &record, const Evidence &evidence, BodyTarg
         return false;
     std::uint64_t written = 0;
     for (const SimpleStretch &each : simpleStretchesOf(file, *head).list)
-        written += target.copy(file, each.bytes.at, each.bytes.size);
+        written += target.copy(file, each.at(), each.size());
     return written > 0;
 }
 

@@ -16,7 +16,7 @@ namespace {
 constexpr std::uint64_t kMagic = 0xFCFB'6D1B'A772'5C30;
 constexpr std::uint64_t kEndMagic = 0xF4FA'6F45'970D'41D8;
 constexpr std::string_view kEndBytes = "\xD8\x41\x0D\x97\x45\x6F\xFA\xF4";
-constexpr std::uint64_t kStretchMagic = 0xEB97'BF01'6553'676B;
+constexpr std::string_view kStretchBytes = "\x6B\x67\x53\x65\x01\xBF\x97\xEB";
 constexpr std::uint64_t kEnd = 24;
 constexpr std::uint64_t kStretch = 32;
 constexpr std::uint64_t kKeyDigest = 32;
@@ -41,14 +41,18 @@ std::optional<End> endAt(const ByteSource &file, std::uint64_t at) {
     return end;
 }
 
-/// Where the first end stands at or after `from`; the file's size when there is none.
-std::uint64_t findEnd(const ByteSource &file, std::uint64_t from) {
+/// Where the magic stands first at or after `from`; the file's size when it doesn't.
+std::uint64_t findMagic(const ByteSource &file, std::uint64_t from, std::string_view magic) {
     for (std::uint64_t at = from; at < file.size(); at += kPart) {
-        const Bytes part = file.read(at, kPart + kEndBytes.size() - 1);
-        if (const auto found = ByteView(part).find(kEndBytes))
+        const Bytes part = file.read(at, kPart + magic.size() - 1);
+        if (const auto found = ByteView(part).find(magic))
             return at + *found;
     }
     return file.size();
+}
+
+std::uint64_t findEnd(const ByteSource &file, std::uint64_t from) {
+    return findMagic(file, from, kEndBytes);
 }
 
 /// What can be told of a file whose end is missing.
@@ -86,12 +90,35 @@ std::optional<SimpleEntry> fromItsEnd(const ByteSource &file, const SimpleHead &
     return entry;
 }
 
+/// As its head tells; nothing when there is none.
+std::optional<SimpleStretch> stretchAt(const ByteSource &file, std::uint64_t at) {
+    constexpr std::uint64_t kSign = std::uint64_t{1} << 63;
+    const Bytes bytes = file.read(at, kStretch);
+    const ByteView view(bytes);
+    if (!view.has(0, kStretch) || !view.raw().starts_with(kStretchBytes) ||
+        (view.u64le(8) & kSign) != 0)
+        return std::nullopt;
+    return SimpleStretch{view.u64le(8), {at + kStretch, view.u64le(16), view.u32le(24)}};
+}
+
+/// Of what two have, the earlier one's bytes stand.
+void skipOverlaps(SimpleStretches &stretches) {
+    std::uint64_t end = 0;
+    for (SimpleStretch &each : stretches.list) {
+        if (each.offset < end && each.bytes.size > 0) {
+            each.skipped = std::min(end - each.offset, each.bytes.size);
+            ++stretches.overlapping;
+        }
+        end = std::max(end, each.offset + each.bytes.size);
+    }
+}
+
 } // namespace
 
 std::uint64_t SimpleStretches::size() const {
     std::uint64_t size = 0;
     for (const SimpleStretch &each : list)
-        size += each.bytes.size;
+        size += each.size();
     return size;
 }
 
@@ -125,22 +152,30 @@ std::optional<SimpleStream> simpleLastStreamOf(const ByteSource &file, const Sim
 
 SimpleStretches simpleStretchesOf(const ByteSource &file, const SimpleHead &head) {
     SimpleStretches stretches;
+    const auto tell = [&](std::uint64_t at, std::string_view what) {
+        if (stretches.damage.empty())
+            stretches.damage = fmt::format("{} at {} of {} bytes", what, at, file.size());
+    };
     std::uint64_t at = head.end();
     while (at < file.size() && stretches.list.size() < limits::kChromeStretches) {
-        const Bytes bytes = file.read(at, kStretch);
-        const ByteView view(bytes);
-        const bool isOne = view.has(0, kStretch) && view.u64le(0) == kStretchMagic;
-        const std::uint64_t offset = isOne ? view.u64le(8) : 0;
-        const std::uint64_t length = isOne ? view.u64le(16) : 0;
-        constexpr std::uint64_t kSign = std::uint64_t{1} << 63;
-        if (!isOne || (offset & kSign) != 0 || length > file.size() - at - kStretch)
-            break;
-        stretches.list.push_back({offset, {at + kStretch, length, view.u32le(24)}});
-        at += kStretch + length;
+        const auto stretch = stretchAt(file, at);
+        const std::uint64_t from = at + kStretch;
+        if (stretch && stretch->bytes.size <= file.size() - from) {
+            stretches.list.push_back(*stretch);
+            at = from + stretch->bytes.size;
+            continue;
+        }
+        // Its bytes go as far as the next one, or to the end of the file.
+        const std::uint64_t next = findMagic(file, at + 1, kStretchBytes);
+        tell(at, stretch ? "a stretch that is cut short" : "no whole stretch");
+        if (stretch && next > from)
+            stretches.list.push_back({stretch->offset, {from, next - from, {}}});
+        at = next;
     }
     if (at < file.size())
-        stretches.damage = fmt::format("no whole stretch at {} of {} bytes", at, file.size());
+        tell(at, "more stretches than are read");
     std::ranges::stable_sort(stretches.list, {}, &SimpleStretch::offset);
+    skipOverlaps(stretches);
     return stretches;
 }
 

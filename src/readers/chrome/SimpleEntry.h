@@ -46,12 +46,18 @@ struct SimpleEntry {
 struct SimpleStretch {
     std::uint64_t offset = 0; ///< in the whole body
     SimpleStream bytes;
+    std::uint64_t skipped = 0; ///< of the bytes' start: an earlier stretch has these
+
+    std::uint64_t first() const { return offset + skipped; } ///< in the whole body
+    std::uint64_t at() const { return bytes.at + skipped; }  ///< in the file
+    std::uint64_t size() const { return bytes.size - skipped; }
 };
 
 struct SimpleStretches {
     std::vector<SimpleStretch> list; ///< in the order of their offsets
     std::string damage;
-    std::uint64_t size() const; ///< of all of them, in bytes
+    std::uint64_t overlapping = 0; ///< how many lie over others
+    std::uint64_t size() const;    ///< of all of them, in bytes, each place once
 };
 
 // These throw FileFailure.

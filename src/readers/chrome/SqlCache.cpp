@@ -7,15 +7,13 @@
 #include "base/Files.h"
 #include "base/Text.h"
 #include "base/Trap.h"
-#include "readers/CachedBody.h"
-#include "readers/EvidenceGaps.h"
 #include "readers/FactSource.h"
-#include "readers/HeldBody.h"
 #include "readers/Limits.h"
-#include "readers/chrome/ByteRanges.h"
 #include "readers/chrome/CacheRow.h"
 #include "readers/chrome/MetaTable.h"
+#include "readers/chrome/SqlBodies.h"
 #include "readers/chrome/SqlChecksum.h"
+#include "readers/chrome/SqlRemnants.h"
 #include "readers/chrome/Stamps.h"
 #include "readers/sqlite/EvidenceCopy.h"
 #include "readers/sqlite/FurtherTables.h"
@@ -28,8 +26,6 @@
 #include <array>
 #include <charconv>
 #include <optional>
-#include <unordered_map>
-#include <unordered_set>
 #include <utility>
 #include <vector>
 
@@ -43,8 +39,6 @@ constexpr SqliteReader kReader = {"ChromiumSqlCache.read()", "PARSING CHROMIUM C
                                   "chromeCache-32.gif"};
 constexpr std::string_view kPart = "sqldb";
 
-constexpr std::string_view kBodyName = "~sql_body";
-
 constexpr std::array<std::string_view, 8> kColumns = {"res_id",    "last_used",     "body_end",
                                                       "doomed",    "cache_key",     "head",
                                                       "check_sum", "cache_key_hash"};
@@ -52,15 +46,7 @@ enum Column : std::size_t { kId, kLastUsed, kBodyEnd, kDoomed, kKey, kHead, kChe
 
 constexpr std::array<std::string_view, 4> kPieceColumns = {"res_id", "start", "end", "check_sum"};
 enum PieceColumn : std::size_t { kEntry, kStart, kEnd, kPieceChecksum };
-constexpr std::size_t kColumnsOfEntry = 10; ///< of table resources, as the browser makes it
-constexpr std::size_t kBlob = 5; ///< of the columns of table blobs, as the browser makes it
-
-/// A piece of a body, by its row.
-struct Piece {
-    ByteRange range;
-    std::int64_t rowId = 0;
-    std::optional<std::int64_t> checksum;
-};
+constexpr std::size_t kBlob = SqlBodies::kBlob;
 
 bool isPart(std::string_view name) {
     return name.starts_with(kPart) && name.size() > kPart.size() &&
@@ -78,7 +64,8 @@ class PartReading {
     PartReading(ReadContext &ctx, const fs::path &folder, std::string file)
         : m_ctx(ctx), m_folder(folder), m_file(std::move(file)),
           m_source(ctx.evidence.open(ctx.file.fullPath)), m_rows(m_source),
-          m_blobs(m_rows.rootOf("blobs")) {}
+          m_bodies(ctx, m_rows, kReader.procedure),
+          m_remnants(ctx, {m_folder, m_file, m_rows, m_bodies}) {}
 
     ReadResult read(EvidenceDatabase &database) {
         const auto version = schemaVersion(m_ctx, database);
@@ -93,10 +80,9 @@ class PartReading {
             });
         if (isRead && !database.hasTable("resources"))
             addDamage(result, "there is no table resources");
-        if (isRead) {
-            countStrays(result);
-            m_rows.freedRows(kColumnsOfEntry, [this](const FreedRow &row) { saveFreed(row); });
-        }
+        m_ctx.file.version = m_version;
+        if (isRead)
+            m_count += m_remnants.save(std::move(m_pieces), result);
         return result;
     }
 
@@ -109,118 +95,36 @@ class PartReading {
     }
 
     void save(std::int64_t id, const Row &row, ReadResult &result) {
-        std::vector<Piece> pieces = std::move(m_pieces[id]);
-        m_met.insert(id);
+        std::vector<SqlPiece> pieces = std::move(m_pieces[id]);
         m_pieces.erase(id);
-        std::ranges::sort(pieces, {}, [](const Piece &piece) { return piece.range.first; });
-        std::uint64_t size = 0;
-        for (const Piece &each : pieces)
-            size += each.range.size;
+        const SqlBodies::Measure measure = m_bodies.measure(pieces);
         const auto key = row.bytes(kKey);
         const auto head = row.bytes(kHead);
+        const std::string_view keyBytes = key ? key->raw() : std::string_view();
+        m_remnants.know(id, keyBytes, head ? head->raw() : std::string_view());
         m_ctx.file.version = m_version;
-        UrlRecord record =
-            chromeEntryRecord(m_ctx, {m_folder, m_file, 0, size, {}},
-                              key ? key->raw() : std::string_view(), head.value_or(ByteView()));
+        UrlRecord record = chromeEntryRecord(m_ctx, {m_folder, m_file, 0, measure.size, {}},
+                                             keyBytes, head.value_or(ByteView()));
         record.HistoryFilePath = textOf(m_folder);
         record.Reference_ID = id;
         addStamp(record.facts, "last_used", row.number(kLastUsed));
         addSource(record.facts, "resources", id);
-        addDoubts(record, pieces, size, atLeastZero(row.number(kBodyEnd)), result);
+        m_bodies.addDoubts(record, pieces, measure, atLeastZero(row.number(kBodyEnd)), result);
         if (row.truth(kDoomed))
             makeChromeRemnant(record, "a row that the browser had marked to delete it");
         SqlChecksum ofHead;
         ofHead.add(head ? head->raw() : std::string_view());
         if (!ofHead.is(row.number(kChecksum), row.number(kKeyHash)))
-            doubt(record, "the checksum of the answer's head is wrong",
-                  result.noted["answer with a wrong checksum"]);
+            addDoubt(record, "the checksum of the answer's head is wrong",
+                     result.noted["answer with a wrong checksum"]);
         HeldBody held(m_ctx.content);
-        const auto hold = [&] { holdBody(record, pieces, row.number(kKeyHash), held, result); };
-        if (size > 0)
-            trapped(m_ctx.log, Severity::Warning, kReader.procedure, kContactSupport,
-                    [&] { tellingGaps(m_ctx.log, hold); });
+        if (measure.size > 0 && measure.isInPages)
+            m_bodies.hold(record, pieces, row.number(kKeyHash), held, result);
         m_ctx.sink.save(record);
         ++m_count;
         if (m_ctx.task.wantsStep())
             m_ctx.task.show(
                 {{}, 0, 0, fmt::format("Record {} {}", m_count, record.URL), m_count, m_count});
-    }
-
-    static void doubt(UrlRecord &record, std::string_view what, std::uint64_t &count) {
-        record.facts.add("body", std::string(what));
-        ++count;
-    }
-
-    /// By the pages of the file. Where rows lie in a journal they don't have it, and whoever wants
-    /// the body fetches it.
-    void holdBody(UrlRecord &record, const std::vector<Piece> &pieces,
-                  std::optional<std::int64_t> keyHash, HeldBody &held, ReadResult &result) {
-        BodyTarget target(m_ctx.scratch / kBodyName, kBodyInMemory);
-        bool isRight = true;
-        for (const Piece &piece : pieces) {
-            if (m_rows.columnSize(m_blobs, piece.rowId, kBlob) != piece.range.size)
-                return;
-            SqlChecksum checksum;
-            if (!m_rows.writeColumn(m_blobs, piece.rowId, kBlob, [&](std::string_view bytes) {
-                    target.write(bytes);
-                    checksum.add(bytes);
-                }))
-                return;
-            isRight &= checksum.is(piece.checksum, keyHash);
-        }
-        if (!isRight)
-            doubt(record, "its checksum is wrong", result.noted["body with a wrong checksum"]);
-        Body body = target.take();
-        settleBody(record, body, Packing::byHeaders, kBodyInMemory, m_ctx.log);
-        held.take(std::move(body));
-    }
-
-    static void addDoubts(UrlRecord &record, const std::vector<Piece> &pieces, std::uint64_t size,
-                          std::uint64_t bodyEnd, ReadResult &result) {
-        std::vector<ByteRange> stored;
-        stored.reserve(pieces.size());
-        for (const Piece &piece : pieces)
-            stored.push_back(piece.range);
-        const bool isOfRanges = record.MetaData.starts_with("HTTP/1.1 206");
-        const std::string ranges =
-            byteRangesText(stored, isOfRanges ? contentLengthIn(record.MetaData) : bodyEnd);
-        const bool hasGap = ranges.find("missing") != std::string::npos;
-        if (isOfRanges || hasGap)
-            record.facts.add("byte_ranges", ranges);
-        else
-            addBodyDoubts(record, size);
-        if (hasGap && !isOfRanges)
-            ++result.noted["body of which pieces are missing"];
-    }
-
-    /// Numbers of entries are given once: a row of one that is there is an older copy of it.
-    void saveFreed(const FreedRow &row) {
-        enum FreedColumn : std::size_t { kUsed = 1, kSum = 6, kHash = 7, kText = 8, kAnswer = 9 };
-        const std::string &key = row.values[kText].bytes;
-        if (key.empty() || !m_met.insert(row.rowId).second)
-            return;
-        const std::string &head = row.values[kAnswer].bytes;
-        UrlRecord record =
-            chromeEntryRecord(m_ctx, {m_folder, m_file, 0, 0, {}}, key, viewOf(head));
-        record.HistoryFilePath = textOf(m_folder);
-        record.Reference_ID = row.rowId;
-        addStamp(record.facts, "last_used", row.values[kUsed].number);
-        addSource(record.facts, "resources", row.rowId);
-        SqlChecksum checksum;
-        checksum.add(head);
-        if (!checksum.is(row.values[kSum].number, row.values[kHash].number))
-            record.facts.add("body", "the checksum of the answer's head is wrong");
-        makeChromeRemnant(record, fmt::format("page {} of {}, which was freed", row.page, m_file));
-        m_ctx.sink.save(record);
-        ++m_count;
-    }
-
-    void countStrays(ReadResult &result) const {
-        std::uint64_t strays = 0;
-        for (const auto &[id, pieces] : m_pieces)
-            strays += m_met.contains(id) ? 0 : pieces.size();
-        if (strays > 0)
-            result.passedOver["piece of a body whose entry isn't there"] = strays;
     }
 
     ReadContext &m_ctx;
@@ -229,9 +133,9 @@ class PartReading {
     std::string m_version;
     EvidenceFile m_source;
     PagedRows m_rows;
-    std::uint64_t m_blobs;                                         ///< first page of the table
-    std::unordered_map<std::int64_t, std::vector<Piece>> m_pieces; ///< by entry
-    std::unordered_set<std::int64_t> m_met;
+    SqlBodies m_bodies;
+    SqlRemnants m_remnants;
+    SqlRemnants::Pieces m_pieces;
     std::int64_t m_count = 0;
 };
 

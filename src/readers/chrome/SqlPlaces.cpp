@@ -64,6 +64,10 @@ void locateInSqlCache(const PlaceSearch &search, FieldPlaces &places) {
             "the row lies in {}: no query reaches it there, and its bytes may be parts of rows",
             factWords(search.record, "recovered_from")));
     const std::int64_t row = factNumber(search.record, "source_rowid").value_or(0);
+    if (row == 0) { // pieces of a body without their entry
+        placeSize(search, file, search.record.Reference_ID, places);
+        return placeChromeRest(places);
+    }
     const SourceBytes key = cellBytes(search, file, kTable, row, "cache_key");
     placeChromeKey(key, places);
     placeChromeHead(cellBytes(search, file, kTable, row, "head"), key.view().raw(), places);

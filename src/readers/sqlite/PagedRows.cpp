@@ -5,80 +5,24 @@
 
 namespace nv {
 
+using paged::bigEndian;
+using paged::kInnerTable;
+using paged::kLeafTable;
+using paged::numberOf;
+using paged::Value;
+using paged::valuesOf;
+using paged::varint;
+
 namespace {
 
 constexpr std::string_view kMagic = "SQLite format 3";
 constexpr std::uint64_t kFileHead = 100;
-constexpr std::uint8_t kInnerTable = 0x05;
-constexpr std::uint8_t kLeafTable = 0x0D;
 constexpr std::uint8_t kInnerIndex = 0x02;
 constexpr std::uint8_t kLeafIndex = 0x0A;
 /// Pages within each other: a table of any size has fewer.
 constexpr int kMostDepth = 20;
 /// Schemas of browsers take 3 to 20.
 constexpr std::size_t kMostSchemaPages = 400;
-
-std::uint64_t bigEndian(ByteView bytes) {
-    std::uint64_t number = 0;
-    for (std::uint64_t at = 0; at < bytes.size(); ++at)
-        number = number << 8 | bytes.u8(at);
-    return number;
-}
-
-/// Moves `at` past it; nothing when the bytes end before.
-std::optional<std::uint64_t> varint(ByteView bytes, std::uint64_t &at) {
-    std::uint64_t number = 0;
-    for (int i = 0; i < 9; ++i) {
-        if (!bytes.has(at, 1))
-            return std::nullopt;
-        const std::uint8_t byte = bytes.u8(at++);
-        if (i == 8)
-            return number << 8 | byte;
-        number = number << 7 | (byte & 0x7FU);
-        if (byte < 0x80U)
-            return number;
-    }
-    return std::nullopt;
-}
-
-std::uint64_t lengthOf(std::uint64_t kind) {
-    constexpr std::uint64_t kLengths[] = {0, 1, 2, 3, 4, 6, 8, 8, 0, 0, 0, 0};
-    return kind < 12 ? kLengths[kind] : (kind - 12) / 2;
-}
-
-std::int64_t numberOf(std::uint64_t kind, ByteView value) {
-    constexpr std::uint64_t kFirstText = 12;
-    if (kind == 9 || kind >= kFirstText)
-        return kind == 9 ? 1 : 0;
-    const std::uint64_t number = bigEndian(value);
-    const auto bits = static_cast<unsigned>(64 - 8 * value.size());
-    return value.empty() ? 0 : static_cast<std::int64_t>(number << bits) >> bits;
-}
-
-/// A value of a row: its kind, and where it begins and how long it is.
-struct Value {
-    std::uint64_t kind = 0;
-    std::uint64_t at = 0;
-    std::uint64_t size = 0;
-};
-
-/// As many as the row's head tells of; none when that isn't whole.
-std::vector<Value> valuesOf(ByteView row) {
-    std::uint64_t at = 0;
-    const auto head = varint(row, at);
-    if (!head || *head > row.size())
-        return {};
-    std::vector<Value> values;
-    std::uint64_t place = *head;
-    while (at < *head) {
-        const auto kind = varint(row, at);
-        if (!kind)
-            return {};
-        values.push_back({*kind, place, lengthOf(*kind)});
-        place += values.back().size;
-    }
-    return values;
-}
 
 } // namespace
 
@@ -272,6 +216,10 @@ std::uint64_t PagedRows::columnSize(std::uint64_t root, std::int64_t rowId,
     return isThere ? size : 0;
 }
 
+bool PagedRows::hasRow(std::uint64_t root, std::int64_t rowId) const {
+    return atRow(root, rowId, [](const Payload &) { return true; });
+}
+
 bool PagedRows::writeColumn(std::uint64_t root, std::int64_t rowId, std::size_t column,
                             const Write &write) const {
     return atRow(root, rowId, [&](const Payload &row) {
@@ -346,8 +294,6 @@ void PagedRows::freedRows(std::size_t columns,
 
 void PagedRows::takeFreed(std::uint64_t number, std::size_t columns, std::uint64_t &bytesLeft,
                           const std::function<void(const FreedRow &row)> &take) const {
-    constexpr std::uint64_t kMostOfAValue = std::uint64_t{1} << 20;
-    constexpr std::uint64_t kFirstBytes = 12;
     const auto found = page(number);
     if (!found || found->kind != kLeafTable)
         return;
@@ -362,16 +308,8 @@ void PagedRows::takeFreed(std::uint64_t number, std::size_t columns, std::uint64
             row->size > bytesLeft)
             continue;
         bytesLeft -= row->size;
-        FreedRow freed{number, static_cast<std::int64_t>(*id), {}};
-        for (const Value &value : values) {
-            FreedRow::Value &into = freed.values.emplace_back();
-            if (value.kind < kFirstBytes && row->local.has(value.at, value.size))
-                into.number = numberOf(value.kind, row->local.sub(value.at, value.size));
-            else if (value.kind >= kFirstBytes && value.size <= kMostOfAValue)
-                static_cast<void>(
-                    writeRest(*row, value.at, value.size,
-                              [&into](std::string_view part) { into.bytes += part; }));
-        }
+        FreedRow freed{number, static_cast<std::int64_t>(*id), row->next != 0, {}};
+        fill(freed, *row, values);
         take(freed);
     }
 }

@@ -2,6 +2,7 @@
 
 #include "base/ByteView.h"
 #include "readers/ByteSource.h"
+#include "readers/sqlite/PagedValues.h"
 
 #include <cstdint>
 #include <functional>
@@ -13,14 +14,15 @@
 
 namespace nv {
 
-/// A row in a page that the file has freed.
+/// A row that was deleted: in a page that the file has freed, or in free space of one in use.
 struct FreedRow {
     struct Value {
         std::int64_t number = 0; ///< of a whole number
         std::string bytes;       ///< of a text or blob
     };
     std::uint64_t page = 0;
-    std::int64_t rowId = 0;
+    std::int64_t rowId = 0; ///< 0 where that was overwritten
+    bool goesOn = false;    ///< in further pages, which may have been written over since
     std::vector<Value> values;
 };
 
@@ -47,6 +49,8 @@ class PagedRows {
     /// How long the bytes of a column are, by the head of the row; 0 when the row isn't there.
     std::uint64_t columnSize(std::uint64_t root, std::int64_t rowId, std::size_t column) const;
 
+    bool hasRow(std::uint64_t root, std::int64_t rowId) const;
+
     using Write = std::function<void(std::string_view bytes)>;
     /// Hands on the bytes of a column (from 0) of the row. False when the row isn't there, or isn't
     /// whole: then some of the bytes may have been handed on.
@@ -56,6 +60,12 @@ class PagedRows {
     /// Rows of so many columns that are whole in freed pages, or go on in others, which may have
     /// been written over since: page by page in the order of their freeing.
     void freedRows(std::size_t columns, const std::function<void(const FreedRow &row)> &take) const;
+
+    /// Rows that lie in free space of the table's pages. `columns` has a letter for each: 'n' the
+    /// one that is the row's number, 'i' a whole number, 't' a text, 'b' bytes or nothing. Bytes
+    /// that read as such a row by chance can't be told from one: the caller looks at the values.
+    void deletedRows(std::uint64_t root, std::string_view columns,
+                     const std::function<void(const FreedRow &row)> &take) const;
 
   private:
     struct Page {
@@ -80,6 +90,14 @@ class PagedRows {
         std::int64_t rowId = 0;
     };
 
+    /// Where a row that was deleted may have its first kind.
+    struct DeletedPlace {
+        std::uint64_t page = 0;
+        ByteView space;
+        std::uint64_t at = 0; ///< not 0
+        std::string_view columns;
+    };
+
     std::optional<Page> page(std::uint64_t number) const;
     /// The first cell for that row or a later one.
     std::optional<RowCell> cellFrom(const Page &page, std::int64_t rowId) const;
@@ -100,6 +118,13 @@ class PagedRows {
                    const std::function<void(const FreedRow &row)> &take) const;
     static std::optional<std::pair<std::uint64_t, std::uint64_t>> bytesIn(const Payload &row,
                                                                           std::size_t column);
+    /// From where to where.
+    std::vector<std::pair<std::uint64_t, std::uint64_t>> freeSpaceOf(const Page &page) const;
+    /// Where the row's last byte stands in the space; nothing when none begins there.
+    std::optional<std::uint64_t>
+    takeDeleted(const DeletedPlace &place, std::uint64_t &bytesLeft,
+                const std::function<void(const FreedRow &row)> &take) const;
+    void fill(FreedRow &freed, const Payload &row, const std::vector<paged::Value> &values) const;
     bool writeRest(const Payload &row, std::uint64_t from, std::uint64_t size,
                    const Write &write) const;
 

@@ -34,7 +34,7 @@ constexpr std::array<MadeBy, 53> kMade = {{
     {"IsCookie", derived, "by the record's kind"},
     {"IsHistory", derived, "by the record's kind"},
     {"IsJavascript", derived, "by the content"},
-    {"IsWebPage", derived, "by the content's first bytes"},
+    {"IsWebPage", derived, "by the content's first bytes and tags, and the type it was sent as"},
     {"IsPicture", derived, "by the content's first bytes"},
     {"HTMLBody", derived, "words of the cached page"},
     {"Links", derived, "addresses that the cached page names"},

@@ -182,6 +182,42 @@ TEST_F(AdvancedMetadataTest, writesNoLinksOfARowThatTheProjectDidntTake) {
     EXPECT_EQ(links(), 0);
 }
 
+/// As of one of today's caches, sent as that type; its content still lies by itself.
+UrlRecord sent(UrlRecord record, const std::string &type, const std::string &status = "200 OK") {
+    record.MIMEType = type;
+    record.MetaData = "HTTP/1.1 " + status + "\r\nContent-Type: " + type + "\r\n";
+    record.facts.add("cache_layout", std::string("Simple 9"));
+    return record;
+}
+
+TEST_F(AdvancedMetadataTest, takesWhatWasSentAsAPageForOne) {
+    constexpr std::string_view kShort =
+        "<!doctype html><meta charset=utf-8><title>Tides</title><p>High at noon";
+    const UrlRecord page = row(sent(cached("tides", kShort), "text/html"));
+    EXPECT_TRUE(page.IsWebPage);
+    EXPECT_EQ(page.WebpageTitle, "Tides");
+    EXPECT_EQ(page.Category, "HTML");
+    const std::string wide = "\xFF\xFE<\0t\0i\0t\0l\0e\0>\0T\0<\0/\0t\0i\0t\0l\0e\0>\0"s;
+    EXPECT_EQ(row(sent(cached("wide", wide), "text/html")).WebpageTitle, "T");
+    const std::string xhtml = "<?xml version='1.0'?><div>x</div>";
+    EXPECT_TRUE(row(sent(cached("x", xhtml), "application/xhtml+xml")).IsWebPage);
+}
+
+TEST_F(AdvancedMetadataTest, takesNothingElseForAPage) {
+    constexpr std::string_view kText = "<p>only a paragraph";
+    EXPECT_FALSE(row(sent(cached("a", kText), "text/html", "404 Not Found")).IsWebPage);
+    EXPECT_FALSE(row(sent(cached("b", "GIF89a....."), "text/html")).IsWebPage);
+    EXPECT_FALSE(row(sent(cached("c", "<?xml?><rss/>"), "text/html")).IsWebPage);
+    EXPECT_FALSE(row(sent(cached("d", kText), "text/plain")).IsWebPage);
+    EXPECT_FALSE(row(sent(cached("script.js", "f()"), "text/html")).IsWebPage);
+    UrlRecord guessed = sent(cached("f", kText), "text/html", "500 Failed");
+    guessed.IsWebPage = true; // as readers say that go by the type
+    EXPECT_FALSE(row(guessed).IsWebPage);
+    UrlRecord classic = sent(cached("g", kText), "text/html");
+    classic.facts = FactList();
+    EXPECT_FALSE(row(classic).IsWebPage) << "earlier cases were counted so";
+}
+
 /// A reader that saves the page "page.htm" beside its file.
 ReadResult readPageBeside(ReadContext &ctx) {
     UrlRecord record;

@@ -99,8 +99,85 @@ TEST_F(BlockCache, aMissingBlockFileLosesWhatLayInIt) {
     EXPECT_EQ(reading.result.state, ReadState::cutShort);
     EXPECT_THAT(reading.result.reason, HasSubstr("data_2"));
     fs::remove(folder() / "data_1");
-    EXPECT_TRUE(read().empty());
+    ASSERT_EQ(read().size(), 1U);
+    EXPECT_EQ(reading.sink.records[0].DataBlockFile, "f_000001") << "no entry leads to it any more";
     EXPECT_THAT(reading.result.reason, HasSubstr("data_1"));
+}
+
+/// The addresses of the rows, in their order.
+std::vector<std::string> addresses(const std::vector<UrlRecord> &records) {
+    std::vector<std::string> all;
+    all.reserve(records.size());
+    for (const UrlRecord &record : records)
+        all.push_back(record.URL);
+    std::ranges::sort(all);
+    return all;
+}
+
+TEST_F(BlockCache, aDamagedIndexIsReadAsNone) {
+    constexpr std::size_t kFilm = 2148;
+    const std::string index = bytes("index");
+    fs::remove(folder() / "index");
+    const std::vector<std::string> without = addresses(read("data_1"));
+    EXPECT_EQ(body(of("https://quay.example/film.webm")).size(), kFilm) << "by its pieces' keys";
+    const auto check = [&](const std::string &damaged, const char *told) {
+        put("index", damaged);
+        EXPECT_EQ(addresses(read()), without) << told;
+        EXPECT_EQ(reading.result.state, ReadState::cutShort) << told;
+        EXPECT_THAT(reading.result.reason, HasSubstr(told));
+        EXPECT_EQ(body(of("https://quay.example/film.webm")).size(), kFilm) << told;
+        for (const UrlRecord &record : reading.sink.records)
+            EXPECT_EQ(record.HistoryVersion, "Block files") << told;
+    };
+    check("", "the index has 0 bytes");
+    check(std::string(8, '\0') + index.substr(8), "the index begins with 00000000");
+    std::string later = index;
+    later.replace(4, 4, std::string("\0\0\x09\0", 4));
+    check(later, "version 9.0, which isn't known");
+}
+
+TEST_F(BlockCache, anIndexOfTheFirstNumberThatIsCutShortIsALaterOne) {
+    std::string index = bytes("index");
+    const std::size_t whole = read().size();
+    index.replace(4, 4, std::string("\0\0\2\0", 4));
+    put("index", index.substr(0, index.size() - 4));
+    EXPECT_EQ(read().size(), whole);
+    EXPECT_EQ(reading.result.state, ReadState::cutShort);
+    EXPECT_THAT(reading.result.reason, HasSubstr("the table of addresses ends"));
+}
+
+TEST_F(BlockCache, anUnknownVersionOfOtherEntriesIsRefusedByName) {
+    std::string index = bytes("index");
+    index.replace(4, 4, std::string("\0\0\x09\0", 4));
+    put("index", index);
+    put("data_1", bytes("data_1").substr(0, 0x2000));
+    EXPECT_TRUE(read().empty());
+    EXPECT_EQ(reading.result.state, ReadState::notReadYet);
+    EXPECT_THAT(reading.result.reason, HasSubstr("not read yet"));
+}
+
+TEST_F(BlockCache, blockFilesWithoutTheirEndAreTold) {
+    for (const char *name : {"data_0", "data_1", "data_2"}) {
+        const std::string whole = bytes(name);
+        put(name, "");
+        read();
+        EXPECT_EQ(reading.result.state, ReadState::cutShort) << name;
+        EXPECT_THAT(reading.result.reason, HasSubstr(name));
+        put(name, whole);
+    }
+}
+
+TEST_F(BlockCache, aSeparateFileThatNoEntryLeadsToIsARow) {
+    put("f_0000fe", "lone");
+    put("f_0000zz", "no such file of a cache");
+    read();
+    const UrlRecord &lone = of("");
+    EXPECT_EQ(lone.cacheType, "Chrome Cache Remnant");
+    EXPECT_EQ(lone.Status, "Recovered");
+    EXPECT_EQ(fact(lone, "recovered_from"), "f_0000fe, which no entry leads to");
+    EXPECT_EQ(body(lone), "lone");
+    EXPECT_EQ(lone.CacheFileSize, 4);
+    EXPECT_EQ(std::ranges::count(reading.sink.records, "", &UrlRecord::URL), 1);
 }
 
 TEST_F(BlockCache, aLoopEnds) {

@@ -136,6 +136,60 @@ TEST_F(SimpleCache, stretchesAreJoinedInOrderAndGapsTold) {
     EXPECT_EQ(fact(records[0], "byte_ranges"), "0-7, 20-24; missing 8-19, 25-29");
 }
 
+TEST_F(SimpleCache, stretchesTakeNoBodysPlace) {
+    cache.add(0xA1, kKey, answer().bytes(), "body").addStretches(0xA1, kKey, {});
+    ASSERT_EQ(read().size(), 1U);
+    EXPECT_EQ(body(reading.sink.records[0]), "body");
+    EXPECT_EQ(reading.result.noted.at("whole body with stretches beside it"), 1U);
+    cache.addStretches(0xA1, kKey, {{0, "xx"}});
+    ASSERT_EQ(read().size(), 1U);
+    EXPECT_EQ(body(reading.sink.records[0]), "body");
+    EXPECT_EQ(fact(reading.sink.records[0], "further_stream"),
+              "stretches 0-1 in 00000000000000a1_s");
+    cache.file("00000000000000a1_s") = "ab";
+    ASSERT_EQ(read().size(), 1U);
+    EXPECT_EQ(body(reading.sink.records[0]), "body");
+    EXPECT_EQ(reading.result.state, ReadState::cutShort);
+}
+
+TEST_F(SimpleCache, stretchesOverEachOtherGiveEachByteOnce) {
+    cache.add(0xA1, kKey, answer().bytes(), "")
+        .addStretches(0xA1, kKey, {{0, "AAAAAA"}, {4, "BBBB"}, {5, "C"}, {8, "DD"}});
+    ASSERT_EQ(read().size(), 1U);
+    const UrlRecord &record = reading.sink.records[0];
+    EXPECT_EQ(body(record), "AAAAAABBDD");
+    EXPECT_EQ(record.CacheFileSize, 10);
+    EXPECT_EQ(fact(record, "byte_ranges"), "0-9");
+    EXPECT_EQ(fact(record, "body"), "") << "their checksums are those of the whole stretches";
+    EXPECT_EQ(reading.result.noted.at("body with stretches that lie over each other"), 1U);
+}
+
+TEST_F(SimpleCache, aStretchThatIsCutShortKeepsWhatIsThere) {
+    cache.add(0xA1, kKey, answer().bytes(), "")
+        .addStretches(0xA1, kKey, {{0, "AAAA"}, {4, "BBBBBBBB"}});
+    std::string &file = cache.file("00000000000000a1_s");
+    file.resize(file.size() - 3);
+    ASSERT_EQ(read().size(), 1U);
+    EXPECT_EQ(body(reading.sink.records[0]), "AAAABBBBB");
+    EXPECT_EQ(reading.result.state, ReadState::cutShort);
+    EXPECT_THAT(reading.result.reason, HasSubstr("a stretch that is cut short"));
+}
+
+TEST_F(SimpleCache, aStretchWithAWrongLengthLosesNoOther) {
+    cache.add(0xA1, kKey, answer().bytes(), "")
+        .addStretches(0xA1, kKey, {{0, "AAAA", std::int64_t{1} << 62}, {-1, "BBBB"}, {4, "CCCC"}});
+    ASSERT_EQ(read().size(), 1U);
+    EXPECT_EQ(body(reading.sink.records[0]), "AAAACCCC");
+    EXPECT_EQ(reading.result.state, ReadState::cutShort);
+}
+
+TEST_F(SimpleCache, aDamagedHeadMakesNoSitesOwnCache) {
+    cache.add(0xA1, kKey, answer().bytes().substr(0, 30), "body");
+    ASSERT_EQ(read().size(), 1U);
+    EXPECT_EQ(reading.sink.records[0].cacheType, "Chrome Cache");
+    EXPECT_EQ(fact(reading.sink.records[0], "body"), "the head of its answer is damaged");
+}
+
 TEST_F(SimpleCache, doomedFilesAreRemnantsWithTheirBodies) {
     cache.add(0xA1, kKey, answer().bytes(), "old");
     cache.rename("00000000000000a1_0", "todelete_00000000000000a1_0_12");

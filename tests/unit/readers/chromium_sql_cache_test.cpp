@@ -41,7 +41,7 @@ struct SqlCache : testing::Test {
 
 TEST_F(SqlCache, bodiesComeFromThePagesAndFromACopyAlike) {
     const std::vector<UrlRecord> records = read();
-    ASSERT_EQ(records.size(), 7U);
+    ASSERT_EQ(records.size(), 8U);
     std::vector<std::string> bodies;
     for (const UrlRecord &record : records)
         bodies.push_back(body(record));
@@ -99,14 +99,132 @@ TEST_F(SqlCache, rowsInFreedPagesAreRemnants) {
             EXPECT_TRUE(record.ActionDateUTC.has());
             EXPECT_EQ(record.CacheFileSize, 0);
         }
-    EXPECT_EQ(records.size(), 7U + remnants);
+    EXPECT_EQ(records.size(), 8U + remnants);
     EXPECT_GT(remnants, 10U);
     EXPECT_EQ(reading.result.state, ReadState::complete);
 }
 
+/// Rows of table resources, and a body of each, in a table that has others.
+struct DeletedRows : SqlCache {
+    static constexpr int kFirst = 100;
+    static constexpr int kEnd = 108;
+
+    DeletedRows() {
+        // All rows of the table in one page: none moves when others go.
+        part.exec("PRAGMA page_size=4096");
+        part.exec("VACUUM");
+        part.exec("PRAGMA secure_delete=OFF");
+        for (int id = kFirst; id < kEnd; ++id)
+            insert(id);
+    }
+    void insert(int id) {
+        const std::string head =
+            part.execAndGet("SELECT head FROM resources WHERE res_id = 3").getString();
+        SQLite::Statement entry(
+            part, "INSERT INTO resources SELECT ?, 13430000000000000 + ?, 0, 9, 9, 0, ?, ?, "
+                  "'1/0/https://gone.example/' || ?, head FROM resources WHERE res_id = 3");
+        entry.bind(1, id);
+        entry.bind(2, id);
+        entry.bind(3, std::int64_t{test::sqlChecksum(head, hash(id))});
+        entry.bind(4, std::int64_t{hash(id)});
+        entry.bind(5, id);
+        entry.exec();
+        const std::string bytes = bodyOf(id);
+        SQLite::Statement piece(part, "INSERT INTO blobs(res_id, start, end, check_sum, blob) "
+                                      "VALUES(?, 0, 9, ?, ?)");
+        piece.bind(1, id);
+        piece.bind(2, std::int64_t{test::sqlChecksum(bytes, hash(id))});
+        piece.bind(3, bytes.data(), static_cast<int>(bytes.size()));
+        piece.exec();
+    }
+    static std::uint32_t hash(int id) { return 0x1000'0000U + static_cast<std::uint32_t>(id); }
+    static std::string bodyOf(int id) { return "body  " + std::to_string(id); }
+    std::vector<UrlRecord> ofGone() {
+        std::vector<UrlRecord> found;
+        for (const UrlRecord &record : read())
+            if (record.URL.starts_with("https://gone.example/"))
+                found.push_back(record);
+        return found;
+    }
+    void checkRemnant(const UrlRecord &record) const {
+        EXPECT_EQ(record.cacheType, "Chrome Cache Remnant");
+        EXPECT_THAT(fact(record, "recovered_from"), HasSubstr("of sqldb0, amid its free space"));
+        EXPECT_TRUE(record.ActionDateUTC.has());
+        EXPECT_EQ(fact(record, "body"), "");
+        EXPECT_EQ(body(record), "body  " + record.URL.substr(record.URL.size() - 3));
+    }
+    SQLite::Database part = change("sqldb0");
+};
+
+TEST_F(DeletedRows, amidAPagesFreeSpaceAreRemnantsWithTheirBodies) {
+    for (const char *which : {"res_id = 101", "res_id IN (103, 104)", "res_id >= 100"}) {
+        part.exec(std::string("DELETE FROM resources WHERE ") + which);
+        const auto gone =
+            part.execAndGet("SELECT count(*) FROM blobs WHERE res_id >= 100 AND res_id NOT IN "
+                            "(SELECT res_id FROM resources)")
+                .getInt64();
+        std::int64_t recovered = 0;
+        for (const UrlRecord &record : ofGone())
+            if (record.Status == "Recovered") {
+                ++recovered;
+                checkRemnant(record);
+            }
+        EXPECT_EQ(recovered, gone) << which;
+        EXPECT_EQ(reading.result.state, ReadState::complete);
+    }
+}
+
+TEST_F(DeletedRows, copiesOfRowsThatAreThereAreNone) {
+    part.exec("UPDATE resources SET hints = 300 WHERE res_id = 102");
+    part.exec("UPDATE resources SET hints = 70000 WHERE res_id = 105");
+    EXPECT_EQ(ofGone().size(), static_cast<std::size_t>(kEnd - kFirst));
+}
+
+TEST_F(DeletedRows, bodiesAloneAreRowsWithoutAnAddress) {
+    part.exec("PRAGMA secure_delete=ON");
+    part.exec("DELETE FROM resources WHERE res_id >= 100");
+    EXPECT_TRUE(ofGone().empty());
+    int bodies = 0;
+    for (const UrlRecord &record : reading.sink.records)
+        if (record.URL.empty() && record.DataBlockFile == "sqldb0") {
+            ++bodies;
+            EXPECT_EQ(record.cacheType, "Chrome Cache Remnant");
+            EXPECT_EQ(record.Status, "Recovered");
+            EXPECT_THAT(fact(record, "recovered_from"), HasSubstr("1 piece in table blobs"));
+            EXPECT_EQ(body(record), bodyOf(static_cast<int>(record.Reference_ID)));
+        }
+    EXPECT_EQ(bodies, kEnd - kFirst);
+}
+
+TEST_F(DeletedRows, aShortPieceIsTold) {
+    part.exec("UPDATE blobs SET blob = substr(blob, 1, 5) WHERE res_id = 103");
+    for (const UrlRecord &record : ofGone())
+        if (record.Reference_ID == 103) {
+            EXPECT_EQ(fact(record, "body"), "5 bytes, by the places of its pieces 9");
+            EXPECT_EQ(fact(record, "byte_ranges"), "0-4; missing 5-8");
+            EXPECT_EQ(record.CacheFileSize, 5);
+            EXPECT_EQ(body(record), "body ");
+        }
+    EXPECT_EQ(reading.result.noted.at("body whose pieces have other lengths than the table tells"),
+              1U);
+}
+
+TEST_F(DeletedRows, inDamagedPagesLeadNowhere) {
+    part.exec("DELETE FROM resources WHERE res_id >= 100");
+    const Bytes whole = readWhole(folder() / "sqldb0");
+    for (std::size_t at = 100; at < whole.size(); at += 1777)
+        for (const char value : {'\0', '\x7F', '\xFF'}) {
+            std::string damaged(ByteView(whole).raw());
+            for (std::size_t i = at; i < damaged.size() && i < at + 12; ++i)
+                damaged[i] = value;
+            writeWhole(folder() / "sqldb0", damaged);
+            EXPECT_LE(read().size(), 100U);
+        }
+}
+
 TEST_F(SqlCache, aMissingPartLosesWhatLayInIt) {
     fs::remove(folder() / "sqldb1");
-    EXPECT_EQ(read().size(), 4U);
+    EXPECT_EQ(read().size(), 5U);
     EXPECT_EQ(reading.result.state, ReadState::cutShort);
     EXPECT_THAT(reading.result.reason, HasSubstr("2 of 3 parts"));
     ASSERT_FALSE(reading.log.entries.empty());
@@ -117,7 +235,7 @@ TEST_F(SqlCache, aDamagedPartLosesNoOther) {
          {std::string(), std::string("no database"), std::string(5000, '\xFF')}) {
         writeWhole(folder() / "sqldb1", bytes);
         reading.result = {};
-        EXPECT_EQ(read().size(), 4U) << bytes.size();
+        EXPECT_EQ(read().size(), 5U) << bytes.size();
         EXPECT_NE(reading.result.state, ReadState::complete);
         EXPECT_THAT(reading.result.reason, HasSubstr("sqldb1"));
     }
@@ -129,7 +247,7 @@ TEST_F(SqlCache, eachColumnMayHoldAnything) {
               "doomed = x'00', cache_key = x'FF00FE', head = 'text' WHERE res_id = 1");
     part.exec("UPDATE blobs SET start = -1, end = 9223372036854775807 WHERE blob_id = 1");
     part.exec("UPDATE blobs SET start = 'a' WHERE blob_id = 2");
-    ASSERT_EQ(read().size(), 7U);
+    ASSERT_EQ(read().size(), 8U);
     for (const UrlRecord &record : reading.sink.records)
         EXPECT_LE(body(record).size(), 3000U);
 }
