@@ -3,7 +3,12 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
+#include <ctime>
+#include <fcntl.h>
+#include <filesystem>
 #include <string>
+#include <sys/stat.h>
 
 namespace nv {
 namespace {
@@ -20,6 +25,19 @@ TEST(ReadWhole, takesNoMoreRoomThanTheFile) {
 TEST(ReadWhole, readsFilesThatHaveNoSizeBeforehand) {
     EXPECT_GT(readWhole("/proc/self/status").size(), 100U);
     EXPECT_EQ(readHead("/proc/self/status", 5).size(), 5U);
+}
+
+TEST(ReadingFiles, leavesTheTimeOfTheirLastAccess) {
+    const test::TempFolder folder;
+    const std::filesystem::path file = folder.write("file", "bytes");
+    constexpr time_t kLongAgo = 1'262'304'000; // so that a disk with "relatime" would change it
+    const std::array<timespec, 2> times = {timespec{kLongAgo, 0}, timespec{kLongAgo, 0}};
+    ASSERT_EQ(utimensat(AT_FDCWD, file.c_str(), times.data(), 0), 0);
+    EXPECT_EQ(readWhole(file).size(), 5U);
+    EXPECT_EQ(FileReader(file).read(0, 5).size(), 5U);
+    struct stat facts {};
+    ASSERT_EQ(stat(file.c_str(), &facts), 0);
+    EXPECT_EQ(facts.st_atim.tv_sec, kLongAgo);
 }
 
 TEST(ReadHead, endsWithTheFile) {
