@@ -3,6 +3,7 @@
 #include "app/jobs/Trail.h"
 #include "app/messages/ZoneMessages.h"
 #include "app/program/Zones.h"
+#include "app/project/Project.h"
 #include "base/Trap.h"
 #include "time/ExactZone.h"
 #include "views/LocalDates.h"
@@ -61,6 +62,9 @@ bool changeZone(Program &program, std::string_view key, TaskMonitor &task) {
         state.zoneIsUnread = wasUnread;
         return false;
     }
+    // Now and not when the project is closed: trail, dates and setting say the same, whatever ends
+    // the program.
+    keepZone(program);
     noteChange(program, textOfZone(before), rows);
     return true;
 }

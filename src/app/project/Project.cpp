@@ -138,13 +138,16 @@ DateSettings dateSettings(const Program &program) {
     return {state.dateFormat, state.timeFormat, state.enableDSTChanges, year};
 }
 
+void keepZone(Program &program) {
+    if (!fieldsOf(program).saveDefaultSetting(kZoneSetting, zoneKey(program.state.gmtZone)))
+        program.around.examiner.tell(messages::projectValuesNotKept({std::string(kZoneSetting)}));
+}
+
 void closeProject(Program &program) {
     ProgramState &state = program.state;
     if (!state.projectDB.isReadOnly()) {
-        if (!state.zoneIsUnread &&
-            !fieldsOf(program).saveDefaultSetting(kZoneSetting, zoneKey(state.gmtZone)))
-            program.around.examiner.tell(
-                messages::projectValuesNotKept({std::string(kZoneSetting)}));
+        if (!state.zoneIsUnread)
+            keepZone(program);
         StoredQueries(state.projectDB.connection()).resetDEFAULTQuery();
     }
     state.zoneIsUnread = false;

@@ -34,6 +34,9 @@ enum class Holding { no, yes };
 void openProject(Program &program, const std::filesystem::path &path, Access access = Access::write,
                  Holding holding = Holding::yes, LogOf log = LogOf::run);
 
+/// Stores the zone in force in the project, which is open and can be written. Tells when it can't.
+void keepZone(Program &program);
+
 /// Keeps zone and base folder in the project, sets the default query back and closes the file. One
 /// that was opened for reading is only closed.
 void closeProject(Program &program);

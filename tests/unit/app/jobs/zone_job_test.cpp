@@ -81,6 +81,8 @@ TEST_F(ZoneJobTest, theTrailHasTheZoneAndItsVersion) {
     const std::string version = exactZones(*program).version();
     EXPECT_TRUE(change("Europe/Berlin"));
     EXPECT_TRUE(change("Europe/Berlin")) << "nothing changes, nothing is noted";
+    EXPECT_EQ(ProjectFields(db().connection(), log).getDefault("LastTimeZoneID"), "Europe/Berlin")
+        << "while the project is open";
     EXPECT_THAT(trail("Time Zone"),
                 ElementsAre("15 (Eastern Standard Time) -> Europe/Berlin, zoneinfo " + version +
                             "; local dates stored anew"));
