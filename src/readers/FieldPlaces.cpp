@@ -30,12 +30,21 @@ std::string hexOf(ByteView bytes) {
            (bytes.size() > kMostHex ? "\u2026" : "");
 }
 
-/// Bytes that hold no text are shown as such.
-std::string shown(ByteView bytes) {
+/// Controls but for the ends of texts and lines.
+bool isControl(char c) {
+    return c >= 0 && c < ' ' && c != '\0' && c != '\r' && c != '\n' && c != '\t';
+}
+
+bool isPrinted(char c) {
+    return c >= ' ' && c <= '~';
+}
+
+/// Bytes that hold no text are shown as such. Those of a date or a number are text only where they
+/// are written out: a stored one may look like letters.
+std::string shown(ByteView bytes, bool isOfText) {
     const std::string_view raw = bytes.raw().substr(0, kMostText);
-    const bool isText = std::ranges::none_of(raw, [](char c) {
-        return c >= 0 && c < ' ' && c != '\0' && c != '\r' && c != '\n' && c != '\t';
-    });
+    const bool isText =
+        isOfText ? std::ranges::none_of(raw, isControl) : std::ranges::all_of(raw, isPrinted);
     std::string text =
         isText ? replaceAll(decodeText(raw), std::string_view("\0", 1), "\u2400") : hexOf(bytes);
     return isText && bytes.size() > kMostText ? text + "\u2026" : text;
@@ -94,7 +103,7 @@ void FieldPlaces::value(std::string_view field, const SourceBytes &bytes, std::u
     place->cell = bytes.cell;
     place->offset = bytes.at + at;
     place->length = size;
-    place->stored = shown(own);
+    place->stored = shown(own, std::holds_alternative<std::string>(made));
     place->made = std::move(made);
     place->rule = rule.empty() ? std::string(wordsOf(SourceForm::text)) : std::move(rule);
 }
