@@ -18,6 +18,7 @@ constexpr int kWidest = 150; ///< pixels of a chip's text
 ChipBar::ChipBar(QWidget *parent) : QWidget(parent) {
     setObjectName(QStringLiteral("chipBar"));
     auto *chips = new QWidget;
+    chips->setObjectName(QStringLiteral("chips"));
     m_flow = new FlowLayout(chips);
     m_flow->setContentsMargins(0, 0, 0, 0);
     QSizePolicy policy(QSizePolicy::Expanding, QSizePolicy::Preferred);
@@ -75,26 +76,12 @@ void ChipBar::setChips(const QStringList &texts) {
             m_flow->addWidget(m_chips.back());
             m_chips.back()->show(); // the layout would do so later
         }
-        putIntoTabOrder();
         m_texts = texts;
         if (hadFocus && !m_chips.empty())
             m_chips.front()->setFocus();
     }
     m_clear->setVisible(!texts.isEmpty());
     m_count->setVisible(!texts.isEmpty());
-}
-
-/// Where they stand: new buttons would be the last of the window.
-void ChipBar::putIntoTabOrder() {
-    QWidget *before = m_clear->previousInFocusChain();
-    while (before != m_clear && ((before->focusPolicy() & Qt::TabFocus) == 0 ||
-                                 m_chips.contains(before) || before->window() == before))
-        before = before->previousInFocusChain();
-    for (QToolButton *chip : std::as_const(m_chips)) {
-        QWidget::setTabOrder(before, chip);
-        before = chip;
-    }
-    QWidget::setTabOrder(before, m_clear);
 }
 
 void ChipBar::setCount(const QString &text, const QString &tip) {

@@ -27,7 +27,6 @@ class ChipBar final : public QWidget {
     void allLifted();
 
   private:
-    void putIntoTabOrder();
     QToolButton *newChip(const QString &text, int place);
 
     FlowLayout *m_flow = nullptr;

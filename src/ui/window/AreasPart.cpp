@@ -63,8 +63,13 @@ void AreasPart::findAreas() {
             m_areas.push_back({panel, panel->findChild<QWidget *>(QLatin1String(names.first))});
     }
     m_places.emplace_back(m_bench.dataTabs->tabBar());
-    for (const Area &area : m_areas)
+    for (const Area &area : m_areas) {
+        // They are newer than the button after them. The toolkit's own order is left alone: the
+        // browser's views come and go in it, and it ended the program where it was changed.
+        if (auto *chips = area.panel->findChild<QWidget *>(QStringLiteral("chips")))
+            m_places.emplace_back(chips);
         m_places.push_back(area.panel);
+    }
     m_places.emplace_back(m_bench.viewers->tabBar());
     m_places.emplace_back(m_bench.viewers->cornerWidget());
     for (QWidget *bar : m_window.findChildren<QWidget *>(QStringLiteral("viewerControls")))
