@@ -118,7 +118,7 @@ void ReportForm::addWhat(QFormLayout &form) {
 
 void ReportForm::addRows(QFormLayout &form) {
     m_all = named<QRadioButton>("opAll", tr("All %L1 rows of the &view").arg(m_rows.all));
-    m_tagged = named<QRadioButton>("opTagged", tr("T&he %L1 ticked ones").arg(m_rows.ticked));
+    m_tagged = named<QRadioButton>("opTagged", tr("The %L1 ticked ones").arg(m_rows.ticked));
     m_tagged->setToolTip(tr("Rows with the tick that the table shows"));
     if (m_rows.tags.empty())
         return form.addRow(tr("Rows:"), side({m_all, m_tagged}));

@@ -50,7 +50,7 @@ MainActions::MainActions(QObject *o)
       search(make(o, "actSearch", tr("&Search"), "find", QKeySequence::Find)),
       find(make(o, "actFind", tr("&Find in Columns..."), "", Qt::CTRL | Qt::ALT | Qt::Key_F)),
       findNext(make(o, "actFindNext", tr("Find &Next"), "", QKeySequence::FindNext)),
-      tag(make(o, "actTag", tr("&Tick or Untick"), "tag", Qt::CTRL | Qt::Key_T)),
+      tag(make(o, "actTag", tr("Tic&k or Untick"), "tag", Qt::CTRL | Qt::Key_T)),
       rebuild(make(o, "actRebuild", tr("&Rebuild"), "rebuild", Qt::CTRL | Qt::Key_B)),
       rebuildPage(make(o, "actRebuildPage", tr("Rebuild This Pa&ge"), "",
                        Qt::CTRL | Qt::SHIFT | Qt::Key_B)),
