@@ -232,9 +232,9 @@ QString TagsPart::textOf(const TagChange &change, bool isBack) const {
     const NamedTag *tag = find(change.tagID);
     const QString name = tag ? toQt(displayText(tag->name)) : QString();
     const auto rows = static_cast<qlonglong>(change.ids.size());
-    return (isBack ? tr("Taken back: \"%1\" of %L2 rows.") : tr("Done again: \"%1\" of %L2 rows."))
-        .arg(name)
-        .arg(rows);
+    const QString ofRows = rows == 1 ? tr("1 row") : tr("%L1 rows").arg(rows);
+    return (isBack ? tr("Taken back: \"%1\" of %2.") : tr("Done again: \"%1\" of %2."))
+        .arg(name, ofRows);
 }
 
 void TagsPart::undo() {
