@@ -31,7 +31,6 @@ namespace fs = std::filesystem;
 namespace {
 
 constexpr std::string_view kProcedure = "ReportClass.CreateCaseReport()";
-constexpr std::string_view kReportDate = "dddd, mmmm dd, yyyy Hh:Mm:Ss AMPM";
 constexpr std::size_t kBatch = 32; ///< cards that are drawn together
 class CaseReport {
   public:
@@ -87,8 +86,7 @@ void CaseReport::prepare() {
     makeFolder(m_folder.pictures());
     m_report.reportFolderPath = m_folder.path;
     m_report.reportFilePath = m_folder.index(kCaseType);
-    m_report.reportDate =
-        formatDate(Date::fromTimePoint(m_ctx.clock.now() + m_ctx.clock.localOffset()), kReportDate);
+    m_report.reportDate = isoUtc(Date::fromTimePoint(m_ctx.clock.now()));
     m_rows.withNotes = m_report.includeNotes;
     m_rows.withTagNotes = m_report.caseOptions.tagNotes;
     m_frame.title = m_redactor.text(m_report.reportTitle.empty() ? std::string(kDefaultReportTitle)
