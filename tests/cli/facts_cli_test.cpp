@@ -75,7 +75,8 @@ TEST_F(FactsCliTest, listsShowAndChooseWhoseRecordsTheyAre) {
 TEST_F(FactsCliTest, aProjectOfTheVersionBeforeIsListedAndUpgraded) {
     {
         SQLite::Database old(project, SQLite::OPEN_READWRITE);
-        old.exec("PRAGMA legacy_alter_table = ON; DROP TABLE RecordFacts");
+        old.exec("PRAGMA legacy_alter_table = ON; DROP TABLE RecordFacts; "
+                 "DROP INDEX IF EXISTS URLTimeIndex");
         for (const char *column : {"Browser", "Profile", "Person"})
             old.exec(std::string("ALTER TABLE URLs DROP COLUMN ") + column);
     }

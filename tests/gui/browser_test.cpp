@@ -3,6 +3,7 @@
 #include "platform/qt/PageGuard.h"
 #include "platform/qt/QtText.h"
 #include "ui/views/BrowserPane.h"
+#include "ui/views/NoRow.h"
 #include "ui/views/TableTab.h"
 
 #include <QLabel>
@@ -93,7 +94,8 @@ void BrowserTest::show(int id) {
     child<TableTab>(*m_form, "TableTab").grid().setCurrentUrl(UrlId{id});
     child<QTabWidget>(*m_form, "viewerTabs").setCurrentWidget(&pane());
     waitFor([&] {
-        return (shown.count() > 0 && !location().isEmpty()) || !label("labBrowserReason").isEmpty();
+        return (shown.count() > 0 && !location().isEmpty()) ||
+               label("labBrowserReason") != noRowText();
     });
 }
 

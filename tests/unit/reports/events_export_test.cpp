@@ -298,7 +298,8 @@ TEST_F(EventsExportTest, localTimeIsSaidToBeNone) {
 }
 
 TEST_F(EventsExportTest, aProjectOfAnEarlierBuildHasEventsToo) {
-    project.db().exec("ALTER TABLE URLs DROP COLUMN Person; ALTER TABLE URLs DROP COLUMN Profile; "
+    project.db().exec("DROP INDEX IF EXISTS URLTimeIndex; ALTER TABLE URLs DROP COLUMN Person; "
+                      "ALTER TABLE URLs DROP COLUMN Profile; "
                       "ALTER TABLE URLs DROP COLUMN Browser");
     table.refreshRows();
     const auto list = events();
