@@ -12,6 +12,9 @@
 
 namespace nv::test {
 
+/// The first bytes of a picture: enough for its kind to be told.
+inline constexpr const char *kPng = "\x89PNG\r\n\x1a\n";
+
 /// A cached answer.
 struct Answer {
     std::string url;

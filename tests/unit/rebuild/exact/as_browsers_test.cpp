@@ -7,11 +7,10 @@
 namespace nv {
 namespace {
 
+using test::kPng;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::Not;
-
-constexpr const char *kPng = "\x89PNG\r\n\x1a\n";
 
 /// Which answers count, and how a page is read, as browsers do it.
 class AsBrowsersTest : public test::ExactFixture {};

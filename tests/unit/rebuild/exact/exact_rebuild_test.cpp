@@ -12,11 +12,10 @@
 namespace nv {
 namespace {
 
+using test::kPng;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::Not;
-
-constexpr const char *kPng = "\x89PNG\r\n\x1a\n";
 
 class ExactRebuildTest : public test::ExactFixture {
   protected:

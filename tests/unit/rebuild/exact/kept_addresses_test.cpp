@@ -10,10 +10,9 @@
 namespace nv {
 namespace {
 
+using test::kPng;
 using testing::ElementsAre;
 using testing::HasSubstr;
-
-constexpr const char *kPng = "\x89PNG\r\n\x1a\n";
 
 /// Caches whose readers store addresses in other ways than browsers ask for them.
 class KeptAddresses : public test::ExactFixture {

@@ -1,5 +1,4 @@
-#include "markup/HtmlDocument.h"
-#include "rebuild/exact/PageReferences.h"
+#include "unit/rebuild/exact/ScannedPage.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -7,19 +6,10 @@
 namespace nv {
 namespace {
 
+using test::disarmed;
+using test::namedIn;
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
-
-std::vector<std::string> of(std::string_view html) {
-    std::vector<std::string> found;
-    for (const Reference &reference : scanPage(html, "page").references)
-        found.push_back(reference.element + ' ' + reference.attribute + '=' + reference.address);
-    return found;
-}
-
-std::string disarmed(std::string_view html) {
-    return edited(html, scanPage(html, "page").disarming);
-}
 
 /// By the rules that browsers have now, a list holds what any element may hold.
 TEST(ScanLists, whatStandsInAListIsRead) {
@@ -27,15 +17,16 @@ TEST(ScanLists, whatStandsInAListIsRead) {
         "<style>select,::picker(select){x:y}</style><SELECT style='background:url(z.png)'>"
         "<button><img src=http://h/a.png></button><div><meta http-equiv=refresh content='0;url=/'>"
         "<iframe src=b.htm></iframe></div><option><img src=c.png onerror=x>one</option></select>";
-    EXPECT_THAT(of(html), ElementsAre("select background=z.png", "img src=http://h/a.png",
-                                      "iframe src=b.htm", "img src=c.png"));
+    EXPECT_THAT(namedIn(html), ElementsAre("select background=z.png", "img src=http://h/a.png",
+                                           "iframe src=b.htm", "img src=c.png"));
     const std::string plain = disarmed(html);
     EXPECT_THAT(plain, HasSubstr("http-equiv=\"\""));
     EXPECT_THAT(plain, HasSubstr("onerror=\"\""));
     EXPECT_THAT(plain, HasSubstr("<SELECT style="));
     EXPECT_THAT(plain, HasSubstr("select,::picker(select){x:y}"));
-    EXPECT_THAT(of("<iframe srcdoc='&lt;select>&lt;b>&lt;img src=a.png>&lt;/select>'></iframe>"),
-                ElementsAre("img src=a.png"));
+    EXPECT_THAT(
+        namedIn("<iframe srcdoc='&lt;select>&lt;b>&lt;img src=a.png>&lt;/select>'></iframe>"),
+        ElementsAre("img src=a.png"));
 }
 
 /// Browsers with the older rules pass over "<style>" in a list, and what it holds would be tags.

@@ -1,6 +1,5 @@
 #include "base/Text.h"
-#include "markup/HtmlDocument.h"
-#include "rebuild/exact/PageReferences.h"
+#include "unit/rebuild/exact/ScannedPage.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -10,21 +9,12 @@
 namespace nv {
 namespace {
 
+using test::disarmed;
+using test::namedIn;
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
 using ::testing::Not;
-
-std::vector<std::string> of(std::string_view html) {
-    std::vector<std::string> found;
-    for (const Reference &reference : scanPage(html, "page").references)
-        found.push_back(reference.element + ' ' + reference.attribute + '=' + reference.address);
-    return found;
-}
-
-std::string disarmed(std::string_view html) {
-    return edited(html, scanPage(html, "page").disarming);
-}
 
 std::string rewritten(std::string_view html, std::string_view address) {
     const PageScan scan = scanPage(html, "page");
@@ -35,22 +25,23 @@ std::string rewritten(std::string_view html, std::string_view address) {
 }
 
 TEST(ScanPage, findsWhatAPageShows) {
-    EXPECT_THAT(of("<img src=a.png><input type=IMAGE src='b.png'><input src=no.png>"
-                   "<video src=c.mp4 poster=d.png><source src=e.mp4><track src=f.vtt></video>"
-                   "<audio src=g.mp3></audio><object data=h.svg></object><embed src=i.swf>"),
+    EXPECT_THAT(namedIn("<img src=a.png><input type=IMAGE src='b.png'><input src=no.png>"
+                        "<video src=c.mp4 poster=d.png><source src=e.mp4><track src=f.vtt></video>"
+                        "<audio src=g.mp3></audio><object data=h.svg></object><embed src=i.swf>"),
                 ElementsAre("img src=a.png", "input src=b.png", "video src=c.mp4",
                             "video poster=d.png", "source src=e.mp4", "track src=f.vtt",
                             "audio src=g.mp3", "object data=h.svg", "embed src=i.swf"));
-    EXPECT_THAT(of("<frameset><frame src=a.htm></frameset>"), ElementsAre("frame src=a.htm"));
-    EXPECT_THAT(of("<body background=a.png><table background=b.png><tr><td background='c.png'>"
-                   "<iframe src=d.htm></iframe><a href=e.htm>x</a><map><area href=f.htm></map>"),
-                ElementsAre("body background=a.png", "table background=b.png",
-                            "td background=c.png", "iframe src=d.htm", "a href=e.htm",
-                            "area href=f.htm"));
-    EXPECT_THAT(of("<image src=a.png><!-- <img src=no.png> --><textarea><img src=no.png></textarea>"
-                   "<template><img src=no.png></template><img src='data:,x'><img src=' '><img>"
-                   "<a href='#here'>x</a><a href=mailto:x@y>y</a>"),
-                ElementsAre("img src=a.png", "a href=mailto:x@y"));
+    EXPECT_THAT(namedIn("<frameset><frame src=a.htm></frameset>"), ElementsAre("frame src=a.htm"));
+    EXPECT_THAT(
+        namedIn("<body background=a.png><table background=b.png><tr><td background='c.png'>"
+                "<iframe src=d.htm></iframe><a href=e.htm>x</a><map><area href=f.htm></map>"),
+        ElementsAre("body background=a.png", "table background=b.png", "td background=c.png",
+                    "iframe src=d.htm", "a href=e.htm", "area href=f.htm"));
+    EXPECT_THAT(
+        namedIn("<image src=a.png><!-- <img src=no.png> --><textarea><img src=no.png></textarea>"
+                "<template><img src=no.png></template><img src='data:,x'><img src=' '><img>"
+                "<a href='#here'>x</a><a href=mailto:x@y>y</a>"),
+        ElementsAre("img src=a.png", "a href=mailto:x@y"));
 }
 
 TEST(ScanPage, linksAreToldApart) {
@@ -73,9 +64,9 @@ TEST(ScanPage, linksAreToldApart) {
 
 TEST(ScanPage, aStyleOfAnotherTypeMayBeMoreThanThat) {
     const std::string link = "<link rel='stylesheet preconnect' type=text/plain href=http://h/a>";
-    EXPECT_THAT(of(link), IsEmpty());
+    EXPECT_THAT(namedIn(link), IsEmpty());
     EXPECT_EQ(disarmed(link), "<link rel='stylesheet preconnect' type=text/plain href=\"\">");
-    EXPECT_THAT(of("<link rel='stylesheet icon' type=text/plain href=a>"),
+    EXPECT_THAT(namedIn("<link rel='stylesheet icon' type=text/plain href=a>"),
                 ElementsAre("link href=a"));
 }
 
@@ -87,7 +78,7 @@ TEST(ScanPage, onlyTheFirstBaseCounts) {
 TEST(ScanPage, stylesThatAScriptWouldApplyApply) {
     const std::string late = "<link rel=\"preload\" as=\"style\" href=\"a.css\" "
                              "onload=\"this.rel='stylesheet'\">";
-    EXPECT_THAT(of(late), ElementsAre("link href=a.css"));
+    EXPECT_THAT(namedIn(late), ElementsAre("link href=a.css"));
     EXPECT_EQ(disarmed(late), "<link rel=\"stylesheet\" as=\"style\" href=\"a.css\" onload=\"\">");
     EXPECT_EQ(disarmed("<link rel=stylesheet href=a.css media=print onload=\"this.media='all'\">"),
               "<link rel=stylesheet href=a.css media=\"all\" onload=\"\">");
@@ -98,9 +89,9 @@ TEST(ScanPage, readsCandidatesOfSrcset) {
         "<picture><source media='(min-width:9px)' srcset='a.webp 640w, b,c.webp 1280w'>"
         "<img srcset=\"data:image/png;base64,AA== 1x,\n d.png?x=1,2&amp;y 2x, e.png, , f.png,\" "
         "src=g.png></picture>";
-    EXPECT_THAT(of(html), ElementsAre("source srcset=a.webp", "source srcset=b,c.webp",
-                                      "img srcset=d.png?x=1,2&y", "img srcset=e.png",
-                                      "img srcset=f.png", "img src=g.png"));
+    EXPECT_THAT(namedIn(html), ElementsAre("source srcset=a.webp", "source srcset=b,c.webp",
+                                           "img srcset=d.png?x=1,2&y", "img srcset=e.png",
+                                           "img srcset=f.png", "img src=g.png"));
     const auto found = scanPage(html, "page").references;
     EXPECT_EQ(found[0].descriptor, "640w");
     EXPECT_EQ(found[2].descriptor, "2x");
@@ -118,7 +109,7 @@ TEST(ScanPage, readsCharacterReferences) {
     EXPECT_EQ(found[0].address, "a&bcd\xC3\xA9&copy=1<\xE2\x88\x89"
                                 "fj&x;.png");
     EXPECT_EQ(found[0].at.in(html), "a&amp;b&#x63;&#100;&eacute;&copy=1&lt;&notin;&fjlig;&x;.png");
-    EXPECT_THAT(of("<img src='&#32;\n a&#9;b.png &#x20;'>"), ElementsAre("img src=a\tb.png"));
+    EXPECT_THAT(namedIn("<img src='&#32;\n a&#9;b.png &#x20;'>"), ElementsAre("img src=a\tb.png"));
 }
 
 TEST(ScanPage, unquotedValuesStayValues) {
@@ -142,8 +133,8 @@ TEST(ScanPage, readsStyles) {
     const std::string html =
         "<style>@import 'a.css';b{background:url(c.png)}</style><style type=text/less>d{e:url(f)}"
         "</style><p style='background:url(&quot;g.png&#34;)'>x<p style=background:url(h.png)>";
-    EXPECT_THAT(of(html), ElementsAre("style @import=a.css", "style background=c.png",
-                                      "p background=g.png", "p background=h.png"));
+    EXPECT_THAT(namedIn(html), ElementsAre("style @import=a.css", "style background=c.png",
+                                           "p background=g.png", "p background=h.png"));
     EXPECT_EQ(rewritten(html, "1 2"),
               "<style>@import '1\\0000202';b{background:url(1\\0000202)}</style><style "
               "type=text/less>d{e:url(f)}</style><p style='background:url(&quot;1\\0000202&#34;)'>x"
@@ -156,9 +147,9 @@ TEST(ScanPage, readsDrawings) {
         "<use xlink:href='#no'/><rect fill='url(e.svg#f)' filter=\"url(#no)\" style='mask:url(g)'/>"
         "<style>h{fill:url(&quot;i.svg&quot;)}</style><style><![CDATA[j{fill:url(k.svg)}]]></style>"
         "<a xlink:href=l.htm><set attributeName=href to=//no /></a></svg>";
-    EXPECT_THAT(of(html), ElementsAre("image href=a.png", "image href=b.png", "use href=c.svg#d",
-                                      "rect fill=e.svg#f", "rect mask=g", "style fill=i.svg",
-                                      "style fill=k.svg", "a href=l.htm"));
+    EXPECT_THAT(namedIn(html), ElementsAre("image href=a.png", "image href=b.png",
+                                           "use href=c.svg#d", "rect fill=e.svg#f", "rect mask=g",
+                                           "style fill=i.svg", "style fill=k.svg", "a href=l.htm"));
     for (const Reference &reference : scanPage(html, "page").references)
         EXPECT_EQ(reference.at.in(html), reference.address);
     EXPECT_THAT(disarmed(html), HasSubstr("<set attributeName=\"\" to"));
@@ -169,7 +160,7 @@ TEST(ScanPage, picturesInSvgTakeNothingOfOurs) {
                             "<!DOCTYPE svg><svg xmlns='http://www.w3.org/2000/svg'>"
                             "<image xlink:href='b.png'/><script>x()</script></svg>";
     const PageScan scan = scanPage(svg, "picture");
-    EXPECT_THAT(of(svg), ElementsAre("?xml-stylesheet href=a.css", "image href=b.png"));
+    EXPECT_THAT(namedIn(svg), ElementsAre("?xml-stylesheet href=a.css", "image href=b.png"));
     EXPECT_EQ(scan.headAt, PageScan::npos);
     EXPECT_EQ(scan.bodyAt, PageScan::npos);
     EXPECT_EQ(disarmed(svg).find("x()"), std::string::npos);
@@ -185,10 +176,11 @@ TEST(ScanPage, lazyPicturesComeToTheirPlace) {
         rewritten("<img srcset='s.gif 1x' src alt=x data-src=a.png data-srcset='b 2x'>", "17"),
         "<img srcset='17 1x' data-was-src alt=x src=17 data-srcset='b 2x'>");
     EXPECT_THAT(
-        of("<img data-src=a.png data-srcset='b.png 2x, c.png'>"),
+        namedIn("<img data-src=a.png data-srcset='b.png 2x, c.png'>"),
         ElementsAre("img data-src=a.png", "img data-srcset=b.png", "img data-srcset=c.png"));
-    EXPECT_THAT(of("<img src=real.png data-src=large.png>"), ElementsAre("img src=real.png"));
-    EXPECT_THAT(of("<img src=real.png data-src='{{photo}}'>"), ElementsAre("img src=real.png"));
+    EXPECT_THAT(namedIn("<img src=real.png data-src=large.png>"), ElementsAre("img src=real.png"));
+    EXPECT_THAT(namedIn("<img src=real.png data-src='{{photo}}'>"),
+                ElementsAre("img src=real.png"));
     EXPECT_TRUE(scanPage("<img data-src=a.png>", "page").references[0].isLazy);
     EXPECT_EQ(disarmed("<img loading=lazy src=a><iframe src=b loading='lazy'></iframe>"),
               "<img loading=\"\" src=a><iframe src=b loading=''></iframe>");
@@ -203,12 +195,12 @@ TEST(ScanPage, whatIsForBrowsersWithoutScriptsShows) {
                              "<body><noscript class=x>b<img src=c.png></noscript>";
     EXPECT_EQ(disarmed(html),
               "<head><link rel=stylesheet href=a.css></head><body>b<img src=c.png>");
-    EXPECT_THAT(of(html), ElementsAre("link href=a.css", "img src=c.png"));
+    EXPECT_THAT(namedIn(html), ElementsAre("link href=a.css", "img src=c.png"));
     const std::string twice =
         "<img data-src=a.png src=s.gif alt=blank class=lazy><noscript><img src='a.png'></noscript>"
         "<noscript>b</noscript>";
     EXPECT_EQ(disarmed(twice), "<img data-was-data-src=a.png src=s.gif alt=blank class=lazy>b");
-    EXPECT_THAT(of(twice), ElementsAre("img data-src=a.png"));
+    EXPECT_THAT(namedIn(twice), ElementsAre("img data-src=a.png"));
 }
 
 TEST(ScanPage, ofANoscriptOnlyThePictureGoesThatIsShownAlready) {
@@ -216,7 +208,7 @@ TEST(ScanPage, ofANoscriptOnlyThePictureGoesThatIsShownAlready) {
         "<img data-src=b.png><noscript><img src=b.png srcset='b.png 2x'><p>text "
         "kept</p><img src=c.png></noscript><img src=b.png>";
     EXPECT_EQ(disarmed(html), "<img src=b.png><p>text kept</p><img src=c.png><img src=b.png>");
-    EXPECT_THAT(of(html), ElementsAre("img data-src=b.png", "img src=c.png", "img src=b.png"));
+    EXPECT_THAT(namedIn(html), ElementsAre("img data-src=b.png", "img src=c.png", "img src=b.png"));
     EXPECT_EQ(disarmed("<img data-src=a><noscript><noscript><img src=a></noscript>x</noscript>"),
               "<img src=a>x");
 }
