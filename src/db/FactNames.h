@@ -154,6 +154,7 @@ inline constexpr auto kFactNames = std::to_array<std::string_view>({
     "content_md5",
     "content_sha1",
     "content_sha256",
+    "page_text",
     "request_time",
     "first_response_time",
     "status_line",

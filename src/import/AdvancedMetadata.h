@@ -3,9 +3,12 @@
 #include "base/FailureLog.h"
 #include "db/RecordStore.h"
 #include "db/UrlRecord.h"
+#include "import/PageContent.h"
 #include "import/SavedContent.h"
 
 #include <cstddef>
+#include <filesystem>
+#include <string_view>
 
 namespace nv {
 
@@ -32,6 +35,8 @@ class AdvancedMetadata {
 
   private:
     void examine(UrlRecord &record, SavedContent &content, PageFindings &found) const;
+    PageContent contentOf(std::string_view html, const std::filesystem::path &file,
+                          FactList &facts) const;
 
     FailureLog &m_log;
 };

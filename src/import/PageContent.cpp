@@ -1,11 +1,14 @@
 #include "import/PageContent.h"
 
 #include "base/Text.h"
+#include "markup/HtmlTags.h"
 #include "markup/PageText.h"
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <array>
+#include <cstddef>
 #include <unordered_map>
 
 namespace nv {
@@ -36,16 +39,17 @@ constexpr std::array<LookRow, 5> kLooks = {{
     {kLink, "a area"},
 }};
 
-unsigned lookOf(const HtmlDocument::Node &element) {
+/// `name` is in lower case.
+unsigned lookOf(std::string_view name) {
     using Looks = std::unordered_map<std::string_view, unsigned>;
     static const Looks looks = [] {
         Looks made;
         for (const LookRow &row : kLooks)
-            for (const std::string_view name : split(row.names, ' '))
-                made.emplace(name, row.look);
+            for (const std::string_view each : split(row.names, ' '))
+                made.emplace(each, row.look);
         return made;
     }();
-    const auto found = looks.find(HtmlDocument::plainNameOf(element));
+    const auto found = looks.find(name);
     return found == looks.end() ? 0 : found->second;
 }
 
@@ -119,7 +123,7 @@ class BodyWalk {
         m_text.add(HtmlDocument::writtenIn(node), m_keepsLines > 0);
         if (!HtmlDocument::isElement(node))
             return;
-        const unsigned look = lookOf(node);
+        const unsigned look = lookOf(HtmlDocument::plainNameOf(node));
         if (look & kUnseen)
             return;
         if (look & kLink)
@@ -164,22 +168,53 @@ const HtmlDocument::Node *bodyOf(const HtmlDocument &document) {
     return nullptr;
 }
 
+PageContent contentOf(const HtmlDocument &document) {
+    BodyWalk walk;
+    if (const HtmlDocument::Node *body = bodyOf(document))
+        walk.run(*body);
+    return walk.take();
+}
+
+void expectWithin(std::uint64_t limit, std::uint64_t bytes, const std::filesystem::path &file) {
+    if (bytes > limit)
+        throw PageTooLarge(file,
+                           fmt::format("its {} bytes are more than the limit of {}", bytes, limit));
+}
+
+/// One element with the text of all that a page shows, a line for each block: what the parser takes
+/// of any page.
+std::string flattened(std::string_view html) {
+    std::string flat = "<pre>";
+    HtmlTags tags(html);
+    HtmlTag tag;
+    for (bool more = true; more;) {
+        const std::size_t from = flat.size();
+        more = tags.next(tag, &flat);
+        std::replace(flat.begin() + static_cast<std::ptrdiff_t>(from), flat.end(), '\n', ' ');
+        const unsigned look = more ? lookOf(toLower(tag.name)) : 0;
+        if (look & kUnseen && !tag.isEnd)
+            tags.skipText(tag.name);
+        else if (look & (kBlock | kCell))
+            flat += look & kBlock ? '\n' : ' ';
+    }
+    return flat;
+}
+
 } // namespace
 
 std::string readPageText(const ByteSource &file, std::string_view httpHeader) {
-    if (file.size() > kPageBytes)
-        throw PageTooLarge(file.path(), fmt::format("its {} bytes are more than the limit of {}",
-                                                    file.size(), kPageBytes));
+    expectWithin(kPageTextBytes, file.size(), file.path());
     const Bytes bytes = file.read(0, file.size());
     return decodePage(ByteView(bytes), httpHeader);
 }
 
 PageContent readPageContent(std::string_view html, const std::filesystem::path &file) {
-    const HtmlDocument document(html, file);
-    BodyWalk walk;
-    if (const HtmlDocument::Node *body = bodyOf(document))
-        walk.run(*body);
-    return walk.take();
+    expectWithin(kPageBytes, html.size(), file);
+    return contentOf(HtmlDocument(html, file));
+}
+
+PageContent readFlatContent(std::string_view html, const std::filesystem::path &file) {
+    return contentOf(HtmlDocument(flattened(html), file));
 }
 
 } // namespace nv

@@ -11,9 +11,11 @@
 
 namespace nv {
 
-/// A cached page larger than this isn't read as a page: those that people wrote stay far below, and
-/// the parser takes many times the memory. In bytes.
+/// A cached page larger than this isn't parsed: those that people wrote stay far below, and the
+/// parser takes many times the memory. In bytes.
 inline constexpr std::uint64_t kPageBytes = std::uint64_t{8} << 20;
+/// Of one larger than this not even the text is taken. In bytes.
+inline constexpr std::uint64_t kPageTextBytes = std::uint64_t{64} << 20;
 
 /// What a browser's document says of a page, in UTF-8.
 struct PageContent {
@@ -25,10 +27,15 @@ struct PageContent {
     std::vector<std::string> links;
 };
 
-/// The text of a page file in UTF-8. Throws FileFailure, and PageTooLarge for more than kPageBytes.
+/// The text of a page file in UTF-8. Throws FileFailure, and PageTooLarge for more than
+/// kPageTextBytes.
 std::string readPageText(const ByteSource &file, std::string_view httpHeader);
 
 /// Reads a page in UTF-8; `file` is its name in failures. Throws PageTooLarge.
 PageContent readPageContent(std::string_view html, const std::filesystem::path &file);
+
+/// The body's text of one that readPageContent() refuses, without its links: no word may be lost to
+/// a search because a page is large or deep. Throws PageTooLarge when it can't be had either.
+PageContent readFlatContent(std::string_view html, const std::filesystem::path &file);
 
 } // namespace nv

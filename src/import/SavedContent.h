@@ -34,7 +34,7 @@ class SavedContent {
     const ContentFacts *facts();
     /// Where it lies, or would lie if it weren't in memory; empty when there is none.
     std::filesystem::path file();
-    /// That of a page in UTF-8. Throws PageTooLarge for more than kPageBytes.
+    /// That of a page in UTF-8. Throws PageTooLarge for more than kPageTextBytes.
     std::string pageText();
     /// Adds to the record's facts MD5, SHA-1 and SHA-256 of the content, which codings were undone,
     /// and why it may not be the whole of it. Nothing is added where there is no content.

@@ -22,8 +22,14 @@ bool isOneOf(std::string_view list, char c) {
 
 } // namespace
 
-bool HtmlTags::next(HtmlTag &tag) {
-    while ((m_at = std::min(m_html.find('<', m_at), m_html.size())) < m_html.size()) {
+bool HtmlTags::next(HtmlTag &tag, std::string *text) {
+    while (m_at < m_html.size()) {
+        const std::size_t from =
+            std::exchange(m_at, std::min(m_html.find('<', m_at), m_html.size()));
+        if (text != nullptr)
+            text->append(m_html, from, m_at - from);
+        if (m_at == m_html.size())
+            return false;
         if (startsTag(m_at))
             return readTag(tag);
         const char second = at(m_at + 1);
@@ -32,9 +38,16 @@ bool HtmlTags::next(HtmlTag &tag) {
         else if (second == '/' || second == '?') // neither is anything: up to the ">" it is dropped
             skipBehind(">", m_at + 2);
         else
-            ++m_at;
+            skipSign(text);
     }
     return false;
+}
+
+/// A "<" that begins nothing.
+void HtmlTags::skipSign(std::string *text) {
+    ++m_at;
+    if (text != nullptr)
+        text->append("&lt;");
 }
 
 bool HtmlTags::startsTag(std::size_t place) const {

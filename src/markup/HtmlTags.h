@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <string>
 #include <string_view>
 
 namespace nv {
@@ -19,8 +20,9 @@ class HtmlTags {
   public:
     explicit HtmlTags(std::string_view html) : m_html(html) {}
 
-    /// False at the end of the page, where a tag without its ">" is none.
-    bool next(HtmlTag &tag);
+    /// False at the end of the page, where a tag without its ">" is none. To `text` is added what is
+    /// passed over and is neither comment nor declaration, each "<" of it as "&lt;".
+    bool next(HtmlTag &tag, std::string *text = nullptr);
     /// Passes over the text of `name` (a script, a style, a title), in which nothing is a tag.
     void skipText(std::string_view name);
     /// What next() hasn't reached yet.
@@ -29,6 +31,7 @@ class HtmlTags {
   private:
     bool startsTag(std::size_t place) const;
     bool isNamed(std::size_t place, std::string_view name) const;
+    void skipSign(std::string *text);
     void skipDeclaration();
     void skipBehind(std::string_view mark, std::size_t from);
     void skipScript();

@@ -12,7 +12,7 @@ namespace {
 
 using enum OriginCheck;
 
-constexpr std::array<MadeBy, 53> kMade = {{
+constexpr std::array<MadeBy, 54> kMade = {{
     {"URL_ID", derived, "number of the row in the project, counted from 1"},
     {"SourceFile_ID", derived, "number of the source file's row in the project"},
     {"ActionDateLocal", derived, "ActionDateUTC, moved to the project's zone"},
@@ -63,6 +63,7 @@ constexpr std::array<MadeBy, 53> kMade = {{
     {"recovered_from", derived, "how this program found the record"},
     {"classic_rule", derived, "why the rules of the first version pass over the record"},
     {"body", derived, "what this program found where the content should be"},
+    {"page_text", derived, "what this program could take of the cached page's words"},
     {"content_sha1", derived, "SHA-1 of the cached content, unpacked, at the import"},
     {"content_md5", derived, "MD5 of the cached content, unpacked, at the import"},
     {"content_sha256", derived, "SHA-256 of the cached content, unpacked, at the import"},

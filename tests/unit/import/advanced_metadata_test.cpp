@@ -2,6 +2,7 @@
 #include "base/Md5.h"
 #include "db/RecordNames.h"
 #include "import/ImportSink.h"
+#include "support/Facts.h"
 #include "support/TestProject.h"
 #include "unit/import/ImportFixture.h"
 
@@ -11,6 +12,7 @@ namespace nv {
 namespace {
 
 using namespace std::string_literals;
+using test::factOf;
 
 constexpr std::string_view kPage =
     "<html><head><title> Harbour &amp; News </title></head><body>Tide <b>tables</b>"
@@ -141,13 +143,17 @@ TEST_F(AdvancedMetadataTest, endsWithoutAFile) {
 }
 
 TEST_F(AdvancedMetadataTest, savesAPageBeyondALimitWithItsTitleAndSaysSo) {
-    std::string deep = "<html><title>Deep</title><body>";
+    std::string deep = "<html><title>Deep</title><body><a href='http://a/'>Tide</a> &amp; tables";
     for (int i = 0; i < 100'000; ++i)
         deep += "<b>";
+    deep += "harbour";
     const UrlRecord page = rowOf("deep.htm", deep);
     EXPECT_TRUE(page.IsWebPage);
     EXPECT_EQ(page.WebpageTitle, "Deep");
-    EXPECT_EQ(page.HTMLBody, "");
+    EXPECT_EQ(page.HTMLBody, "Tide & tablesharbour");
+    EXPECT_EQ(factOf(page, "page_text"),
+              "its words without its links: too large or too deep to be parsed");
+    EXPECT_EQ(links(), 0);
     ASSERT_EQ(project.log.entries.size(), 1U);
     const Failure &failure = project.log.entries[0];
     EXPECT_EQ(failure.procedure, "MainBAS.ParseAdvancedMetaData()");
@@ -158,12 +164,22 @@ TEST_F(AdvancedMetadataTest, savesAPageBeyondALimitWithItsTitleAndSaysSo) {
 
 TEST_F(AdvancedMetadataTest, savesAPageOfFiftyMegabytesWithItsTitle) {
     const UrlRecord page =
-        rowOf("large.htm", "<html><title>Large</title>" + std::string(50 << 20, 'x'));
+        rowOf("large.htm", "<html><title>Large</title>" + std::string(50 << 20, ' ') + "harbour");
     EXPECT_EQ(page.WebpageTitle, "Large");
     EXPECT_TRUE(page.IsWebPage);
-    EXPECT_EQ(page.HTMLBody, "");
+    EXPECT_EQ(page.HTMLBody, "harbour");
     ASSERT_EQ(project.log.entries.size(), 1U);
     EXPECT_NE(project.log.entries[0].message.find("8388608"), std::string::npos);
+}
+
+TEST_F(AdvancedMetadataTest, saysThatNoWordIsTakenOfAPageThatIsLargerStill) {
+    const UrlRecord page = rowOf("large.htm", "<html><title>Large</title>" +
+                                                  std::string(kPageTextBytes, ' ') + "harbour");
+    EXPECT_EQ(page.WebpageTitle, "Large");
+    EXPECT_EQ(page.HTMLBody, "");
+    EXPECT_EQ(factOf(page, "page_text"), "none: the page can't be read");
+    ASSERT_EQ(project.log.entries.size(), 1U);
+    EXPECT_NE(project.log.entries[0].message.find("67108864"), std::string::npos);
 }
 
 TEST_F(AdvancedMetadataTest, keepsTheRowWhenItsLinksCantBeStored) {

@@ -224,16 +224,37 @@ TEST(PageText, marksBytesThatTheEncodingDoesntKnow) {
 
 TEST(PageText, isReadFromAFileWithinALimit) {
     const test::TempFolder folder;
-    const auto page = folder.write("page.htm", std::string(kPageBytes, ' '));
-    EXPECT_EQ(readPageText(ScratchFile(page), "").size(), kPageBytes);
-    const auto large = folder.write("large.htm", std::string(kPageBytes + 1, ' '));
+    const auto page = folder.write("page.htm", std::string(kPageTextBytes, ' '));
+    EXPECT_EQ(readPageText(ScratchFile(page), "").size(), kPageTextBytes);
+    const auto large = folder.write("large.htm", std::string(kPageTextBytes + 1, ' '));
     try {
         readPageText(ScratchFile(large), "");
         FAIL() << "a page beyond the limit was read";
     } catch (const PageTooLarge &failure) {
-        EXPECT_EQ(failure.what(), large.string() + " is not read as a page: its 8388609 bytes are "
-                                                   "more than the limit of 8388608");
+        EXPECT_EQ(failure.what(), large.string() + " is not read as a page: its 67108865 bytes are "
+                                                   "more than the limit of 67108864");
     }
+}
+
+TEST(PageContent, isParsedWithinALimit) {
+    EXPECT_EQ(bodyOf(std::string(kPageBytes, ' ')), "");
+    EXPECT_THROW(bodyOf(std::string(kPageBytes + 1, ' ')), PageTooLarge);
+}
+
+/// Whatever the parser takes reads the same by either way, but for elements that end one another.
+TEST(PageContent, ofAPageBeyondALimitIsItsWords) {
+    const auto flat = [](std::string_view html) { return readFlatContent(html, "page").body; };
+    for (const std::string_view html :
+         {"<html><head><title>Title</title></head><body>one <b>two</b>three</body>",
+          "<h1>Head</h1>\n\n<p>one\n  two<br>three<ul><li>four<li>five</ul>", "<p>a < b<c>d",
+          "<body>a<script>var s='<p>no</p>'</script>b<style>p{}</style>c<!-- no <b> -->d"
+          "<noscript>no</noscript>e<iframe>no</iframe>f<template>no</template>g<!DOCTYPE x>h</>i",
+          "caf&eacute; &amp;lt; &#x2014;&nbsp;x&notit; <&lt;b>img src=a>", "<table><tr><td>a<td>b",
+          "<p title='a>b'>c<p", "a<<b>img src=x>", "", "<", "&lt", "\xFF\xFE<p>\0z"})
+        EXPECT_EQ(flat(html), bodyOf(html)) << html;
+    EXPECT_EQ(flat(repeated("<div>", 100'000) + "deep"), "deep");
+    EXPECT_EQ(flat(repeated("<!-- a -->", 300'000) + "x"), "x");
+    EXPECT_TRUE(readFlatContent("<a href=x>y</a>", "page").links.empty());
 }
 
 TEST(HtmlCost, ofOrdinaryPagesIsSmall) {
