@@ -2,6 +2,7 @@
 
 #include "base/Text.h"
 #include "readers/BigEndian.h"
+#include "readers/sqlite/CellPath.h"
 #include "readers/sqlite/EvidenceDatabase.h"
 
 #include <fmt/format.h>
@@ -48,6 +49,18 @@ std::string shown(ByteView bytes, bool isOfText) {
     std::string text =
         isText ? replaceAll(decodeText(raw), std::string_view("\0", 1), "\u2400") : hexOf(bytes);
     return isText && bytes.size() > kMostText ? text + "\u2026" : text;
+}
+
+/// Numbers before a text stay numbers. The text, which may be packed, stands as it was made.
+std::string shownWithHead(ByteView bytes, std::uint64_t head, const std::string &text) {
+    const std::string number = hexOf(bytes.sub(0, head));
+    if (head == bytes.size())
+        return number; // the text lies elsewhere
+    std::size_t end = std::min<std::size_t>(text.size(), kMostText);
+    while (end < text.size() && end > 0 && (static_cast<unsigned char>(text[end]) & 0xC0U) == 0x80U)
+        --end; // not amid a character
+    return fmt::format("{}, then {}{}", number, text.substr(0, end),
+                       end < text.size() ? "\u2026" : "");
 }
 
 bool endsLine(char c) {
@@ -101,9 +114,12 @@ void FieldPlaces::value(std::string_view field, const SourceBytes &bytes, std::u
     place->name = bytes.name;
     place->file = bytes.file;
     place->cell = bytes.cell;
+    place->cellBytes = bytes.cellBytes;
     place->offset = bytes.at + at;
     place->length = size;
-    place->stored = shown(own, std::holds_alternative<std::string>(made));
+    const auto *text = std::get_if<std::string>(&made);
+    place->stored = bytes.head == 0 || !text ? shown(own, text != nullptr)
+                                             : shownWithHead(own, bytes.head, *text);
     place->made = std::move(made);
     place->rule = rule.empty() ? std::string(wordsOf(SourceForm::text)) : std::move(rule);
 }
@@ -207,8 +223,16 @@ SourceBytes cellBytes(const PlaceSearch &search, const std::filesystem::path &fi
     database.expectOneRow();
     if (!query.executeStep())
         throw EvidenceDamage(fmt::format("{}: the file has no such row", place));
+    const CellValue value = valueOf(query.getColumn(0));
     const std::string bytes = query.getColumn(0).getString();
-    return {std::string(column), file, place, 0, Bytes(bytes.begin(), bytes.end())};
+    return {std::string(column),
+            file,
+            place,
+            0,
+            Bytes(bytes.begin(), bytes.end()),
+            0,
+            CellFinder(search.evidence, file)
+                .find(database, {std::string(table), row, std::string(column)}, value)};
 }
 
 std::optional<std::int64_t> factNumber(const UrlRecord &record, std::string_view name) {

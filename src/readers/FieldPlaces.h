@@ -4,6 +4,7 @@
 #include "db/UrlRecord.h"
 #include "readers/Evidence.h"
 #include "readers/FieldRules.h"
+#include "readers/sqlite/CellBytes.h"
 
 #include <cstdint>
 #include <filesystem>
@@ -26,6 +27,9 @@ struct SourceBytes {
     std::string cell;           ///< "table resources, row 3, column head"; empty in other files
     std::uint64_t at = 0;       ///< of the first one, in the file or in the cell
     Bytes bytes;
+    std::uint64_t head = 0; ///< so many of them come before a text, and are none of it
+    /// Of a cell: where its bytes lie in the file, as far as they lie together.
+    std::optional<CellBytes> cellBytes = {};
 
     ByteView view() const { return ByteView(bytes); }
 };
@@ -57,9 +61,10 @@ struct FieldPlace {
     std::string name;           ///< of the bytes that hold it
     std::filesystem::path file; ///< that holds it
     std::string cell;
-    std::uint64_t offset = 0; ///< in the file or in the cell
-    std::uint64_t length = 0; ///< bytes
-    std::string stored;       ///< as it lies, for people
+    std::uint64_t offset = 0;           ///< in the file or in the cell
+    std::uint64_t length = 0;           ///< bytes
+    std::optional<CellBytes> cellBytes; ///< of the whole cell
+    std::string stored;                 ///< as it lies, for people
     MadeValue made;
     SourceForm form = SourceForm::text;
     std::string rule;

@@ -134,11 +134,7 @@ class CardMaker {
     }
 
     void addOrigin() {
-        const std::string kind = m_row.text("CacheType");
-        std::string browser = m_row.text("Browser");
-        if (const BrowserFamily *family = familyOf(kind); browser.empty() && family != nullptr)
-            browser = family->name;
-        add("Browser", browser);
+        add("Browser", m_row.text("Browser")); // as in the table: the kind says more of none
         add("Profile", m_row.text("Profile"));
         add("Person", m_row.text("Person"));
         if (m_row.text("User") != m_row.text("Person"))
@@ -206,6 +202,9 @@ class CardMaker {
         if (file.empty())
             return add("Source", m_row.text("RootPath") + m_row.text("CacheFileRelativePath"));
         add("Source", file + placeInFile());
+        if (const BrowserFamily *family = familyOf(m_row.text("CacheType"));
+            family == &families::netAnalysis)
+            add("Recovered by", std::string(family->name));
     }
 
     std::string placeInFile() const {

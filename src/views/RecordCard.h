@@ -31,6 +31,8 @@ struct RecordCard {
 
     /// Empty when there is no such line.
     std::string line(std::string_view label) const;
+
+    friend bool operator==(const RecordCard &, const RecordCard &) = default;
 };
 
 /// What a card is made with; all must outlive the call.

@@ -70,7 +70,7 @@ class Parts {
         if (!browser.empty())
             return browser;
         const BrowserFamily *family = familyOf(cacheType);
-        return family ? family->name : kUnknownBrowser;
+        return family && family != &families::netAnalysis ? family->name : kUnknownBrowser;
     }
 
     std::uint8_t placeOf(std::string_view name) {

@@ -1,4 +1,5 @@
 #include "cli/CliCase.h"
+#include "support/builders/NetAnalysisCase.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>
 #include <gmock/gmock.h>
@@ -43,6 +44,12 @@ class ExplainCliTest : public CliCase {
         return {};
     }
 
+    /// What lies in the history where the value is said to lie.
+    std::string bytesOf(const json &value) const {
+        return text(history).substr(value.at("offset").get<std::size_t>(),
+                                    value.at("length").get<std::size_t>());
+    }
+
     fs::path history = folder.path() / "evidence/alice/Chrome/User Data/Default/History";
 };
 
@@ -57,10 +64,13 @@ TEST_F(ExplainCliTest, aValueOfATableIsReadAgainWhereItLies) {
     EXPECT_EQ(date.at("place"), "table urls, row 7, column last_visit_time");
     EXPECT_EQ(date.at("stored"), "12943324800123456");
     EXPECT_EQ(date.at("check"), "same");
+    EXPECT_EQ(date.at("file"), "History");
+    EXPECT_EQ(bytesOf(date), std::string("\x00\x2D\xFB\xE2\xA4\xEC\x82\x40", 8));
     EXPECT_THAT(date.at("rule"), HasSubstr("since 1601"));
     EXPECT_THAT(date.at("zone"), HasSubstr("UTC"));
     const json url = valueIn(record, "URL");
     EXPECT_EQ(url.at("stored"), "http://a.example/p%20q");
+    EXPECT_EQ(bytesOf(url), "http://a.example/p%20q");
     EXPECT_EQ(url.at("check"), "same");
     EXPECT_THAT(url.at("note"), HasSubstr("percent coding undone"));
     EXPECT_EQ(valueIn(record, "Visits").at("check"), "same");
@@ -174,6 +184,7 @@ TEST_F(ExplainCliTest, oneFieldIsToldInWords) {
     const CliResult run = cli({"explain", project, "1", "--field", "visits"});
     EXPECT_EQ(run.exit, 0) << run.err;
     EXPECT_THAT(run.out, HasSubstr("Lies at       table urls, row 7, column visit_count\n"));
+    EXPECT_THAT(run.out, HasSubstr(" of History\n")) << "its bytes";
     EXPECT_THAT(run.out, HasSubstr("the source was read again and gives this value"));
     EXPECT_EQ(cli({"explain", project, "1", "--field", "nothing"}).exit, 1);
     EXPECT_EQ(cli({"explain", project, "99"}).exit, 1);
@@ -187,6 +198,46 @@ TEST_F(ExplainCliTest, aRowThatAnotherLeadsToIsRead) {
     const json transition = valueIn(explained(1), "transition");
     EXPECT_EQ(transition.at("place"), "table visits, row 3, column transition");
     EXPECT_EQ(transition.at("check"), "same");
+}
+
+/// What is decoded of an address lies where the address does.
+TEST_F(ExplainCliTest, aPartOfAValueLiesInTheValue) {
+    SQLite::Database(history.string(), SQLite::OPEN_READWRITE)
+        .exec("UPDATE urls SET url = 'http://a.example/?q=tide+tables'");
+    importAll();
+    const json part = valueIn(explained(1), "URL > q");
+    EXPECT_EQ(part.at("check"), "derived");
+    EXPECT_EQ(part.at("place"), "table urls, row 7, column url");
+    EXPECT_EQ(bytesOf(part), "http://a.example/?q=tide+tables");
+}
+
+/// Redirects that were carved have no kind.
+TEST_F(ExplainCliTest, aRowWithoutAKindHasNoEmptyBrackets) {
+    importAll();
+    SQLite::Database(project, SQLite::OPEN_READWRITE).exec("UPDATE URLs SET CacheType = ''");
+    const CliResult run = cli({"explain", project, "1"});
+    EXPECT_THAT(run.out, HasSubstr("Record        1\n"));
+    EXPECT_THAT(run.out, testing::Not(HasSubstr("()")));
+}
+
+/// The bytes before a text that tell its length, and that it is packed, are no letters.
+TEST_F(ExplainCliTest, numbersBeforeATextOfACaseStayNumbers) {
+    fs::remove_all(folder.path() / "evidence/alice");
+    const std::string url = "http://a.example/" + std::string(17, 'p');
+    folder.write("evidence/one.net", NetAnalysisCase()
+                                         .add({.lastVisited = jetDate(2011, 3, 1),
+                                               .internetHistory = url,
+                                               .hostname = "a.example"})
+                                         .bytes());
+    importAll();
+    const json record = explained(1);
+    const std::string stored = valueIn(record, "URL").at("stored");
+    const std::size_t then = stored.find(", then ");
+    ASSERT_NE(then, std::string::npos) << stored;
+    EXPECT_EQ(stored.substr(then + 7), url);
+    EXPECT_EQ(stored.substr(0, then).find_first_not_of("0123456789ABCDEF"), std::string::npos);
+    EXPECT_THAT(valueIn(record, "Host").at("stored").get<std::string>(),
+                testing::AnyOf("a.example", "FFFE, then a.example"));
 }
 
 /// Safari's and macOS's clock is none that people know: its text says from when it counts.

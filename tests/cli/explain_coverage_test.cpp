@@ -7,7 +7,7 @@
 #include "readers/results/Kinds.h"
 #include "support/RecordGolden.h"
 #include "support/TestDoubles.h"
-#include "views/explain/Explain.h"
+#include "views/explain/NoBytes.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>
 #include <fmt/format.h>
@@ -138,8 +138,17 @@ class ExplainCoverageTest : public CliCase, public testing::WithParamInterface<G
             record->facts = records.factsOf(id);
             const auto origin = explainer.explain(id);
             ASSERT_TRUE(origin);
+            for (const ValueOrigin &value : origin->values)
+                checkBytes(file, id, value);
             take(*record, *origin);
         }
+    }
+    /// What is said of bytes before the evidence is read holds when it is, and where it is read
+    /// and there are none, there is a reason.
+    static void checkBytes(SQLite::Database &file, UrlId id, const ValueOrigin &value) {
+        const std::string why = whyNoBytes(file, id, value.field);
+        EXPECT_TRUE(why.empty() || !value.offset) << value.field << ": " << why;
+        EXPECT_TRUE(value.offset || !whyNoBytes(value).empty()) << value.field;
     }
     /// Of a cache each address, date and size is found again. Of the others every value is: what
     /// no bytes say is made by the program, and told so.

@@ -336,7 +336,7 @@ void ViewersTest::aPropertySaysWhyItIsSo() {
     const auto found = list.findItems(QStringLiteral("ActionDateUTC"), Qt::MatchExactly);
     list.setCurrentItem(found.value(0));
     QVERIFY(why.isEnabled());
-    QVERIFY(!bytes.isEnabled());
+    QVERIFY(bytes.isEnabled());
     QTest::mouseClick(&why, Qt::LeftButton);
     auto &whole = pane<QPlainTextEdit>("txtPropertyValue");
     QTRY_VERIFY(whole.toPlainText().contains(QStringLiteral("Rule: ")));

@@ -9,4 +9,8 @@ namespace nv {
 std::optional<RecordOrigin> explainInProject(Program &program, const RecordTools &tools, UrlId id,
                                              const std::string &field = {});
 
+/// Of one field of it, without hashing the source file.
+std::optional<ValueOrigin> explainValueInProject(Program &program, const RecordTools &tools,
+                                                 UrlId id, const std::string &field);
+
 } // namespace nv

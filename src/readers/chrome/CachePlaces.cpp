@@ -34,8 +34,13 @@ void placeDate(std::string_view field, const SourceBytes &bytes, ChromeResponse:
 
 SourceBytes stretchOf(const SourceBytes &whole, std::string name, ChromeResponse::Place place) {
     const std::string_view raw = whole.view().sub(place.at, place.size).raw();
-    return {std::move(name), whole.file, whole.cell, whole.at + place.at,
-            Bytes(raw.begin(), raw.end())};
+    return {std::move(name),
+            whole.file,
+            whole.cell,
+            whole.at + place.at,
+            Bytes(raw.begin(), raw.end()),
+            0,
+            whole.cellBytes};
 }
 
 void placeHeaders(const SourceBytes &lines, const std::string &text, FieldPlaces &places) {

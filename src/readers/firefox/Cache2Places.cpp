@@ -19,7 +19,9 @@ using enum ByteOrder;
 
 SourceBytes part(const SourceBytes &whole, std::string name, std::uint64_t at, std::uint64_t size) {
     const std::string_view raw = whole.view().sub(at, size).raw();
-    return {std::move(name), whole.file, whole.cell, whole.at + at, Bytes(raw.begin(), raw.end())};
+    return {
+        std::move(name), whole.file, whole.cell, whole.at + at, Bytes(raw.begin(), raw.end()), 0,
+        whole.cellBytes};
 }
 
 /// Of the metadata from their version on.

@@ -93,14 +93,43 @@ JetRow rowOf(const PlaceSearch &search, const std::filesystem::path &program) {
     return std::move(*found);
 }
 
+constexpr std::uint64_t kLongHead = 12; ///< of a long text: length:u32 reference:u32 unused:u32
+
+/// A long text that begins behind its head, which tells its length by the lower bits.
+bool isLongText(ByteView bytes) {
+    constexpr std::uint32_t kHere = 0x80000000;
+    return bytes.has(0, kLongHead) && bytes.u32le(0) == (kHere | (bytes.size() - kLongHead));
+}
+
+/// Whether these bytes spell it, packed or in UTF-16: only zeros stand between. Of other letters
+/// than those of ASCII that can't be told, and is taken for granted.
+bool spells(ByteView bytes, std::string_view text) {
+    const auto isZero = [](char c) { return c == '\0'; };
+    std::string letters(bytes.raw());
+    std::erase_if(letters, isZero);
+    const bool isAscii = std::ranges::all_of(text, [](char c) { return c > 0; });
+    return !isAscii || letters == text;
+}
+
+/// How many of the bytes come before the text, and are numbers or the mark of a packed one. All of
+/// them where the text itself lies on another page.
+std::uint64_t headOf(ByteView bytes, std::string_view text) {
+    std::uint64_t head = isLongText(bytes) ? kLongHead : 0;
+    if (bytes.from(head).raw().starts_with("\xFF\xFE"))
+        head += 2;
+    return spells(bytes.from(head), text) ? head : bytes.size();
+}
+
 void place(const PlaceSearch &search, const CaseField &field, const JetRow &row,
            FieldPlaces &places) {
     const std::size_t column = columnAt(field.column);
     const auto &[at, size] = row.places.at(column);
     if (size == 0 || std::holds_alternative<std::monostate>(row.cells.at(column)))
         return;
-    const SourceBytes bytes = sourceBytes(
-        search, fmt::format("table History, column {}", field.column), search.source, at, size);
+    SourceBytes bytes = sourceBytes(search, fmt::format("table History, column {}", field.column),
+                                    search.source, at, size);
+    if (const auto *text = std::get_if<std::string>(&row.cells.at(column)))
+        bytes.head = headOf(bytes.view(), *text);
     const bool isDate = field.form == CaseField::Form::date;
     places.value(field.field, bytes, 0, size, madeOf(field, row.cells.at(column)),
                  isDate ? "days since 1899-12-30 as a double of 8 bytes, the lowest first, local "

@@ -45,19 +45,6 @@ bool hasRowId(EvidenceDatabase &database, std::string_view table) {
     });
 }
 
-CellFound cellOf(const SQLite::Column &cell, std::string place) {
-    CellFound found{std::move(place), {}, false};
-    if (cell.isInteger()) {
-        found.value = cell.getInt64();
-    } else if (cell.isFloat()) {
-        found.value = cell.getDouble();
-    } else if (!cell.isNull()) {
-        found.value = cell.getString();
-        found.isText = cell.isText();
-    }
-    return found;
-}
-
 void bindKey(SQLite::Statement &query, const CellFound &key) {
     if (const auto *number = std::get_if<std::int64_t>(&key.value))
         query.bind(1, *number);
@@ -96,8 +83,12 @@ std::vector<CellFound> rowsAt(EvidenceDatabase &database, const Hop &hop, const 
         bindKey(query, from);
         database.expectWholeTable(); // there may be no index
         while (query.executeStep())
-            cells.push_back(
-                cellOf(query.getColumn(0), placeOf(hop, query.getColumn(1), isNumbered)));
+            cells.push_back({placeOf(hop, query.getColumn(1), isNumbered),
+                             valueOf(query.getColumn(0)), query.getColumn(0).isText(),
+                             isNumbered
+                                 ? std::optional(CellName{std::string(hop.table),
+                                                          query.getColumn(1).getInt64(), column})
+                                 : std::nullopt});
     };
     take(fmt::format("{} = ?", by));
     // Numbers may be stored as texts.
@@ -114,6 +105,14 @@ std::vector<CellFound> ownCell(EvidenceDatabase &database, const RowPlace &row,
 }
 
 } // namespace
+
+CellValue valueOf(const SQLite::Column &cell) {
+    if (cell.isInteger())
+        return cell.getInt64();
+    if (cell.isFloat())
+        return cell.getDouble();
+    return cell.isNull() ? CellValue() : CellValue(cell.getString());
+}
 
 std::string_view startOf(std::string_view path) {
     const std::string_view first = path.substr(0, path.find('>'));

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "readers/sqlite/CellBytes.h"
 #include "readers/sqlite/EvidenceDatabase.h"
 
 #include <cstdint>
@@ -20,9 +21,12 @@ namespace nv {
 /// A cell as it lies.
 struct CellFound {
     std::string place; ///< "table visits, row 17, column visit_time"
-    std::variant<std::monostate, std::int64_t, double, std::string> value; ///< null, numbers, bytes
-    bool isText = false; ///< of bytes: stored as text
+    CellValue value;
+    bool isText = false;               ///< of bytes: stored as text
+    std::optional<CellName> name = {}; ///< nothing in a table whose rows have no numbers
 };
+
+CellValue valueOf(const SQLite::Column &cell);
 
 /// A row of an SQLite file of the evidence.
 struct RowPlace {

@@ -42,7 +42,8 @@ std::optional<PagedRows::Page> PagedRows::page(std::uint64_t number) const {
     if (m_pageSize == 0 || number == 0 || number > m_file.size() / m_pageSize)
         return std::nullopt;
     Page page;
-    page.bytes = m_file.read((number - 1) * m_pageSize, m_pageSize);
+    page.at = (number - 1) * m_pageSize;
+    page.bytes = m_file.read(page.at, m_pageSize);
     const ByteView view(page.bytes);
     const std::uint64_t head = number == 1 ? kFileHead : 0;
     if (!view.has(head, 12))
@@ -56,7 +57,7 @@ std::optional<PagedRows::Page> PagedRows::page(std::uint64_t number) const {
 }
 
 std::optional<ByteView> PagedRows::cell(const Page &page, std::uint64_t i) const {
-    const ByteView view(page.bytes);
+    const ByteView view(page.bytes, page.at);
     if (!view.has(page.cells + 2 * i, 2))
         return std::nullopt;
     const std::uint64_t at = bigEndian(view.sub(page.cells + 2 * i, 2));
@@ -180,9 +181,10 @@ std::optional<PagedRows::RowCell> PagedRows::cellFrom(const Page &page, std::int
             continue;
         std::uint64_t at = isInner ? 4 : 0;
         const auto size = isInner ? std::optional<std::uint64_t>(0) : varint(*bytes, at);
+        const std::uint64_t idAt = at;
         const auto id = size ? varint(*bytes, at) : std::nullopt;
         if (id && static_cast<std::int64_t>(*id) >= rowId)
-            return RowCell{*bytes, at, *size, static_cast<std::int64_t>(*id)};
+            return RowCell{*bytes, idAt, at, *size, static_cast<std::int64_t>(*id)};
     }
     return std::nullopt;
 }
@@ -196,8 +198,10 @@ bool PagedRows::atRow(std::uint64_t root, std::int64_t rowId,
             return false;
         const auto at = cellFrom(*found, rowId);
         if (found->kind == kLeafTable) {
-            const auto row = at && at->rowId == rowId ? payload(at->bytes, at->at, at->size, false)
-                                                      : std::nullopt;
+            auto row = at && at->rowId == rowId ? payload(at->bytes, at->at, at->size, false)
+                                                : std::nullopt;
+            if (row)
+                row->id = at->bytes.sub(at->idAt, at->at - at->idAt);
             return row && take(*row);
         }
         number = at ? bigEndian(at->bytes.sub(0, 4)) : found->last;
@@ -218,6 +222,40 @@ std::uint64_t PagedRows::columnSize(std::uint64_t root, std::int64_t rowId,
 
 bool PagedRows::hasRow(std::uint64_t root, std::int64_t rowId) const {
     return atRow(root, rowId, [](const Payload &) { return true; });
+}
+
+std::optional<PagedRows::ValuePlace> PagedRows::placeOf(std::uint64_t root, std::int64_t rowId,
+                                                        std::size_t column) const {
+    std::optional<ValuePlace> place;
+    static_cast<void>(atRow(root, rowId, [&](const Payload &row) {
+        const std::vector<Value> values = valuesOf(row.local);
+        if (column >= values.size())
+            return false;
+        std::uint64_t at = 0;
+        static_cast<void>(varint(row.local, at));
+        for (std::size_t before = 0; before < column; ++before)
+            static_cast<void>(varint(row.local, at));
+        const std::uint64_t kindAt = at;
+        static_cast<void>(varint(row.local, at));
+        const Value &value = values[column];
+        if (value.size == 0)
+            place = {value.kind, row.local.place() + kindAt, at - kindAt};
+        else if (value.at < row.local.size())
+            place = {value.kind, row.local.place() + value.at,
+                     std::min<std::uint64_t>(value.size, row.local.size() - value.at)};
+        return true;
+    }));
+    return place;
+}
+
+std::optional<PagedRows::ValuePlace> PagedRows::placeOfRowId(std::uint64_t root,
+                                                             std::int64_t rowId) const {
+    std::optional<ValuePlace> place;
+    static_cast<void>(atRow(root, rowId, [&](const Payload &row) {
+        place = {0, row.id.place(), row.id.size()};
+        return true;
+    }));
+    return place;
 }
 
 bool PagedRows::writeColumn(std::uint64_t root, std::int64_t rowId, std::size_t column,

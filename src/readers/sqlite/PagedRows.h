@@ -51,6 +51,18 @@ class PagedRows {
 
     bool hasRow(std::uint64_t root, std::int64_t rowId) const;
 
+    /// Where a value lies in its row's own page.
+    struct ValuePlace {
+        std::uint64_t kind = 0; ///< as the row's head has it
+        std::uint64_t at = 0;   ///< of its first byte in the file; the kind's where it has none
+        std::uint64_t size = 0; ///< bytes, or those of the kind; what goes on in other pages not
+    };
+    /// Of a column (from 0). Nothing where the row isn't there, or ends before.
+    std::optional<ValuePlace> placeOf(std::uint64_t root, std::int64_t rowId,
+                                      std::size_t column) const;
+    /// Of the row's number, whose kind is 0.
+    std::optional<ValuePlace> placeOfRowId(std::uint64_t root, std::int64_t rowId) const;
+
     using Write = std::function<void(std::string_view bytes)>;
     /// Hands on the bytes of a column (from 0) of the row. False when the row isn't there, or isn't
     /// whole: then some of the bytes may have been handed on.
@@ -70,6 +82,7 @@ class PagedRows {
   private:
     struct Page {
         Bytes bytes;
+        std::uint64_t at = 0; ///< in the file
         std::uint8_t kind = 0;
         std::uint64_t count = 0;
         std::uint64_t cells = 0; ///< where their places stand
@@ -80,11 +93,13 @@ class PagedRows {
         std::uint64_t size = 0;
         ByteView local;
         std::uint64_t next = 0; ///< page; 0 when all are local
+        ByteView id = {};       ///< the row's number, where it was looked for by that
     };
 
     /// A cell of a table's page: of a leaf its row, of an inner page the number of a child.
     struct RowCell {
         ByteView bytes;
+        std::uint64_t idAt = 0; ///< of the row's number
         std::uint64_t at = 0;   ///< of the row's own bytes
         std::uint64_t size = 0; ///< of the row
         std::int64_t rowId = 0;

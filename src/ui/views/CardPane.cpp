@@ -6,12 +6,19 @@
 #include "ui/views/ShownSigns.h"
 #include "views/CellText.h"
 
+#include <QApplication>
 #include <QBoxLayout>
 #include <QEvent>
+#include <QPlainTextEdit>
+#include <QScrollArea>
 #include <QSplitter>
 #include <QTextBlock>
 #include <QTextCursor>
 #include <QTextEdit>
+
+#include <algorithm>
+#include <cmath>
+#include <utility>
 
 namespace nv {
 
@@ -20,6 +27,10 @@ namespace {
 constexpr std::size_t kMostTitle = 200;    ///< characters
 constexpr std::size_t kMostAddress = 2000; ///< characters; the list has all of it
 constexpr int kLabelLetters = 24;          ///< room for the labels
+constexpr int kLeastLines = 17;            ///< of words, list and text: of fewer none can be read
+constexpr int kMostWordLines = 40;         ///< that are shown without a scroll bar of their own
+constexpr int kListLines = 12;             ///< of list and text below them
+constexpr int kWordsBesideAnswer = 4;      ///< lines
 
 /// Texts of evidence are inserted as they are: nothing in them is markup, and nothing a link.
 class CardWriter {
@@ -88,25 +99,96 @@ CardPane::CardPane(Load load, PropertiesPane &properties, QWidget *parent)
     m_text->setPlaceholderText(tr("Choose a row to see its card."));
     m_text->setMinimumHeight(2 * fontMetrics().height());
     m_text->installEventFilter(this);
-    auto *halves = new QSplitter(Qt::Vertical);
-    halves->setObjectName(QStringLiteral("cardSplitter"));
-    halves->addWidget(m_text);
-    halves->addWidget(&properties);
-    halves->setStretchFactor(0, 3);
-    halves->setStretchFactor(1, 2);
-    halves->setSizes({180, 200});
+    m_halves = new QSplitter(Qt::Vertical);
+    m_halves->setObjectName(QStringLiteral("cardSplitter"));
+    m_halves->setChildrenCollapsible(false);
+    m_halves->addWidget(m_text);
+    m_halves->addWidget(&properties);
+    m_halves->setStretchFactor(0, 3);
+    m_halves->setStretchFactor(1, 2);
+    m_halves->setSizes({180, 200});
+    m_halves->setMinimumHeight(kLeastLines * fontMetrics().lineSpacing());
+    m_scroll = new QScrollArea;
+    m_scroll->setObjectName(QStringLiteral("cardScroll"));
+    m_scroll->setWidgetResizable(true);
+    m_scroll->setFrameShape(QFrame::NoFrame);
+    m_scroll->setFocusPolicy(Qt::NoFocus);
+    m_scroll->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    m_scroll->setWidget(m_halves);
     auto *column = new QVBoxLayout(this);
     column->setContentsMargins(0, 0, 0, 0);
-    column->addWidget(halves);
+    column->setSpacing(0);
+    column->addWidget(m_scroll, 1);
+    connect(&properties, &PropertiesPane::answered, this, &CardPane::makeRoom);
+    connect(m_halves, &QSplitter::splitterMoved, this, [this] { m_sizesBefore.clear(); });
+    connect(qApp, &QApplication::focusChanged, this,
+            [this](QWidget *, QWidget *now) { follow(now); });
+}
+
+/// The line with the buttons doesn't scroll away.
+void CardPane::arrange() {
+    const bool isLow = height() < kLeastLines * fontMetrics().lineSpacing();
+    QWidget &bar = m_properties.bar();
+    if (isLow == (bar.parentWidget() == this))
+        return fitWords();
+    if (isLow)
+        static_cast<QVBoxLayout *>(layout())->insertWidget(0, &bar);
+    else
+        m_properties.takeBar();
+    bar.show();
+    fitWords();
+}
+
+/// Where the card scrolls as one, its words don't scroll by themselves.
+void CardPane::fitWords() {
+    const bool isLow = m_properties.bar().parentWidget() == this;
+    const int line = fontMetrics().lineSpacing();
+    const int least = 2 * fontMetrics().height();
+    const int whole = static_cast<int>(std::ceil(m_text->document()->size().height())) + 2;
+    m_text->setMinimumHeight(isLow ? std::clamp(whole, least, kMostWordLines * line) : least);
+    m_halves->setMinimumHeight(isLow ? m_text->minimumHeight() + kListLines * line
+                                     : kLeastLines * line);
+}
+
+void CardPane::resizeEvent(QResizeEvent *event) {
+    QWidget::resizeEvent(event);
+    arrange();
+}
+
+/// Whoever goes there by the keys sees it.
+void CardPane::follow(QWidget *focus) {
+    if (focus && m_halves->isAncestorOf(focus))
+        m_scroll->ensureWidgetVisible(focus, 0, 0);
+}
+
+/// The words step back for an answer, which has many lines, until another value is chosen.
+void CardPane::makeRoom(bool isAnswered) {
+    if (!isAnswered) {
+        if (!m_sizesBefore.isEmpty())
+            m_halves->setSizes(std::exchange(m_sizesBefore, {}));
+        return;
+    }
+    const QList<int> sizes = m_halves->sizes();
+    const int all = sizes.value(0) + sizes.value(1);
+    const int kept = kWordsBesideAnswer * fontMetrics().lineSpacing();
+    if (sizes.value(0) > kept && m_sizesBefore.isEmpty()) {
+        m_sizesBefore = sizes;
+        m_halves->setSizes({kept, all - kept});
+    }
+    m_scroll->ensureWidgetVisible(&m_properties.wholeText(), 0, 0);
 }
 
 void CardPane::showRecord(UrlId id) {
-    m_card = m_load(id);
-    write();
+    auto card = m_load(id);
+    const bool isSame = std::exchange(m_id, id) == id && card == m_card;
+    m_card = std::move(card);
+    if (!isSame)
+        write();
     m_properties.showRecord(id);
 }
 
 void CardPane::clear() {
+    m_id = UrlId::none;
     m_card.reset();
     m_text->clear();
     m_properties.clear();
@@ -122,6 +204,7 @@ void CardPane::write() {
     for (const CardLine &line : m_card->lines)
         writer.line(line);
     m_text->moveCursor(QTextCursor::Start);
+    fitWords();
     mark();
 }
 

@@ -10,6 +10,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
+#include <QScrollBar>
 
 #include <algorithm>
 #include <initializer_list>
@@ -17,6 +18,8 @@
 namespace nv {
 
 namespace {
+
+constexpr std::uint64_t kMostSeen = 4 * kHexRowBytes; ///< of marked bytes, in little height
 
 enum Kind { anyCase, sameCase, asBytes }; ///< in the order of the box
 
@@ -94,6 +97,21 @@ void HexPane::showFile(const std::filesystem::path &file, std::uint64_t offset) 
     showNotice(m_grid->source()->size() == 0 ? tr("The file is empty.") : QString());
 }
 
+bool HexPane::isShowing(const std::filesystem::path &file) const {
+    return m_grid->source() && m_grid->source()->file().path() == file;
+}
+
+void HexPane::showAgain() {
+    if (!m_grid->source())
+        return;
+    const HexMatch chosen = m_grid->selection();
+    const int top = m_grid->verticalScrollBar()->value();
+    m_grid->setSource(std::make_unique<HexSource>(m_grid->source()->file().path()));
+    if (m_grid->source()->size() > 0)
+        m_grid->select(chosen);
+    m_grid->verticalScrollBar()->setValue(top);
+}
+
 void HexPane::showMissing(const QString &reason) {
     clear();
     // The bar stays live: the other file may be there.
@@ -116,7 +134,11 @@ void HexPane::askForSource() {
 }
 
 void HexPane::mark(std::uint64_t offset, std::uint64_t length) {
-    m_grid->select({offset, std::max<std::uint64_t>(length, 1)});
+    constexpr std::uint64_t kBelow = 4 * kHexRowBytes;
+    length = std::max<std::uint64_t>(length, 1);
+    m_grid->goTo(offset + std::min(length, kMostSeen) +
+                 kBelow); // some of what follows is seen, too
+    m_grid->select({offset, length});
 }
 
 void HexPane::openFind() {

@@ -25,6 +25,10 @@ class HexPane final : public ViewerFrame {
 
     /// Throws FileFailure.
     void showFile(const std::filesystem::path &file, std::uint64_t offset);
+    /// The file that is shown, for the same record, is read anew: the place in it stays. Throws
+    /// FileFailure.
+    void showAgain();
+    bool isShowing(const std::filesystem::path &file) const;
     /// No bytes, but why there are none; the button that asks for the source file stays.
     void showMissing(const QString &reason);
     void clear();

@@ -14,6 +14,7 @@
 #include <QLineEdit>
 #include <QPlainTextEdit>
 #include <QPushButton>
+#include <QScrollBar>
 #include <QSplitter>
 #include <QTreeWidget>
 
@@ -60,11 +61,13 @@ PropertiesPane::PropertiesPane(std::function<std::vector<Property>(UrlId)> load,
     // The one that is read first, and is hardly ever whole in its cell.
     : QWidget(parent), m_load(std::move(load)), m_chosen(QStringLiteral("URL")) {
     setObjectName(QStringLiteral("PropertiesPane"));
+    m_bar = newBar(); // first: the keys go through it before they go through the list
     m_list = newList();
     m_splitter = new QSplitter(Qt::Vertical);
     m_splitter->setObjectName(QStringLiteral("propertiesSplitter"));
     m_splitter->addWidget(m_list);
-    m_splitter->addWidget(newWhole());
+    m_whole = newWholeText();
+    m_splitter->addWidget(m_whole);
     m_splitter->setStretchFactor(0, 4);
     m_splitter->setStretchFactor(1, 1);
     m_splitter->setSizes({400, 60});
@@ -72,14 +75,12 @@ PropertiesPane::PropertiesPane(std::function<std::vector<Property>(UrlId)> load,
     auto *column = new QVBoxLayout(this);
     column->setContentsMargins(0, 0, 0, 0);
     column->setSpacing(0);
-    column->addWidget(newBar());
+    column->addWidget(m_bar);
     column->addWidget(m_splitter, 1);
     connect(m_list, &QTreeWidget::currentItemChanged, this, &PropertiesPane::showChosen);
 }
 
-/// The whole text with the two questions that it raises.
-QWidget *PropertiesPane::newWhole() {
-    m_whole = newWholeText();
+void PropertiesPane::addQuestions(QHBoxLayout &row) {
     m_why = new QPushButton(tr("&Why?"));
     m_why->setObjectName(QStringLiteral("btnWhy"));
     m_why->setAccessibleName(tr("Why has the property this value?"));
@@ -88,31 +89,47 @@ QWidget *PropertiesPane::newWhole() {
     m_bytes = new QPushButton(tr("&Bytes"));
     m_bytes->setObjectName(QStringLiteral("btnBytes"));
     m_bytes->setAccessibleName(tr("Show the bytes of the value"));
-    m_bytes->setToolTip(tr("Leads to the place in the source file, in the pane Hex"));
-    auto *box = new QWidget;
-    auto *row = new QHBoxLayout(box);
-    row->setContentsMargins(0, 0, 0, 0);
-    row->setSpacing(2);
-    row->addWidget(m_whole, 1);
-    row->addWidget(m_why, 0, Qt::AlignTop);
-    row->addWidget(m_bytes, 0, Qt::AlignTop);
-    m_why->setEnabled(false);
-    m_bytes->setEnabled(false);
+    for (QPushButton *button : {m_why, m_bytes}) {
+        button->setEnabled(false);
+        row.addWidget(button);
+    }
     connect(m_why, &QPushButton::clicked, this, [this] { emit whyWanted(m_chosen); });
-    connect(m_bytes, &QPushButton::clicked, this, &PropertiesPane::bytesWanted);
-    return box;
+    connect(m_bytes, &QPushButton::clicked, this, [this] { emit bytesWanted(m_chosen); });
 }
 
-void PropertiesPane::showWhy(const QString &why, bool hasBytes) {
+void PropertiesPane::setWhyNoBytes(WhyNoBytes whyNoBytes) {
+    m_whyNoBytes = std::move(whyNoBytes);
+}
+
+void PropertiesPane::takeBar() {
+    static_cast<QVBoxLayout *>(layout())->insertWidget(0, m_bar);
+}
+
+void PropertiesPane::showWhy(const QString &why) {
+    const auto place = chosenPlace();
+    if (!place || *place >= m_shown.size())
+        return;
+    m_answer = Answer{m_chosen, listedValue(*place), why};
     showChosen();
-    m_whole->appendPlainText(u'\n' + why);
     m_whole->moveCursor(QTextCursor::Start);
-    m_bytes->setEnabled(hasBytes);
     makeRoom();
+}
+
+void PropertiesPane::checkBytes() {
+    const bool isChosen = m_why->isEnabled();
+    const QString none = isChosen && m_whyNoBytes ? m_whyNoBytes(m_chosen) : QString();
+    m_bytes->setEnabled(isChosen && none.isEmpty());
+    const QString tip = !isChosen ? tr("Choose a property: its bytes are shown in the pane Hex")
+                        : none.isEmpty()
+                            ? tr("Leads to the place in the source file, in the pane Hex")
+                            : tr("No bytes to show: %1").arg(none);
+    m_bytes->setToolTip(tip);
+    m_bytes->setAccessibleDescription(tip);
 }
 
 /// An answer has ten lines: until another value is chosen it has most of the pane.
 void PropertiesPane::makeRoom() {
+    emit answered(true);
     const QList<int> sizes = m_splitter->sizes();
     const int all = sizes.value(0) + sizes.value(1);
     const int wanted = all * 7 / 10;
@@ -122,11 +139,18 @@ void PropertiesPane::makeRoom() {
     m_splitter->setSizes({all - wanted, wanted});
 }
 
+void PropertiesPane::giveRoomBack() {
+    if (!m_sizesBefore.isEmpty())
+        m_splitter->setSizes(std::exchange(m_sizesBefore, {}));
+    emit answered(false);
+}
+
 QWidget *PropertiesPane::newBar() {
     m_filter = new QLineEdit;
     m_filter->setObjectName(QStringLiteral("txtPropertyFilter"));
     m_filter->setAccessibleName(tr("Only values with this text"));
-    m_filter->setPlaceholderText(tr("Only values with this text"));
+    m_filter->setPlaceholderText(tr("Filter"));
+    m_filter->setToolTip(m_filter->accessibleName());
     m_filter->setClearButtonEnabled(true);
     m_empty = new QCheckBox(tr("Empt&y fields"));
     m_empty->setObjectName(QStringLiteral("chkEmptyFields"));
@@ -139,14 +163,25 @@ QWidget *PropertiesPane::newBar() {
     row->addWidget(m_count);
     row->addWidget(m_filter, 1);
     row->addWidget(m_empty);
+    addQuestions(*row);
     connect(m_filter, &QLineEdit::textChanged, this, &PropertiesPane::fill);
     connect(m_empty, &QCheckBox::toggled, this, &PropertiesPane::fill);
     return bar;
 }
 
 void PropertiesPane::showRecord(UrlId id) {
-    m_properties = m_load(id);
+    std::vector<Property> properties = m_load(id);
+    const bool isSame = m_id == id;
+    m_id = id;
+    if (isSame && properties == m_properties)
+        return checkBytes();
+    if (!isSame)
+        m_answer.reset();
+    m_properties = std::move(properties);
+    const int top = m_list->verticalScrollBar()->value();
     fill();
+    if (isSame)
+        m_list->verticalScrollBar()->setValue(top);
 }
 
 bool PropertiesPane::isWanted(const Property &property) const {
@@ -198,22 +233,31 @@ void PropertiesPane::markListed(const std::vector<std::size_t> &hits) {
 }
 
 void PropertiesPane::clear() {
+    m_id = UrlId::none;
+    m_answer.reset();
     m_properties.clear();
     fill();
 }
 
 void PropertiesPane::showChosen() {
-    if (!m_sizesBefore.isEmpty())
-        m_splitter->setSizes(std::exchange(m_sizesBefore, {}));
     QTreeWidgetItem *item = m_list->currentItem();
     const auto place = static_cast<std::size_t>(m_list->indexOfTopLevelItem(item));
     const bool isChosen = item && place < m_shown.size();
     m_why->setEnabled(isChosen);
-    m_bytes->setEnabled(false);
-    if (!isChosen)
-        return m_whole->clear();
-    m_chosen = item->text(0);
-    m_whole->setPlainText(shownLines(m_properties[m_shown[place]].value));
+    if (isChosen)
+        m_chosen = item->text(0);
+    const bool isAnswered =
+        isChosen && m_answer && m_answer->name == m_chosen && m_answer->value == listedValue(place);
+    if (!isAnswered && (m_answer || !m_sizesBefore.isEmpty())) {
+        m_answer.reset();
+        giveRoomBack();
+    }
+    checkBytes();
+    QString text = isChosen ? shownLines(listedValue(place)) : QString();
+    if (isAnswered)
+        text += QStringLiteral("\n\n") + m_answer->why;
+    if (text != m_whole->toPlainText()) // what is read stays where it is
+        m_whole->setPlainText(text);
 }
 
 } // namespace nv

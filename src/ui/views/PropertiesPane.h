@@ -10,6 +10,7 @@
 #include <optional>
 
 class QCheckBox;
+class QHBoxLayout;
 class QLabel;
 class QLineEdit;
 class QPlainTextEdit;
@@ -29,12 +30,24 @@ class PropertiesPane final : public QWidget, public RecordPane {
     explicit PropertiesPane(std::function<std::vector<Property>(UrlId)> load,
                             QWidget *parent = nullptr);
 
-    /// Keeps the chosen property, by its name.
+    /// Why a property of the shown record has no bytes to lead to; an empty text: it may have some.
+    /// Asked for the chosen one.
+    using WhyNoBytes = std::function<QString(const QString &field)>;
+    void setWhyNoBytes(WhyNoBytes whyNoBytes);
+
+    /// Keeps the chosen property, by its name, and of the same record what is read of it.
     void showRecord(UrlId id) override;
     void clear() override;
-    /// Below the chosen property's text: where it comes from. `hasBytes` when there are bytes to
-    /// lead to.
-    void showWhy(const QString &why, bool hasBytes);
+    bool showsMarks() const override { return true; }
+    /// Below the chosen property's text: where it comes from.
+    void showWhy(const QString &why);
+    /// Asks anew whether the chosen property has bytes.
+    void checkBytes();
+
+    /// The number of values, the filter, and the two questions that a value raises. It is the first
+    /// line of the pane, unless it is wanted elsewhere; then it comes back by takeBar().
+    QWidget &bar() { return *m_bar; }
+    void takeBar();
 
     /// The values that the list shows now, from above.
     std::size_t listedCount() const { return m_shown.size(); }
@@ -52,18 +65,30 @@ class PropertiesPane final : public QWidget, public RecordPane {
     void listed();
     /// Where does the chosen property of the record come from?
     void whyWanted(const QString &field);
-    /// The bytes that the last answer named are wanted.
-    void bytesWanted();
+    /// Its bytes are wanted.
+    void bytesWanted(const QString &field);
+    /// An answer stands below the value, or is gone: it takes room.
+    void answered(bool isThere);
 
   private:
-    QWidget *newWhole();
+    /// The last answer, and what it is about.
+    struct Answer {
+        QString name;
+        std::string value;
+        QString why;
+    };
+
     void makeRoom();
+    void giveRoomBack();
     QWidget *newBar();
+    void addQuestions(QHBoxLayout &row);
     void fill();
     bool isWanted(const Property &property) const;
     void showChosen();
 
     std::function<std::vector<Property>(UrlId)> m_load;
+    WhyNoBytes m_whyNoBytes;
+    QWidget *m_bar = nullptr;
     QTreeWidget *m_list = nullptr;
     QPlainTextEdit *m_whole = nullptr;
     QSplitter *m_splitter = nullptr;
@@ -76,6 +101,8 @@ class PropertiesPane final : public QWidget, public RecordPane {
     std::vector<Property> m_properties; ///< all of them
     std::vector<std::size_t> m_shown;   ///< places among them, in the order of the list
     QString m_chosen;
+    UrlId m_id = UrlId::none;
+    std::optional<Answer> m_answer;
 };
 
 } // namespace nv

@@ -9,9 +9,13 @@ namespace nv {
 class RecordPane {
   public:
     virtual ~RecordPane() = default;
-    /// The same record may be shown again: it has changed then. What is thrown is logged, and told.
+    /// The same record may be shown again: it may have changed then. What hasn't stays where the
+    /// examiner reads it. What is thrown is logged, and told.
     virtual void showRecord(UrlId id) = 0;
     virtual void clear() = 0;
+    /// Whether it shows what the examiner has made of the record: tick, tags, note. Only such a
+    /// pane is shown it again when these change.
+    virtual bool showsMarks() const { return false; }
 };
 
 } // namespace nv

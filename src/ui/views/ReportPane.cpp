@@ -51,6 +51,7 @@ void ReportPane::refresh() {
         m_browser->showPage(pathOf(report), tr("Report"));
     m_shown = isThere ? report : std::string();
     m_large->setVisible(isThere);
+    emit refreshed(isThere);
 }
 
 } // namespace nv

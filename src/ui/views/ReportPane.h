@@ -29,6 +29,8 @@ class ReportPane final : public QWidget, public RecordPane {
     BrowserPane &browser() { return *m_browser; }
 
   signals:
+    /// There is a report to be seen, or none any more.
+    void refreshed(bool isThere);
     /// The report is to be seen at the window's size.
     void largeWanted();
 

@@ -60,7 +60,9 @@ TextPane::TextPane(QWidget *parent)
 }
 
 void TextPane::showText(const CachedText &text) {
-    m_text->setPlainText(shownLines(text.text));
+    if (const QString lines = shownLines(text.text);
+        !showsContent() || lines != m_text->toPlainText()) // what is read stays where it is
+        m_text->setPlainText(lines);
     m_charset->setText(tr("%1 (%2)").arg(toQt(displayText(text.charset)), toQt(text.foundIn)));
     m_result->clear();
     showContent();

@@ -20,6 +20,7 @@
 #include "ui/window/FilesPart.h"
 #include "ui/window/FocusRing.h"
 #include "ui/window/GuidePart.h"
+#include "ui/window/LowWindow.h"
 #include "ui/window/OptionsPart.h"
 #include "ui/window/RebuildPart.h"
 #include "ui/window/RecentPane.h"
@@ -65,6 +66,7 @@ MainForm::MainForm(Program &program, WindowDialogs &dialogs)
     m_pages->addWidget(newProjectPage());
     setCentralWidget(m_pages);
     m_areas = &addPart<AreasPart>(*m_bench, *this);
+    addPart<LowWindow>(*m_bench, *this);
     connectWindowActions();
     connectEditActions();
     connectOtherActions();
@@ -169,6 +171,7 @@ void MainForm::connectOtherActions() {
         showNotice({});
         m_viewers->setRecord(m_table->grid().currentUrl());
     });
+    connect(m_table, &TableTab::ticked, m_viewers, &ViewerTabs::refreshMarks);
     connect(m_table, &TableTab::layoutEdited, this, &MainForm::keepLayout);
     connect(m_table, &TableTab::tickingRefused, this, [this] { m_bench->mayWrite(); });
 }

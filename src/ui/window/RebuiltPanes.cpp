@@ -19,6 +19,8 @@
 
 #include <QTabWidget>
 
+#include <utility>
+
 namespace nv {
 
 namespace {
@@ -155,13 +157,14 @@ void RebuiltPanes::chooseOther(const AuditRow &row) {
 
 /// A rebuilt page that can't be brought back is shown as it was cached, and the examiner learns it.
 void RebuiltPanes::showPage(BrowserPane &pane, UrlId id) {
-    pane.clear();
+    if (m_shown.id != id)
+        pane.clear();
     Program &program = m_bench.program;
     Unwatched nobody;
     RecordTools tools(program, nobody, program.state.tempFolderPath);
     auto record = tools.record(id);
     if (!record)
-        return;
+        return pane.clear();
     const bool isLeft = isLeftInGallery(*record);
     if (record->CacheFileRebuilt && (isLeft || !bringBack(*record))) {
         record->CacheFileRebuilt = false;
@@ -170,9 +173,14 @@ void RebuiltPanes::showPage(BrowserPane &pane, UrlId id) {
     }
     const ShownPage shown = pageToShow(tools, *record);
     program.state.viewer.browserURL = textOf(shown.file);
+    std::error_code none;
+    Shown now{id, shown.file, {}};
+    if (shown.rebuilt)
+        now.rebuilt = std::filesystem::last_write_time(shown.file, none);
+    const bool isSame = std::exchange(m_shown, now) == now && pane.page();
     if (shown.file.empty())
         pane.showReason(toQt(shown.reason));
-    else
+    else if (!isSame) // what is read stays where it is
         pane.showPage(shown.file,
                       !shown.rebuilt              ? tr("Cached content")
                       : isRebuiltExactly(*record) ? tr("Page rebuilt exactly")

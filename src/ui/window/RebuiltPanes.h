@@ -2,6 +2,8 @@
 
 #include "ui/window/Workbench.h"
 
+#include <filesystem>
+
 namespace nv {
 
 class AuditPane;
@@ -26,7 +28,17 @@ class RebuiltPanes final : public QObject {
     void showAudit(AuditPane &pane, UrlId id);
     void chooseOther(const AuditRow &row);
 
+    /// A page in the Browser pane.
+    struct Shown {
+        UrlId id = UrlId::none;
+        std::filesystem::path file;
+        std::filesystem::file_time_type rebuilt; ///< when; of cached content none
+
+        friend bool operator==(const Shown &, const Shown &) = default;
+    };
+
     Workbench &m_bench;
+    Shown m_shown;
     UrlId m_audited = UrlId::none; ///< the page that the audit is of
 };
 

@@ -260,7 +260,7 @@ void TagsPart::redo() {
 }
 
 void TagsPart::showChanged(const QString &notice) {
-    m_bench.refreshRows();
+    m_bench.refreshMarks();
     UrlGrid &grid = m_bench.table->grid();
     const TableLayout &layout = grid.tableLayout();
     if (!layout.hidden(UrlColumn::TagNames) && layout.isFitted(UrlColumn::TagNames))

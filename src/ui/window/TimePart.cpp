@@ -4,12 +4,15 @@
 #include "platform/qt/QtText.h"
 #include "time/ExactZone.h"
 #include "ui/views/TimeStrip.h"
+#include "ui/window/LowWindow.h"
 #include "views/RecordCard.h"
 
 #include <QAction>
 #include <QBoxLayout>
 #include <QCheckBox>
 #include <QComboBox>
+#include <QEvent>
+#include <QToolButton>
 
 #include <chrono>
 
@@ -85,12 +88,44 @@ QWidget *TimePart::newPanel() {
     auto *column = new QVBoxLayout(panel);
     column->setContentsMargins(0, 0, 0, 0);
     column->setSpacing(0);
-    column->addWidget(newChoices());
-    column->addWidget(m_strip);
+    m_choices = newChoices();
+    m_more = new QToolButton;
+    m_more->setObjectName(QStringLiteral("btnTimeChoices"));
+    m_more->setText(QStringLiteral("..."));
+    m_more->setAccessibleName(tr("Choices of the bar of time"));
+    m_more->setToolTip(tr("Which bars, how they are divided, and the hours of the day"));
+    m_more->setCheckable(true);
+    m_more->setFocusPolicy(Qt::TabFocus);
+    auto *row = new QHBoxLayout;
+    row->setSpacing(0);
+    row->addWidget(m_strip, 1);
+    row->addWidget(m_more, 0, Qt::AlignTop);
+    column->addWidget(m_choices);
+    column->addLayout(row);
     return panel;
 }
 
+/// In a low window the bars are as low as they can be read, and what is chosen of them once folds.
+void TimePart::fold() {
+    const bool isFolded = isLow(m_bench.window);
+    m_more->setVisible(isFolded);
+    m_choices->setVisible(!isFolded || m_more->isChecked());
+    m_strip->setMaximumHeight(isFolded ? m_strip->minimumSizeHint().height() : QWIDGETSIZE_MAX);
+}
+
+bool TimePart::eventFilter(QObject *watched, QEvent *event) {
+    if (watched == &m_bench.window && event->type() == QEvent::Resize)
+        fold();
+    return QObject::eventFilter(watched, event);
+}
+
 void TimePart::connectPanel() {
+    m_bench.window.installEventFilter(this);
+    connect(m_more, &QToolButton::toggled, this, &TimePart::fold);
+    connect(m_hours, &QCheckBox::toggled, this, [this](bool shown) {
+        m_strip->setHours(shown);
+        fold();
+    });
     connect(m_unit, &QComboBox::activated, this, [this] {
         const int unit = m_unit->currentData().toInt();
         m_strip->setUnit(unit == kByItself ? std::nullopt
@@ -100,7 +135,6 @@ void TimePart::connectPanel() {
         m_isStale = true;
         load();
     });
-    connect(m_hours, &QCheckBox::toggled, m_strip, &TimeStrip::setHours);
     connect(m_strip, &TimeStrip::spanChosen, this, [this](qint64 begin, qint64 end) {
         choose(TimeSpan{begin, end});
     });

@@ -10,6 +10,7 @@
 
 class QCheckBox;
 class QComboBox;
+class QToolButton;
 
 namespace nv {
 
@@ -29,8 +30,12 @@ class TimePart final : public QObject, public Limiter {
     std::vector<LimitChip> chips() const override;
     bool asksAgain() const override { return false; }
 
+  protected:
+    bool eventFilter(QObject *watched, QEvent *event) override;
+
   private:
     QWidget *newPanel();
+    void fold();
     QWidget *newChoices();
     void connectPanel();
     void showPanel(bool shown);
@@ -42,6 +47,8 @@ class TimePart final : public QObject, public Limiter {
 
     Workbench &m_bench;
     QWidget *m_panel = nullptr;
+    QWidget *m_choices = nullptr;
+    QToolButton *m_more = nullptr; ///< unfolds them in a low window
     QComboBox *m_unit = nullptr;
     QComboBox *m_stack = nullptr;
     QCheckBox *m_hours = nullptr;

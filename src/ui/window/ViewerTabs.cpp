@@ -1,6 +1,7 @@
 #include "ui/window/ViewerTabs.h"
 
 #include "platform/qt/QtText.h"
+#include "ui/views/NoRow.h"
 #include "ui/window/PaneWindow.h"
 
 #include <QBoxLayout>
@@ -100,6 +101,7 @@ void ViewerTabs::addPane(QWidget &widget, RecordPane &pane, const QString &title
     m_choosing = true;
     addTab(&widget, title);
     m_choosing = false;
+    markTabs();
 }
 
 void ViewerTabs::addAside(QWidget &widget, RecordPane &pane, const char *procedure) {
@@ -116,6 +118,7 @@ void ViewerTabs::setCardTab(QWidget *card) {
         setCurrentIndex(0);
     m_choosing = false;
     m_card = card;
+    markTabs();
     m_soon.start(0);
 }
 
@@ -129,12 +132,15 @@ bool ViewerTabs::isUp(const Entry &entry) const {
 }
 
 void ViewerTabs::setRecord(std::optional<UrlId> id) {
+    // The table was loaded anew around the row: what is read stays in front.
+    const bool isSame = id && id == m_id;
     m_id = id;
     if (!m_id)
         m_soon.stop();
-    look();
+    if (!isSame)
+        look();
     for (const Entry &entry : m_panes)
-        if (!m_id || !isUp(entry))
+        if (!m_id || (!isSame && !isUp(entry)))
             entry.pane->clear();
     refresh();
 }
@@ -142,6 +148,16 @@ void ViewerTabs::setRecord(std::optional<UrlId> id) {
 void ViewerTabs::refresh() {
     for (Entry &entry : m_panes)
         entry.isStale = true;
+    showChange();
+}
+
+void ViewerTabs::refreshMarks() {
+    for (Entry &entry : m_panes)
+        entry.isStale = entry.isStale || entry.pane->showsMarks();
+    showChange();
+}
+
+void ViewerTabs::showChange() {
     m_viewed = m_id && m_look ? m_look(*m_id) : std::nullopt;
     markTabs();
     if (m_id)
@@ -191,19 +207,44 @@ void ViewerTabs::showOnce(QWidget &pane) {
     m_soon.start(0);
 }
 
+void ViewerTabs::setEmpty(QWidget &pane, const QString &why) {
+    for (Entry &entry : m_panes)
+        if (entry.widget == &pane)
+            entry.whyEmpty = why;
+    markTabs();
+}
+
 void ViewerTabs::markTabs() {
-    const QColor dim = dimColour(palette());
-    for (const ViewerName &each : kViewers)
-        for (int place = 0; place < count(); ++place) {
-            if (widget(place)->objectName() != toQt(each.pane))
-                continue;
-            const bool isOfUse = !m_viewed || nv::isOfUse(each.viewer, *m_viewed);
-            const bool isEmpty = m_viewed && !hasSomething(each.viewer, *m_viewed);
-            tabBar()->setTabTextColor(place, isOfUse ? QColor() : dim);
-            setTabToolTip(place, !isEmpty  ? QString()
-                                 : isOfUse ? tr("No note of this record yet: write one here")
-                                           : tr("Nothing for this record"));
-        }
+    if (m_card != nullptr)
+        markTab(indexOf(m_card), !m_id, m_id ? QString() : noRowText());
+    for (const Entry &entry : m_panes) {
+        const int place = indexOf(entry.widget);
+        const auto *const named = std::ranges::find_if(kViewers, [&](const ViewerName &each) {
+            return entry.widget->objectName() == toQt(each.pane);
+        });
+        if (named != kViewers.end())
+            markViewer(place, named->viewer);
+        else if (entry.widget != m_card)
+            markTab(place, !entry.whyEmpty.isEmpty(), entry.whyEmpty);
+    }
+}
+
+void ViewerTabs::markViewer(int place, Viewer viewer) {
+    if (!m_id)
+        return markTab(place, true, noRowText());
+    const bool isOfUse = !m_viewed || nv::isOfUse(viewer, *m_viewed);
+    const bool isEmpty = m_viewed && !hasSomething(viewer, *m_viewed);
+    markTab(place, !isOfUse,
+            !isEmpty  ? QString()
+            : isOfUse ? tr("No note of this record yet: write one here")
+                      : tr("Nothing for this record"));
+}
+
+void ViewerTabs::markTab(int place, bool isDim, const QString &tip) {
+    if (place < 0)
+        return; // it stands elsewhere
+    tabBar()->setTabTextColor(place, isDim ? dimColour(palette()) : QColor());
+    setTabToolTip(place, tip);
 }
 
 void ViewerTabs::changeEvent(QEvent *event) {

@@ -43,6 +43,10 @@ class ViewerTabs final : public QTabWidget {
     void setRecord(std::optional<UrlId> id);
     /// The record has changed, or the viewers came up.
     void refresh();
+    /// Its tick, tags or note have: the panes that don't show them are left alone.
+    void refreshMarks();
+    /// Why a pane that isn't about the record has nothing to show; an empty text: it has something.
+    void setEmpty(QWidget &pane, const QString &why);
     std::optional<UrlId> record() const { return m_id; }
 
     /// Brings it to the front until another record asks for another pane.
@@ -68,14 +72,18 @@ class ViewerTabs final : public QTabWidget {
         QWidget *widget = nullptr;
         RecordPane *pane = nullptr;
         const char *procedure = "";
-        bool isStale = true; ///< doesn't show the record yet
+        bool isStale = true;   ///< doesn't show the record yet
+        QString whyEmpty = {}; ///< of one that isn't about the record
     };
     QWidget *newButtons();
     void addKeys();
     bool isUp(const Entry &entry) const;
     void takeFront();
     void look();
+    void showChange();
     void markTabs();
+    void markTab(int place, bool isDim, const QString &tip);
+    void markViewer(int place, Viewer viewer);
     void bringUp(Viewer viewer);
     /// Comes after the click or key that chose the record is over: a pane may run a task, which
     /// locks the grid that the click is in.

@@ -17,6 +17,7 @@
 #include "ui/window/PictureFeed.h"
 #include "views/CellText.h"
 #include "views/ViewerChoice.h"
+#include "views/explain/NoBytes.h"
 
 #include <QSplitter>
 
@@ -119,7 +120,7 @@ void ViewersPart::addNotes() {
          [&bench](UrlId id, const std::string &text) {
              NoteOutcome outcome = storeNote(bench.project(), id, text, bench.program.around.clock,
                                              bench.program.log);
-             bench.table->refreshRows(); // its mark comes or goes
+             bench.refreshMarks(); // its mark comes or goes
              if (outcome.stored == NoteStored::stored)
                  noteNote(bench.program, id, text);
              return outcome;
@@ -139,6 +140,13 @@ void ViewersPart::addNotes() {
 void ViewersPart::addReport() {
     m_report = new ReportPane([this] { return state().viewer.reportURL; });
     m_bench.viewers->addPane(*m_report, *m_report, tr("Report"), "MainForm.showReport()");
+    const auto mark = [this](bool isThere) {
+        m_bench.viewers->setEmpty(
+            *m_report,
+            isThere ? QString() : tr("No report has been made yet: the command Report makes one"));
+    };
+    connect(m_report, &ReportPane::refreshed, this, mark);
+    mark(false);
     connect(&m_report->browser(), &BrowserPane::navigationBlocked, &m_bench,
             &Workbench::showNotice);
     // The report is one of the project that is left.
@@ -176,12 +184,11 @@ void ViewersPart::showText(UrlId id) {
 void ViewersPart::showHex(UrlId id) {
     if (m_hex->wantsSource())
         return showSource(id);
+    m_named.reset(); // whoever comes back to the source file sees the record's own place
     const auto content =
         contentFor(id, [this](const QString &reason) { m_hex->showMissing(reason); });
-    if (!content)
-        return;
-    state().viewer.hexFilePath = textOf(*content->file);
-    m_hex->showFile(*content->file, 0);
+    if (content)
+        showFile(id, *content->file, 0);
 }
 
 void ViewersPart::showSource(UrlId id) {
@@ -191,7 +198,9 @@ void ViewersPart::showSource(UrlId id) {
     const auto record = tools.record(id);
     if (!record)
         return m_hex->showMissing(tr("The selected record could not be found."));
-    const bool isNamed = m_named && m_named->id == id && std::exchange(m_named->isWanted, false);
+    if (m_knownOf != id)
+        m_named.reset();
+    const bool isNamed = m_named.has_value();
     const auto source = sourceOfRecord(*record);
     // A value of a cache may lie in a file beside the one that the record is shown by, and a folder
     // that is a record's source has no bytes of its own.
@@ -199,18 +208,31 @@ void ViewersPart::showSource(UrlId id) {
     if (!source && !isElsewhere)
         return m_hex->showMissing(sentence(missingSource(*record)));
     const std::filesystem::path file = isElsewhere ? m_named->file : source->file;
-    state().viewer.hexFilePath = textOf(file);
-    m_hex->showFile(file, isNamed ? m_named->offset : source->offset);
-    if (isNamed)
+    showFile(id, file, isNamed ? m_named->offset : source->offset);
+    if (isNamed && std::exchange(m_isWanted, false))
         m_hex->mark(m_named->offset, m_named->length);
+}
+
+/// The same record may come again while it is read: its tags have changed, or the rows around it.
+void ViewersPart::showFile(UrlId id, const std::filesystem::path &file, std::uint64_t offset) {
+    state().viewer.hexFilePath = textOf(file);
+    const bool isSame = m_inHex == std::pair(id, file) && m_hex->isShowing(file);
+    m_inHex.emplace(id, file);
+    if (isSame)
+        m_hex->showAgain();
+    else
+        m_hex->showFile(file, offset);
 }
 
 void ViewersPart::addWhy() {
     m_properties = m_bench.card->findChild<PropertiesPane *>();
+    m_properties->setWhyNoBytes([this](const QString &field) { return whyNoBytes(field); });
     connect(m_properties, &PropertiesPane::whyWanted, this, [this](const QString &field) {
         m_bench.run("MainForm.Explain()", [this, field] { explain(field); });
     });
-    connect(m_properties, &PropertiesPane::bytesWanted, this, &ViewersPart::showBytes);
+    connect(m_properties, &PropertiesPane::bytesWanted, this, [this](const QString &field) {
+        m_bench.run("MainForm.Explain()", [this, field] { showBytes(field); });
+    });
 }
 
 void ViewersPart::explain(const QString &field) {
@@ -224,9 +246,8 @@ void ViewersPart::explain(const QString &field) {
                                                 m_bench.program.state.tempFolderPath);
                         origin = explainInProject(m_bench.program, tools, *id, fromQt(field));
                     });
-    m_named.reset();
     if (!origin)
-        return m_properties->showWhy(tr("The selected record could not be found."), false);
+        return m_properties->showWhy(tr("The selected record could not be found."));
     QStringList lines;
     constexpr std::size_t kMost = 2100; // a little more than is told of a value and its length
     const auto add = [&lines](const auto &told) {
@@ -237,19 +258,69 @@ void ViewersPart::explain(const QString &field) {
         auto told = linesOf(value);
         std::erase_if(told, [](const auto &line) { return line.first == "Value"; });
         add(told);
-        if (value.offset)
-            m_named = NamedBytes{*id, value.file, *value.offset, value.length};
+        learn(*id, field, value);
     }
     if (origin->values.empty())
         lines += tr("This row isn't kept in the project: it is read out of the picture each time.");
     add(linesOf(*origin));
-    m_properties->showWhy(lines.join(u'\n'), m_named.has_value());
+    m_properties->showWhy(lines.join(u'\n'));
 }
 
-void ViewersPart::showBytes() {
-    if (!m_named)
+/// What the evidence says is known from then on. Before, only that is said which holds for sure:
+/// nothing is read while the examiner goes from row to row.
+QString ViewersPart::whyNoBytes(const QString &field) {
+    const auto id = m_bench.viewers->record();
+    if (!id || !m_bench.isProjectOpen())
+        return {};
+    if (m_knownOf == *id && m_known.contains(field))
+        return m_known.at(field).whyNone;
+    std::string why;
+    logFailureOf(m_bench.program.log, "MainForm.Explain()",
+                 [&] { why = nv::whyNoBytes(m_bench.project(), *id, fromQt(field)); });
+    return toQt(displayText(why));
+}
+
+void ViewersPart::learn(UrlId id, const QString &field, const ValueOrigin &value) {
+    if (std::exchange(m_knownOf, id) != id) {
+        m_known.clear();
+        m_named.reset();
+    }
+    KnownBytes known;
+    if (value.offset)
+        known.bytes = NamedBytes{value.file, *value.offset, value.length};
+    else
+        known.whyNone = toQt(displayText(nv::whyNoBytes(value)));
+    m_known[field] = std::move(known);
+}
+
+void ViewersPart::findBytes(UrlId id, const QString &field) {
+    std::optional<ValueOrigin> value;
+    m_bench.runTask(
+        {"READING THE EVIDENCE AGAIN", "Looking for the bytes...", "", ""}, [&](TaskMonitor &task) {
+            const RecordTools tools(m_bench.program, task, m_bench.program.state.tempFolderPath);
+            value = explainValueInProject(m_bench.program, tools, id, fromQt(field));
+        });
+    if (!value) {
+        value.emplace();
+        value->note = fromQt(tr("it isn't kept in the project, but read out of the picture"));
+    }
+    learn(id, field, *value);
+}
+
+void ViewersPart::showBytes(const QString &field) {
+    const auto id = m_bench.viewers->record();
+    if (!id || !m_bench.isProjectOpen())
         return;
-    m_named->isWanted = true;
+    if (m_knownOf != *id || !m_known.contains(field))
+        findBytes(*id, field);
+    const KnownBytes &known = m_known[field];
+    if (!known.bytes) {
+        m_bench.showNotice(tr("No bytes to show: %1").arg(known.whyNone));
+        return m_properties->checkBytes();
+    }
+    m_named = known.bytes;
+    m_isWanted = true;
+    m_inHex.reset();
     m_hex->askForSource();
     m_bench.viewers->showOnce(*m_hex);
     m_bench.viewers->refresh();

@@ -2,6 +2,11 @@
 
 #include "app/jobs/RecordContent.h"
 #include "ui/window/Workbench.h"
+#include "views/explain/Explain.h"
+
+#include <map>
+#include <optional>
+#include <utility>
 
 namespace nv {
 
@@ -36,10 +41,14 @@ class ViewersPart final : public QObject {
     void showText(UrlId id);
     void showHex(UrlId id);
     void showSource(UrlId id);
+    void showFile(UrlId id, const std::filesystem::path &file, std::uint64_t offset);
     void addWhy();
     /// Where a property of the current record comes from.
     void explain(const QString &field);
-    void showBytes();
+    void showBytes(const QString &field);
+    void findBytes(UrlId id, const QString &field);
+    void learn(UrlId id, const QString &field, const ValueOrigin &value);
+    QString whyNoBytes(const QString &field);
 
     ProgramState &state() { return m_bench.program.state; }
 
@@ -50,15 +59,24 @@ class ViewersPart final : public QObject {
     NotesPane *m_notes = nullptr;
     ReportPane *m_report = nullptr;
     PropertiesPane *m_properties = nullptr;
-    /// The bytes that the last answer to "Why?" named, and whether they are to be marked next.
+    /// The bytes of a value.
     struct NamedBytes {
-        UrlId id = UrlId::none;
         std::filesystem::path file; ///< empty: the one that the Hex pane shows for the record
         std::uint64_t offset = 0;
         std::uint64_t length = 0;
-        bool isWanted = false;
     };
-    std::optional<NamedBytes> m_named;
+    /// What the evidence has said of a value's bytes: where they are, or why there are none.
+    struct KnownBytes {
+        std::optional<NamedBytes> bytes;
+        QString whyNone;
+    };
+    /// Of the record `m_knownOf`, by the property.
+    std::map<QString, KnownBytes> m_known;
+    UrlId m_knownOf = UrlId::none;
+    std::optional<NamedBytes> m_named; ///< what of that record the Hex pane is to show
+    bool m_isWanted = false;           ///< and hasn't yet
+    /// What the Hex pane shows.
+    std::optional<std::pair<UrlId, std::filesystem::path>> m_inHex;
 };
 
 } // namespace nv

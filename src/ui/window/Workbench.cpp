@@ -30,4 +30,9 @@ void Workbench::refreshRows() const {
     viewers->refresh();
 }
 
+void Workbench::refreshMarks() const {
+    table->refreshRows();
+    viewers->refreshMarks();
+}
+
 } // namespace nv

@@ -52,6 +52,8 @@ class Workbench final : public QObject {
     void showNotice(const QString &text) { emit noticed(text); }
     /// The rows of the table have changed in the project; the list of them stays.
     void refreshRows() const;
+    /// Their ticks, tags or notes have.
+    void refreshMarks() const;
     /// What the examiner has chosen in the summary of an import.
     void goOn(AfterSummary what);
     /// Runs the active query anew.

@@ -128,15 +128,34 @@ std::optional<RecordOrigin> Explainer::explain(UrlId id, const std::string &fiel
         file = sourceFolderOf(stored->historyFile, stored->root);
     describeFile(m_source, *stored, file && !isFile, origin);
     setState(file, origin);
-    RecordValues values(m_source, *m_tables, id, *stored, file);
-    for (const Property &property :
-         loadProperties(id, {m_source.project, m_source.zone, m_source.dates, m_source.log, {}}))
-        if (field.empty() ? !property.value.empty() : equalsNoCase(property.name, field))
-            origin.values.push_back(values.of(property));
+    origin.values = valuesOf(id, *stored, file, field);
     for (const ValueOrigin &value : origin.values)
         if (!value.file.empty() && (value.file != file || origin.isOfFolder))
             addFurther(value.file, origin);
     return origin;
+}
+
+std::optional<ValueOrigin> Explainer::explainValue(UrlId id, const std::string &field) {
+    const auto stored = storedRecordOf(m_source.project, id);
+    if (!stored)
+        return std::nullopt;
+    auto file = sourcePathOf(stored->historyFile, stored->root);
+    if (!file)
+        file = sourceFolderOf(stored->historyFile, stored->root);
+    std::vector<ValueOrigin> values = valuesOf(id, *stored, file, field);
+    return values.empty() ? std::nullopt : std::optional(std::move(values.front()));
+}
+
+std::vector<ValueOrigin> Explainer::valuesOf(UrlId id, const StoredRecord &stored,
+                                             const std::optional<std::filesystem::path> &file,
+                                             const std::string &field) {
+    RecordValues values(m_source, *m_tables, id, stored, file);
+    std::vector<ValueOrigin> origins;
+    for (const Property &property :
+         loadProperties(id, {m_source.project, m_source.zone, m_source.dates, m_source.log, {}}))
+        if (field.empty() ? !property.value.empty() : equalsNoCase(property.name, field))
+            origins.push_back(values.of(property));
+    return origins;
 }
 
 void Explainer::addFurther(const std::filesystem::path &file, RecordOrigin &origin) {
@@ -158,7 +177,8 @@ std::string shownOrigin(std::string_view text) {
 
 std::vector<std::pair<std::string, std::string>> linesOf(const RecordOrigin &record) {
     std::vector<std::pair<std::string, std::string>> lines = {
-        {"Record", fmt::format("{} ({})", record.id, record.kind)},
+        {"Record", record.kind.empty() ? std::to_string(record.id)
+                                       : fmt::format("{} ({})", record.id, record.kind)},
         {"Source file", record.file},
         {"Size then", std::to_string(record.fileSize)},
         {"MD5 then", record.md5},
@@ -185,10 +205,18 @@ std::vector<std::pair<std::string, std::string>> linesOf(const ValueOrigin &valu
     }};
     const auto words =
         std::ranges::find(kWords, value.check, &std::pair<OriginCheck, std::string_view>::first);
+    // Of a cell of a table the place tells row and column.
+    const bool isOfCell = value.offset && value.place.starts_with("table ");
+    const std::string bytes =
+        isOfCell ? fmt::format("{} to {} of {}", *value.offset,
+                               *value.offset + std::max<std::uint64_t>(value.length, 1) - 1,
+                               textOf(value.file.filename()))
+                 : std::string();
     const bool isReadUncompared = value.check == OriginCheck::unread && !value.stored.empty();
     std::vector<std::pair<std::string, std::string>> lines = {
         {"Value", value.value},
         {"Lies at", value.place},
+        {"Bytes", bytes},
         {"As it lies", value.stored},
         {"Rule", value.rule},
         {"Zone", value.zone},

@@ -43,7 +43,7 @@ struct ValueOrigin {
     OriginCheck check = OriginCheck::notKept;
     std::string place; ///< "table visits, row 17, column visit_time"; may be empty
     std::optional<std::uint64_t> offset; ///< of its bytes in the source file, where they are known
-    std::uint64_t length = 0;            ///< of them
+    std::uint64_t length = 0;            ///< of those that lie together
     std::filesystem::path file;          ///< that holds them, where it isn't the source file
     std::string stored;                  ///< the number, text or bytes as they lie; may be empty
     std::string rule;                    ///< the clock or rule that made the value
@@ -89,6 +89,7 @@ struct ExplainSource {
 };
 
 class EvidenceTables;
+struct StoredRecord;
 
 /// Explains records. A file of the evidence is hashed once, and an SQLite file stays open until a
 /// record of another one comes: give it the records of one file after the other.
@@ -103,6 +104,8 @@ class Explainer {
     /// written but a copy of an SQLite file in the scratch folder. Nothing when there is no such
     /// row. Throws what the database of the project says.
     std::optional<RecordOrigin> explain(UrlId id, const std::string &field = {});
+    /// The same of one field alone, without hashing the file. Nothing when there is no such field.
+    std::optional<ValueOrigin> explainValue(UrlId id, const std::string &field);
 
   private:
     struct Hashed {
@@ -110,6 +113,9 @@ class Explainer {
         std::string failure;
     };
     const Hashed &hashed(const std::filesystem::path &file);
+    std::vector<ValueOrigin> valuesOf(UrlId id, const StoredRecord &stored,
+                                      const std::optional<std::filesystem::path> &file,
+                                      const std::string &field);
     void setState(const std::optional<std::filesystem::path> &file, RecordOrigin &origin);
     void addFurther(const std::filesystem::path &file, RecordOrigin &origin);
 

@@ -56,8 +56,13 @@ void LocatedFields::describe(const FieldPlace &place, ValueOrigin &value) const 
     value.place = place.cell.empty() ? fmt::format("{}{}, in {}", file, bytes, place.name)
                                      : fmt::format("{}{}, {} of it", file, place.cell, bytes);
     value.file = place.file;
-    if (place.cell.empty())
+    if (place.cell.empty()) {
         value.offset = place.offset;
+    } else if (place.cellBytes && place.offset < place.cellBytes->length) {
+        value.file = place.cellBytes->file;
+        value.offset = place.cellBytes->offset + place.offset;
+        value.length = std::min(place.length, place.cellBytes->length - place.offset);
+    }
 }
 
 } // namespace nv

@@ -150,6 +150,7 @@ class RecordValues::Reading {
         value.stored.clear();
         value.note.clear();
         value.offset.reset();
+        value.file.clear();
         setZone(value, SourceForm::text);
     }
 
@@ -194,12 +195,8 @@ class RecordValues::Reading {
     }
 
     void unknown(ValueOrigin &value) {
-        if (const std::size_t part = value.field.find(" > "); part != std::string::npos) {
-            value.check = OriginCheck::derived;
-            value.rule = fmt::format("part of {}, decoded by the rule in brackets",
-                                     value.field.substr(0, part));
-            return;
-        }
+        if (const std::size_t part = value.field.find(" > "); part != std::string::npos)
+            return setDecoded(value.field.substr(0, part), value);
         if (m_located && !m_located->failure().empty()) {
             value.check = OriginCheck::unread;
             value.note = m_located->failure();
@@ -214,6 +211,22 @@ class RecordValues::Reading {
             value.place = fmt::format("in the record that begins at byte {}", *m_place.offset);
             value.offset = m_place.offset;
         }
+    }
+
+    /// What was decoded lies where the whole lies.
+    void setDecoded(const std::string &whole, ValueOrigin &value) {
+        const RecordFact *fact = factNamed(m_stored.facts, whole);
+        const bool isColumn = whole == "URL";
+        if (fact || isColumn) {
+            const ValueOrigin origin =
+                of({whole, fact ? factText(fact->value) : columnText(whole)});
+            value.place = origin.place;
+            value.offset = origin.offset;
+            value.length = origin.length;
+            value.file = origin.file;
+        }
+        value.check = OriginCheck::derived;
+        value.rule = fmt::format("part of {}, decoded by the rule in brackets", whole);
     }
 
     /// The first cell that gives the value tells of it; of those that don't, the first that can't
@@ -253,6 +266,7 @@ class RecordValues::Reading {
         value.place = found.place;
         value.offset = found.offset;
         value.length = found.length;
+        value.file = found.file;
         value.stored = found.stored;
         value.note = found.whyNot;
         const auto agreed = found.whyNot.empty() ? agrees(rule, found, value) : std::nullopt;

@@ -97,17 +97,24 @@ SourceValue valueOf(const CellFound &cell) {
 struct EvidenceTables::Opened {
     Opened(const Evidence &evidence, std::filesystem::path of, const std::filesystem::path &scratch)
         : file(std::move(of)), copy(evidence, file, scratch, "~explained.sqlite"),
-          database(copy.path(), copy.size()) {}
+          database(copy.path(), copy.size()), cells(evidence, file) {}
 
     std::filesystem::path file;
     EvidenceCopy copy;
     EvidenceDatabase database;
+    CellFinder cells;
 };
 
 EvidenceTables::EvidenceTables(const Evidence &evidence, std::filesystem::path scratch)
     : m_evidence(evidence), m_scratch(std::move(scratch)) {}
 
 EvidenceTables::~EvidenceTables() = default;
+
+std::optional<CellBytes> EvidenceTables::bytesOf(const std::filesystem::path &file,
+                                                 const CellFound &cell) {
+    EvidenceDatabase &database = of(file);
+    return cell.name ? m_opened->cells.find(database, *cell.name, cell.value) : std::nullopt;
+}
 
 EvidenceDatabase &EvidenceTables::of(const std::filesystem::path &file) {
     if (!m_opened || m_opened->file != file) {
@@ -130,6 +137,16 @@ std::vector<SourceValue> SourceValues::read(const FieldRule &rule) {
     return values;
 }
 
+void SourceValues::setBytes(const CellFound &cell, SourceValue &value) {
+    logFailureOf(m_log, kProcedure, [&] {
+        if (auto bytes = m_tables.bytesOf(m_file, cell)) {
+            value.file = std::move(bytes->file);
+            value.offset = bytes->offset;
+            value.length = bytes->length;
+        }
+    });
+}
+
 void SourceValues::readCells(const FieldRule &rule, std::vector<SourceValue> &values) {
     if (!m_place.rowId || m_place.table.empty()) {
         values.push_back(unread(rule, "the project doesn't say in which row the record lies"));
@@ -142,8 +159,10 @@ void SourceValues::readCells(const FieldRule &rule, std::vector<SourceValue> &va
             number && fact.name == name)
             start = *number;
     for (const CellFound &cell :
-         cellsAt(m_tables.of(m_file), {m_place.table, *m_place.rowId}, rule.path, start))
+         cellsAt(m_tables.of(m_file), {m_place.table, *m_place.rowId}, rule.path, start)) {
         values.push_back(valueOf(cell));
+        setBytes(cell, values.back());
+    }
     if (values.empty())
         values.push_back(unread(rule, whyNone(m_tables.of(m_file), m_place.table, rule.path)));
 }

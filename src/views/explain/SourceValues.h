@@ -2,6 +2,7 @@
 
 #include "db/FactList.h"
 #include "readers/FieldRules.h"
+#include "readers/sqlite/CellPath.h"
 #include "readers/sqlite/EvidenceDatabase.h"
 #include "time/Date.h"
 #include "views/explain/Explain.h"
@@ -20,6 +21,7 @@ struct SourceValue {
     std::string place;
     std::optional<std::uint64_t> offset;
     std::uint64_t length = 0;
+    std::filesystem::path file;         ///< that holds those bytes
     std::string stored;                 ///< for people
     std::optional<std::int64_t> number; ///< where it is one
     std::string text;                   ///< where it is one
@@ -45,6 +47,8 @@ class EvidenceTables {
 
     /// Throws EvidenceFailure and EvidenceDamage.
     EvidenceDatabase &of(const std::filesystem::path &file);
+    /// Where a cell of that file lies; nothing where that can't be told. Throws as of() does.
+    std::optional<CellBytes> bytesOf(const std::filesystem::path &file, const CellFound &cell);
 
   private:
     struct Opened;
@@ -66,6 +70,7 @@ class SourceValues {
 
   private:
     void readCells(const FieldRule &rule, std::vector<SourceValue> &values);
+    void setBytes(const CellFound &cell, SourceValue &value);
 
     EvidenceTables &m_tables;
     FailureLog &m_log;

@@ -82,9 +82,22 @@ TEST_F(RecordCardTest, ofCachedContentItsFile) {
     EXPECT_EQ(card.line("Content"), "Pictures, 64 x 48 pixels, 1 byte");
     EXPECT_EQ(card.line("Status"), "LEAK: given up, but its file could not be deleted then");
     EXPECT_EQ(card.line("Source"), "/e/index.dat, offset 24832");
-    EXPECT_EQ(card.line("Browser"), "Internet Explorer");
     EXPECT_EQ(card.line("Date"), "The record has none");
     EXPECT_EQ(card.line("Local date"), "");
+}
+
+/// What the table has in its column, and nothing that the kind of the record would suggest.
+TEST_F(RecordCardTest, theBrowserIsTheOneOfTheTable) {
+    EXPECT_EQ(load(add({{"CacheType", "IE Cache"}})).line("Browser"), "");
+    EXPECT_EQ(load(add({{"CacheType", "IE Cache"}, {"Browser", "Edge"}})).line("Browser"), "Edge");
+    const RecordCard card =
+        load(add({{"CacheType", "NetAnalysis"}, {"HistoryFilePath", "/e/a.net"}, {"Browser", ""}}));
+    EXPECT_EQ(card.line("Browser"), "");
+    EXPECT_EQ(card.line("Source"), "/e/a.net");
+    EXPECT_EQ(card.line("Recovered by"), "NetAnalysis");
+    EXPECT_EQ(load(add({{"CacheType", "Chrome History"}, {"HistoryFilePath", "/e/History"}}))
+                  .line("Recovered by"),
+              "");
 }
 
 TEST_F(RecordCardTest, aStatusThatSaysNothingIsNone) {
@@ -124,7 +137,8 @@ TEST_F(RecordCardTest, aProjectOfAnEarlierBuildHasACard) {
     for (const char *column : {"Browser", "Profile", "Person"})
         db().exec(std::string("ALTER TABLE URLs DROP COLUMN ") + column);
     db().exec("DROP TABLE RecordFacts");
-    EXPECT_EQ(load(id).line("Browser"), "Internet Explorer");
+    EXPECT_EQ(load(id).address, "http://h.example/");
+    EXPECT_EQ(load(id).line("Browser"), "");
     EXPECT_TRUE(log.entries.empty());
 }
 

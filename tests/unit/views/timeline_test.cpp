@@ -127,6 +127,12 @@ TEST_F(TimelineTest, dividesByKindAndBrowser) {
     EXPECT_THAT(events(TimeStack::browser).parts, ElementsAre("Edge", "Chrome", "Unknown"));
 }
 
+/// Whoever made a case of it was no browser.
+TEST_F(TimelineTest, aProgramThatRecoveredRowsIsNoBrowser) {
+    add({2011, 3, 1, 12, 0, 0}, "NetAnalysis", "");
+    EXPECT_THAT(events(TimeStack::browser).parts, ElementsAre("Unknown"));
+}
+
 TEST_F(TimelineTest, manyBrowsersShareTheLastPart) {
     for (int number = 0; number < 200; ++number)
         add({2011, 3, 1, 12, 0, 0}, "Chrome History", ("b" + std::to_string(number)).c_str());

@@ -1,0 +1,46 @@
+#include "views/explain/NoBytes.h"
+
+#include "views/SourcePath.h"
+#include "views/explain/MadeBy.h"
+#include "views/explain/RecordValues.h"
+
+#include <fmt/format.h>
+
+namespace nv {
+
+std::string whyNoBytes(SQLite::Database &project, UrlId id, const std::string &field) {
+    const auto stored = storedRecordOf(project, id);
+    if (!stored)
+        return {};
+    ValueOrigin value;
+    if (const MadeBy *made = madeBy(field)) {
+        value.check = made->check;
+        value.rule = made->rule;
+        return whyNoBytes(value);
+    }
+    if (sourcePathOf(stored->historyFile, stored->root) ||
+        sourceFolderOf(stored->historyFile, stored->root))
+        return {};
+    value.check = OriginCheck::unread;
+    value.note = "the source file isn't there";
+    return whyNoBytes(value);
+}
+
+std::string whyNoBytes(const ValueOrigin &value) {
+    switch (value.check) {
+    case OriginCheck::examiner:
+        return value.rule;
+    case OriginCheck::derived:
+        return fmt::format("made by the program: {}", value.rule);
+    case OriginCheck::unread:
+    case OriginCheck::notKept:
+        return value.note;
+    case OriginCheck::same:
+    case OriginCheck::differs:
+        break;
+    }
+    return fmt::format("the value was read again ({}), but its bytes weren't found in the file",
+                       value.place);
+}
+
+} // namespace nv
