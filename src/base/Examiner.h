@@ -17,6 +17,9 @@ struct Message {
     Tone tone = Tone::Warning;
     /// The answer when nobody is there to give one.
     Answer unattended = Answer::Ok;
+    /// What its buttons say in place of "Yes" and "No", with "&" before a letter; may be empty.
+    std::string yes = {};
+    std::string no = {};
 };
 
 /// Whoever sits before the program. Only commands talk to the examiner; readers, the database and

@@ -98,6 +98,12 @@ std::string CaseTrail::lastHash() const {
     return hash;
 }
 
+std::int64_t CaseTrail::lastID() const {
+    if (!m_database.tableExists(kCaseTrailTable))
+        return 0;
+    return m_database.execAndGet("SELECT ifnull(max(Trail_ID), 0) FROM AuditTrail").getInt64();
+}
+
 std::vector<TrailEntry> CaseTrail::entries() const {
     std::vector<TrailEntry> all;
     forEach([&all](const TrailEntry &entry) { all.push_back(entry); });

@@ -43,6 +43,8 @@ class CaseTrail {
     /// In order of the doing.
     std::vector<TrailEntry> entries() const;
     void forEach(const std::function<void(const TrailEntry &)> &take) const;
+    /// Of the newest entry; 0 without any.
+    std::int64_t lastID() const;
 
   private:
     std::string lastHash() const;

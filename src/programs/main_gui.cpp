@@ -68,8 +68,7 @@ int runProgram(GuardedApplication &application, SplashForm &splash) {
     keepAbove(window.status, form);
     QThread::msleep(kSplashPause);
     splash.close();
-    if (readFlag(program.settings, "ShowTipsAtStartup"))
-        form.showTips();
+    form.showTipAtStart();
     if (const QString path = commandLinePath(); !path.isEmpty())
         form.loadCommandLineFile(pathFromQt(path));
     application.report(program.log, window.examiner);

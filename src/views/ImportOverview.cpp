@@ -71,6 +71,8 @@ class TrailReading {
         if (!m_hasEnd || m_isOpen)
             m_overview.scope = ImportScope::all;
         Told &told = m_overview.scope == ImportScope::all ? m_all : m_last;
+        std::erase_if(told.gaps,
+                      [](const ImportGap &gap) { return gap.light == ImportLight::green; });
         m_overview.gaps = std::move(told.gaps);
         m_overview.read = told.read;
         m_overview.reached = told.reached;
@@ -102,6 +104,22 @@ class TrailReading {
         m_last.gaps.push_back(std::move(gap));
     }
 
+    /// A place and the reader that went to it; none for a place that none could go to.
+    using Reading = std::pair<std::string, std::string>;
+
+    /// It is told of anew: what was missing isn't any more, or is said again.
+    void forgetGap(const Reading &reading) {
+        if (const auto gap = m_gapOf.find(reading); gap != m_gapOf.end()) {
+            m_all.gaps[gap->second].light = ImportLight::green; // taken out at the end
+            m_gapOf.erase(gap);
+        }
+    }
+
+    void addGap(const Reading &reading, ImportGap gap) {
+        m_gapOf[reading] = m_all.gaps.size();
+        addGap(std::move(gap));
+    }
+
     void takeFile(const ImportedFile &file, const TrailEntry &entry) {
         beginIfNeeded();
         noteEnd(entry);
@@ -109,9 +127,11 @@ class TrailReading {
             ++told->reached;
             told->read += file.state == ArtefactState::complete ? 1 : 0;
         }
+        const Reading reading(entry.filePath, file.readerKey);
+        forgetGap(reading);
         const ImportLight light = file.lacksRows ? ImportLight::red : lightOfState(file.state);
         if (light != ImportLight::green)
-            addGap(gapOf(entry, stateWord(file.state), file.why, light));
+            addGap(reading, gapOf(entry, stateWord(file.state), file.why, light));
         compareWithBefore(entry);
     }
 
@@ -132,7 +152,9 @@ class TrailReading {
     void takeUnreadable(const TrailEntry &entry) {
         beginIfNeeded();
         noteEnd(entry);
-        addGap(gapOf(entry, "not readable", entry.detail, ImportLight::amber));
+        forgetGap({entry.filePath, {}});
+        addGap({entry.filePath, {}},
+               gapOf(entry, "not readable", entry.detail, ImportLight::amber));
     }
 
     void takeEnd(const ImportEnd &end, const TrailEntry &entry) {
@@ -170,6 +192,7 @@ class TrailReading {
 
     ImportOverview &m_overview;
     std::map<std::string, std::string> m_hashes; ///< of each path as it was imported last
+    std::map<Reading, std::size_t> m_gapOf;      ///< places in those of all imports
     Told m_last;                                 ///< of the import in hand, or of the last one
     Told m_all;
     bool m_hasAny = false;
@@ -328,6 +351,15 @@ Walk loadImportOverview(SQLite::Database &project, const ImportSummary &summary,
     if (overview.end.failure.empty())
         overview.end.failure = summary.failure;
     return walk;
+}
+
+std::uint64_t countNotRead(SQLite::Database &project) {
+    ImportOverview overview;
+    overview.scope = ImportScope::all;
+    TrailReading trail(overview);
+    CaseTrail(project).forEach([&trail](const TrailEntry &entry) { trail.take(entry); });
+    trail.finish();
+    return overview.gaps.size() + overview.end.notReached;
 }
 
 std::size_t ImportOverview::personCount() const {

@@ -62,10 +62,12 @@ struct ImportOverview {
     std::vector<ImportCount> browsers;
     std::vector<ImportCount> profiles; ///< "Firefox, profile \"x\", person \"ada\""
     std::vector<ImportCount> kinds;
-    std::vector<ImportGap> gaps; ///< the gravest first
-    ImportEnd end;               ///< sums over imports
-    std::string verified;        ///< what the last verification after it said; empty without one
-    bool hasChanged = false;     ///< it found other files than were imported
+    /// The gravest first. Over all imports a file isn't among them for what a later import has
+    /// read of it.
+    std::vector<ImportGap> gaps;
+    ImportEnd end;           ///< sums over imports
+    std::string verified;    ///< what the last verification after it said; empty without one
+    bool hasChanged = false; ///< it found other files than were imported
 
     /// Named ones only.
     std::size_t personCount() const;
@@ -83,6 +85,10 @@ Walk loadImportOverview(SQLite::Database &project, ImportScope scope, TaskMonito
 /// it, so that none before it is taken for it. A failure after the reading is told too.
 Walk loadImportOverview(SQLite::Database &project, const ImportSummary &summary, TaskMonitor &task,
                         ImportOverview &overview);
+
+/// How many of all files and folders that were ever to be imported aren't in the project, or only
+/// in part, as scope `all` tells them. Reads the trail alone. Throws what the database says.
+std::uint64_t countNotRead(SQLite::Database &project);
 
 ImportLight lightOf(const ImportOverview &overview);
 /// "98,311 records from 12 profiles of 3 people, 116 files read".

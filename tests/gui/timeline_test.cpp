@@ -32,6 +32,7 @@ class TimelineTest : public QObject {
     void barsSayWhatTheyHold();
     void aNarrowLegendLeavesOutTheSmallestParts();
     void aNarrowSummaryKeepsItsCounts();
+    void textsFitOrAreLeftOut();
     void itLooksRightInBothPalettes();
     void aMillionEventsAreDrawnAtOnce();
     void theTableShowsTheChosenTimeOnly();
@@ -192,6 +193,24 @@ void TimelineTest::aNarrowSummaryKeepsItsCounts() {
     QApplication::sendEvent(m_strip.get(), &help);
     QTRY_VERIFY(QToolTip::text().contains(QStringLiteral("History:")));
     QToolTip::hideText();
+}
+
+void TimelineTest::textsFitOrAreLeftOut() {
+    const QChar cut(0x2026);
+    for (int width = 120; width < 1400; width += 40) {
+        m_strip->resize(width, 120);
+        m_strip->grab();
+        const QString said = m_strip->summaryIn(width);
+        const QString ofBar = m_strip->textIn(2, width);
+        for (const QString &text : {said, ofBar}) {
+            QVERIFY(m_strip->fontMetrics().horizontalAdvance(text) <= width);
+            QVERIFY2(!text.contains(cut), qPrintable(text));
+        }
+        QVERIFY(width < 300 || !said.isEmpty());
+        for (const QString &name : m_strip->legend().names)
+            QVERIFY2(name == QStringLiteral("History") || name == QStringLiteral("Cache"),
+                     qPrintable(name));
+    }
 }
 
 /// NV_SCREENSHOTS keeps them to be looked at.

@@ -42,6 +42,23 @@ Message readyToPublish() {
                     Answer::Yes);
 }
 
+Message reportNotPublished(std::size_t count, std::string_view page) {
+    const std::string what =
+        count == 1 ? std::string("A report of this project was made, but not published:")
+                   : fmt::format("{} reports of this project were made, but not published. The "
+                                 "first one is",
+                                 count);
+    return {.id = "report-not-published",
+            .title = "Report Not Published",
+            .text = fmt::format("{}\n{}\n\nWhat isn't published is gone when the program ends.",
+                                what, page),
+            .choices = Choices::YesNoCancel,
+            .tone = Tone::Information,
+            .unattended = Answer::No,
+            .yes = "&Publish...",
+            .no = "&Leave It"};
+}
+
 Message replacePublished(std::string_view folder) {
     return question("replace-published", "Publish Report",
                     fmt::format("{}\n\nThis folder holds an earlier report of this type. Do you "

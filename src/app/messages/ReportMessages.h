@@ -2,6 +2,7 @@
 
 #include "base/Examiner.h"
 
+#include <cstddef>
 #include <string_view>
 
 namespace nv::messages {
@@ -14,6 +15,8 @@ Message reportingError(std::string_view reason);
 Message reportNotLoaded(std::string_view reason);
 Message nothingToPublish();
 Message readyToPublish();
+/// `page` is the first one of `count` reports.
+Message reportNotPublished(std::size_t count, std::string_view page);
 Message replacePublished(std::string_view folder);
 Message reportPublished();
 

@@ -201,6 +201,8 @@ inline constexpr auto kAll = std::to_array<SettingFacts>({
     flag("BEYOND", "ShowViewers", true, "The viewers stand below the table"),
     flag("BEYOND", "PinViewer", false,
          "The viewer in front stays there; otherwise the one that fits the record comes up"),
+    flag("BEYOND", "HasStarted", false,
+         "A window was started before: tips come from the second start on"),
     choice("BEYOND", "Theme", "System;Light;Dark", "System",
            "Colours of the windows: System, Light or Dark"),
 });

@@ -20,6 +20,7 @@ namespace {
 // All in pixels.
 constexpr int kMargin = 16;
 constexpr int kGap = 8;
+constexpr int kAfterMark = 2; ///< from the mark of a label to its text
 constexpr int kTitleSize = 20;
 constexpr int kTextSize = 13;
 constexpr int kLeastBar = 2; ///< high: one event is seen beside a million
@@ -158,12 +159,12 @@ void ChartPainter::drawAxis(QPainter &painter) const {
     for (const TimeChart::Label &label : m_chart.labels) {
         const QString text = toQt(label.text);
         const int left = leftOf(label.bar);
-        const int width = metrics.horizontalAdvance(text);
-        if (left <= end || left + width > m_axis.right())
+        const int right = left + kAfterMark + metrics.horizontalAdvance(text);
+        if (left <= end || right > m_axis.right())
             continue;
         painter.drawLine(left, m_axis.top(), left, m_axis.top() + 3);
-        painter.drawText(QPoint(left + 2, m_axis.top() + 2 + metrics.ascent()), text);
-        end = left + width + kGap;
+        painter.drawText(QPoint(left + kAfterMark, m_axis.top() + 2 + metrics.ascent()), text);
+        end = right + kGap;
     }
 }
 

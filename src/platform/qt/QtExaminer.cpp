@@ -4,6 +4,9 @@
 
 #include <QApplication>
 #include <QMessageBox>
+#include <QPushButton>
+
+#include <utility>
 
 namespace nv {
 
@@ -76,6 +79,10 @@ Answer QtExaminer::ask(const Message &message) {
     box.setTextInteractionFlags(Qt::TextSelectableByMouse);
     box.setIcon(iconOf(message));
     box.setStandardButtons(buttonsOf(message.choices));
+    for (const auto &[button, text] :
+         {std::pair(QMessageBox::Yes, message.yes), std::pair(QMessageBox::No, message.no)})
+        if (!text.empty() && box.button(button))
+            box.button(button)->setText(toQt(text));
     box.setDefaultButton(buttonOf(message.unattended));
     if (message.choices == Choices::YesNo)
         box.setEscapeButton(QMessageBox::No);

@@ -9,7 +9,8 @@
 
 namespace nv {
 
-ImportSummaryForm::ImportSummaryForm(Program &program, ChoosePage choosePage, QWidget *parent)
+ImportSummaryForm::ImportSummaryForm(Program &program, ChoosePage choosePage, First first,
+                                     QWidget *parent)
     : QDialog(parent), m_pane(new ImportSummaryPane(program, std::move(choosePage))),
       m_all(new QCheckBox(tr("&All imports into this project, not the last one alone"))) {
     setObjectName(QStringLiteral("ImportSummaryForm"));
@@ -37,12 +38,19 @@ ImportSummaryForm::ImportSummaryForm(Program &program, ChoosePage choosePage, QW
     });
     connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
     // Once it is up: counting a large project takes a second.
-    QTimer::singleShot(0, this, [this] {
-        load(ImportScope::last);
-        const ImportOverview &overview = m_pane->overview();
-        m_all->setVisible(overview.isKnown && overview.scope == ImportScope::last);
-        m_pane->setFocus();
-    });
+    QTimer::singleShot(0, this, [this, first] { loadFirst(first); });
+}
+
+void ImportSummaryForm::loadFirst(First first) {
+    const bool isOfAll = first == First::notRead;
+    load(isOfAll ? ImportScope::all : ImportScope::last);
+    const ImportOverview &overview = m_pane->overview();
+    const QSignalBlocker quiet(m_all);
+    m_all->setChecked(isOfAll);
+    m_all->setVisible(overview.isKnown && (isOfAll || overview.scope == ImportScope::last));
+    m_pane->setFocus();
+    if (isOfAll)
+        m_pane->showNotRead();
 }
 
 /// While it counts, events run: nothing else may begin.

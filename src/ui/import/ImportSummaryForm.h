@@ -13,12 +13,18 @@ class ImportSummaryForm final : public QDialog {
     Q_OBJECT
 
   public:
-    ImportSummaryForm(Program &program, ChoosePage choosePage, QWidget *parent = nullptr);
+    enum class First {
+        counts, ///< of the last import
+        notRead ///< what any import hasn't read
+    };
+    ImportSummaryForm(Program &program, ChoosePage choosePage, First first,
+                      QWidget *parent = nullptr);
 
     /// What to go on with; nothing when the form was only closed.
     std::optional<AfterSummary> next() const { return m_next; }
 
   private:
+    void loadFirst(First first);
     void load(ImportScope scope);
 
     ImportSummaryPane *m_pane;

@@ -137,10 +137,7 @@ QWidget *ImportSummaryPane::newButtons() {
     m_index = add("btnSummaryIndex", tr("&Index for Search"),
                   tr("Make the index for searches now and not at the first one"));
     QPushButton *table = add("btnSummaryTable", tr("Show the Tabl&e"), tr("Go to the rows"));
-    connect(m_notRead, &QPushButton::clicked, this, [this] {
-        m_tabs->setCurrentWidget(m_gaps);
-        m_gaps->setFocus();
-    });
+    connect(m_notRead, &QPushButton::clicked, this, &ImportSummaryPane::showNotRead);
     connect(save, &QPushButton::clicked, this, &ImportSummaryPane::save);
     const auto leaveFor = [this](QPushButton *button, AfterSummary what) {
         connect(button, &QPushButton::clicked, this, [this, what] { emit wanted(what); });
@@ -149,6 +146,13 @@ QWidget *ImportSummaryPane::newButtons() {
     leaveFor(m_index, AfterSummary::searchIndex);
     leaveFor(table, AfterSummary::table);
     return buttons;
+}
+
+void ImportSummaryPane::showNotRead() {
+    if (m_overview.gaps.empty())
+        return;
+    m_tabs->setCurrentWidget(m_gaps);
+    m_gaps->setFocus();
 }
 
 void ImportSummaryPane::load(ImportScope scope) {

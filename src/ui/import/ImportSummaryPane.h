@@ -44,6 +44,8 @@ class ImportSummaryPane final : public QWidget {
     void load(const ImportSummary &summary);
     /// An import that hasn't come to its files.
     void showFailure(const std::string &reason);
+    /// Leads to the list of what wasn't read, where there is one.
+    void showNotRead();
     const ImportOverview &overview() const { return m_overview; }
 
   signals:

@@ -135,9 +135,7 @@ void TimeStrip::drawSummary(QPainter &painter) const {
         left -= roomOf(name);
     const int line = kMargin + metrics.ascent();
     const int room = left - 2 * kMargin;
-    painter.drawText(QPoint(kMargin, line),
-                     m_cursor ? metrics.elidedText(textOf(*m_cursor), Qt::ElideRight, room)
-                              : summaryIn(room));
+    painter.drawText(QPoint(kMargin, line), m_cursor ? textIn(*m_cursor, room) : summaryIn(room));
     std::size_t part = 0;
     for (const QString &name : legend.names) {
         painter.fillRect(left, kMargin, metrics.ascent(), metrics.ascent(),

@@ -38,11 +38,12 @@ class TimeStrip final : public QWidget {
     /// Where a bar begins, in pixels of the widget.
     int leftOf(std::size_t bar) const;
     /// What the line above the bars says where it has room, and in as many pixels as it has: what
-    /// it counts is kept longest.
+    /// it counts is kept longest. Nothing is ever cut, but left out.
     QString summary() const;
     QString summaryIn(int pixels) const;
-    /// "2011-03-01: 12 events (History 8, Cache 4)".
+    /// "2011-03-01: 12 events (History 8, Cache 4)", and as much of it as fits.
     QString textOf(std::size_t bar) const;
+    QString textIn(std::size_t bar, int pixels) const;
     /// The names of the largest parts, as far as there is room, and "+2" for those left out.
     struct Legend {
         QStringList names;
@@ -78,8 +79,11 @@ class TimeStrip final : public QWidget {
     QRect area() const;
     std::size_t barAt(int x) const;
     QString tipAt(const QPoint &place) const;
-    QString spanText() const;
+    QStringList spanTexts() const;
+    QString highestText() const;
     QString countText() const;
+    QString eventsOf(std::size_t bar) const;
+    QString firstThatFits(const QStringList &texts, int pixels) const;
     void count();
     void showSpan(TimeSpan span);
     void zoom(double factor, std::int64_t around);

@@ -2,6 +2,8 @@
 #include "ui/views/TimeStrip.h"
 #include "views/TimelineChart.h"
 
+#include <algorithm>
+
 // What the bar of time says in words, in the room that it has.
 namespace nv {
 
@@ -11,19 +13,30 @@ QString timeText(std::int64_t second) {
     return toQt(slotText(slotOf(second, TimeUnit::minute), TimeUnit::minute));
 }
 
+QString dayText(std::int64_t second) {
+    return toQt(slotText(slotOf(second, TimeUnit::day), TimeUnit::day));
+}
+
 QString rowsText(std::size_t rows) {
     return rows == 1 ? TimeStrip::tr("1 row") : TimeStrip::tr("%L1 rows").arg(rows);
 }
 
 } // namespace
 
-QString TimeStrip::spanText() const {
-    return tr("%1 to %2, %3; %4")
-        .arg(timeText(m_shown.begin), timeText(m_shown.end - 1), m_zone, toQt(barText(m_bars)));
+/// From all that can be said to the least.
+QStringList TimeStrip::spanTexts() const {
+    const QString time = tr("%1 to %2").arg(timeText(m_shown.begin), timeText(m_shown.end - 1));
+    const QString zoned = tr("%1, %2").arg(time, m_zone);
+    return {tr("%1; %2").arg(zoned, toQt(barText(m_bars))), zoned, time,
+            tr("%1 to %2").arg(dayText(m_shown.begin), dayText(m_shown.end - 1))};
+}
+
+QString TimeStrip::highestText() const {
+    return tr("the highest has %L1").arg(m_bars.highest());
 }
 
 QString TimeStrip::countText() const {
-    const QString text = tr("the highest has %L1").arg(m_bars.highest());
+    const QString text = highestText();
     return m_events.undated > 0 ? tr("%1; %2 without a date").arg(text, rowsText(m_events.undated))
                                 : text;
 }
@@ -32,19 +45,30 @@ QString TimeStrip::summary() const {
     if (m_events.seconds.empty())
         return m_events.undated > 0 ? tr("%1, none with a date").arg(rowsText(m_events.undated))
                                     : tr("No rows");
-    return tr("%1; %2").arg(spanText(), countText());
+    return tr("%1; %2").arg(spanTexts().front(), countText());
 }
 
 QString TimeStrip::summaryIn(int pixels) const {
+    if (m_events.seconds.empty())
+        return firstThatFits({summary()}, pixels);
+    QStringList texts;
+    for (const QString &span : spanTexts())
+        texts += tr("%1; %2").arg(span, countText());
+    return firstThatFits(texts << countText() << highestText(), pixels);
+}
+
+QString TimeStrip::textIn(std::size_t bar, int pixels) const {
+    return firstThatFits({textOf(bar), eventsOf(bar)}, pixels);
+}
+
+/// A text that is cut may say something else than the whole: it is left out.
+QString TimeStrip::firstThatFits(const QStringList &texts, int pixels) const {
     const QFontMetrics metrics = fontMetrics();
-    const QString whole = summary();
-    if (m_events.seconds.empty() || metrics.horizontalAdvance(whole) <= pixels)
-        return metrics.elidedText(whole, Qt::ElideRight, pixels);
-    const QString after = tr("; %1").arg(countText());
-    const int before = pixels - metrics.horizontalAdvance(after);
-    if (before < metrics.horizontalAdvance(timeText(0)))
-        return metrics.elidedText(countText(), Qt::ElideRight, pixels);
-    return metrics.elidedText(spanText(), Qt::ElideRight, before) + after;
+    const auto fits = [&](const QString &text) {
+        return metrics.horizontalAdvance(text) <= pixels;
+    };
+    const auto found = std::ranges::find_if(texts, fits);
+    return found == texts.end() ? QString() : *found;
 }
 
 QString TimeStrip::legendText() const {
@@ -60,20 +84,25 @@ QString TimeStrip::legendText() const {
     return lines.join(u'\n');
 }
 
-QString TimeStrip::textOf(std::size_t bar) const {
-    if (bar >= m_bars.count)
-        return {};
+/// "2011-03-01: 12 events".
+QString TimeStrip::eventsOf(std::size_t bar) const {
     const TimeSpan span = m_bars.spanOf(bar, bar + 1);
     QString time = toQt(slotText(slotOf(span.begin, m_bars.unit), m_bars.unit));
     if (m_bars.step > 1)
         time = tr("%1 to %2")
                    .arg(time, toQt(slotText(slotOf(span.end - 1, m_bars.unit), m_bars.unit)));
+    return tr("%1: %L2 events").arg(time).arg(m_bars.totalOf(bar));
+}
+
+QString TimeStrip::textOf(std::size_t bar) const {
+    if (bar >= m_bars.count)
+        return {};
     QStringList parts;
     for (std::size_t part = 0; part < m_chart.parts.size(); ++part)
         if (const std::uint32_t count = m_chart.counts[bar * m_chart.parts.size() + part];
             count > 0 && !m_chart.parts[part].empty())
             parts << QStringLiteral("%1 %L2").arg(toQt(m_chart.parts[part])).arg(count);
-    const QString events = tr("%1: %L2 events").arg(time).arg(m_bars.totalOf(bar));
+    const QString events = eventsOf(bar);
     return parts.isEmpty() ? events : tr("%1 (%2)").arg(events, parts.join(QStringLiteral(", ")));
 }
 
@@ -91,10 +120,10 @@ TimeStrip::Legend TimeStrip::legend() const {
     QStringList &names = legend.names;
     int room = width() / 2 - kMargin;
     for (const std::string &part : m_chart.parts) {
-        const QString name = fontMetrics().elidedText(toQt(part), Qt::ElideRight, width() / 6);
+        const QString name = toQt(part);
         const qsizetype others = all - names.size() - 1;
         const int after = others > 0 ? roomOf(QStringLiteral("+%1").arg(others)) : 0;
-        if (!names.isEmpty() && roomOf(name) + after > room)
+        if (roomOf(name) + after > room)
             break;
         room -= roomOf(name);
         names << name;
@@ -104,7 +133,7 @@ TimeStrip::Legend TimeStrip::legend() const {
     return legend;
 }
 
-/// The line above the bars may be cut, and so may the names beside the colours.
+/// Of the line above the bars some may be left out, and some names beside the colours.
 QString TimeStrip::tipAt(const QPoint &place) const {
     if (m_bars.count == 0 || area().contains(place))
         return m_bars.count == 0 ? QString() : textOf(barAt(place.x()));

@@ -6,6 +6,7 @@
 #include <QApplication>
 #include <QMainWindow>
 #include <QMenu>
+#include <QStatusBar>
 #include <QTabBar>
 
 #include <algorithm>
@@ -76,6 +77,7 @@ void AreasPart::findAreas() {
         m_places.emplace_back(bar);
     m_places.emplace_back(m_bench.viewers);
     m_areas.push_back({m_bench.viewers, {}});
+    m_areas.push_back({m_window.statusBar(), {}});
 }
 
 /// The toolkit has them as they were made: parts that came later stand at its end, and bars of a

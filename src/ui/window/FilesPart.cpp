@@ -36,8 +36,7 @@ FilesPart::FilesPart(Workbench &bench, ProjectCommands &commands, ProjectView &v
     on(actions.newProject, "MainForm.OpenFile()", [](FilesPart &part) { part.newProject(); });
     on(actions.openProject, "MainForm.OpenFile()", [](FilesPart &part) { part.openProject({}); });
     on(actions.saveAs, "MainForm.SaveAs()", [](FilesPart &part) { part.saveAs(); });
-    on(actions.closeProject, "MainForm.CloseFile()",
-       [](FilesPart &part) { part.m_commands.closeFile(); });
+    on(actions.closeProject, "MainForm.CloseFile()", [](FilesPart &part) { part.closeProject(); });
     on(actions.upgradeWizard, "MainForm.upgradeWizard()",
        [](FilesPart &part) { part.m_commands.upgradeWizard(); });
     on(actions.baseFolder, "MainForm.chooseBaseFolder()",
@@ -46,7 +45,14 @@ FilesPart::FilesPart(Workbench &bench, ProjectCommands &commands, ProjectView &v
        [](FilesPart &part) { part.chooseTimeZone(); });
 }
 
+void FilesPart::closeProject() {
+    if (m_bench.mayClose())
+        m_commands.closeFile();
+}
+
 void FilesPart::newProject() {
+    if (!m_bench.mayClose())
+        return;
     if (const auto made = m_options.askNewProject([this] { m_commands.closeFile(); }))
         make(*made);
 }
@@ -70,7 +76,7 @@ bool FilesPart::make(const OptionsPart::NewProject &made) {
 }
 
 void FilesPart::openProject(const fs::path &path) {
-    if (!m_commands.openFile(path, OpenMode::existing))
+    if (!m_bench.mayClose() || !m_commands.openFile(path, OpenMode::existing))
         return;
     m_commands.tellOfChangedDefaultQuery();
     m_bench.reload();

@@ -36,6 +36,7 @@ class FilesPart final : public QObject {
     bool newProjectFor(const ImportPart::Places &evidence, const AskedProject &asked);
     bool make(const OptionsPart::NewProject &made);
     void openProject(const std::filesystem::path &path);
+    void closeProject();
     void saveAs();
     void offerWebpages();
     void chooseBaseFolder();

@@ -29,7 +29,7 @@
 #include "ui/window/RowMenuPart.h"
 #include "ui/window/TextForm.h"
 #include "ui/window/ThemePart.h"
-#include "ui/window/TipForm.h"
+#include "ui/window/TipPart.h"
 #include "ui/window/UpgradePart.h"
 #include "ui/window/ViewersPart.h"
 #include "ui/window/WelcomePage.h"
@@ -131,6 +131,7 @@ void MainForm::addParts() {
     addPart<RowMenuPart>(*m_bench);
     addPart<CopyPart>(*m_bench);
     addPart<GuidePart>(*m_bench);
+    m_tips = &addPart<TipPart>(*m_bench);
 }
 
 void MainForm::showUpgradeWizard(const std::filesystem::path &project) {
@@ -145,7 +146,6 @@ void MainForm::connectWindowActions() {
     connect(m_actions.exit, &QAction::triggered, this, &QWidget::close);
     on(m_actions.refresh, "MainForm.LoadURLs()", &MainForm::loadURLs);
     on(m_actions.errorLog, "MainForm.showErrorLog()", &MainForm::showErrorLog);
-    on(m_actions.tips, "MainForm.showTips()", &MainForm::showTips);
     on(m_actions.about, "MainForm.showAbout()", &MainForm::showAbout);
 }
 
@@ -232,9 +232,15 @@ bool MainForm::focusNextPrevChild(bool next) {
     return m_areas ? m_areas->goToStop(next) : QMainWindow::focusNextPrevChild(next);
 }
 
+/// One question is enough.
+bool MainForm::mayLeave() {
+    const auto agreed = m_bench->askBeforeClosing();
+    return agreed ? *agreed : m_program.around.examiner.ask(messages::exitProgram()) == Answer::Yes;
+}
+
 void MainForm::closeEvent(QCloseEvent *event) {
-    const bool leaves =
-        m_locks == 0 && m_program.around.examiner.ask(messages::exitProgram()) == Answer::Yes;
+    bool leaves = false;
+    run("MainForm.Leave()", [this, &leaves] { leaves = mayLeave(); });
     event->setAccepted(leaves);
     if (!leaves)
         return;
@@ -309,12 +315,8 @@ void MainForm::showErrorLog() {
     TextForm(tr("Error Log"), text, this).exec();
 }
 
-void MainForm::showTips() {
-    const auto today = m_program.around.clock.now().time_since_epoch();
-    const auto day = std::chrono::duration_cast<std::chrono::days>(today).count();
-    TipForm(readTips(m_program.paths.tips()), static_cast<std::size_t>(day), m_program.settings,
-            this)
-        .exec();
+void MainForm::showTipAtStart() {
+    m_tips->showAtStart();
 }
 
 void MainForm::showAbout() {

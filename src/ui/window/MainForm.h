@@ -26,6 +26,7 @@ class FilesPart;
 class RebuildPart;
 class RecordArea;
 class TableTab;
+class TipPart;
 class ViewerTabs;
 class WelcomePage;
 class Workbench;
@@ -44,7 +45,7 @@ class MainForm final : public QMainWindow, public ProjectView {
 
     /// Takes up the one path of the command line.
     void loadCommandLineFile(const std::filesystem::path &path);
-    void showTips();
+    void showTipAtStart();
     /// Opens a project, or offers to import any other file or folder.
     void takePath(const std::filesystem::path &path);
 
@@ -87,6 +88,7 @@ class MainForm final : public QMainWindow, public ProjectView {
         m_parts.push_back(std::move(part));
         return made;
     }
+    bool mayLeave();
     bool isProjectOpen() const { return m_program.state.projectDB.isOpen(); }
 
     void showErrorLog();
@@ -113,6 +115,7 @@ class MainForm final : public QMainWindow, public ProjectView {
     std::vector<std::unique_ptr<QObject>> m_parts; ///< go before the bench
     RebuildPart *m_rebuild = nullptr;
     FilesPart *m_files = nullptr;
+    TipPart *m_tips = nullptr;
     AreasPart *m_areas = nullptr; ///< when all that stands in the window is there
     StatusLine m_status{*statusBar()};
     WindowTitle m_title{*this};

@@ -75,6 +75,7 @@ ReportPart::ReportPart(Workbench &bench) : m_bench(bench) {
             [this] { m_bench.run("MainForm.PublishReport()", [this] { publishReport(); }); });
     connect(bench.actions.openReportFolder, &QAction::triggered, this, &ReportPart::openFolder);
     connect(&bench, &Workbench::projectOpened, this, &ReportPart::findReport);
+    bench.askBeforeClosing = [this] { return askBeforeClosing(); };
     connect(bench.viewers->findChild<ReportPane *>(), &ReportPane::largeWanted, this,
             &ReportPart::showLarge);
     tellOfFailures();
@@ -120,14 +121,42 @@ void ReportPart::create() {
         publishReport();
 }
 
+/// The pages lie in the folder for scratch, where others may take their place.
+bool ReportPart::isThere(const Made &made) const {
+    std::error_code none;
+    return made.project == m_bench.program.state.projectDBPath &&
+           fs::is_regular_file(made.page, none);
+}
+
 fs::path ReportPart::lastReport() const {
-    const fs::path &project = m_bench.program.state.projectDBPath;
-    const auto isShown = [&project](const auto &made) {
-        std::error_code none;
-        return made.project == project && fs::is_regular_file(made.page, none);
-    };
-    const auto last = std::find_if(m_made.rbegin(), m_made.rend(), isShown);
+    const auto last = std::find_if(m_made.rbegin(), m_made.rend(),
+                                   [this](const Made &made) { return isThere(made); });
     return last == m_made.rend() ? fs::path() : last->page;
+}
+
+std::optional<bool> ReportPart::askBeforeClosing() {
+    std::vector<Made> lost;
+    for (const Made &made : m_made)
+        if (m_bench.isProjectOpen() && !made.isSettled && isThere(made))
+            lost.push_back(made);
+    if (lost.empty())
+        return std::nullopt;
+    const Answer answer = m_bench.examiner().ask(
+        messages::reportNotPublished(lost.size(), textOf(lost.front().page)));
+    if (answer != Answer::Yes && answer != Answer::No)
+        return false;
+    for (const Made &made : lost) {
+        if (answer == Answer::Yes && !publish(made.type))
+            return false;
+        settle(made.type);
+    }
+    return true;
+}
+
+/// A report of a type takes the place of the one before.
+void ReportPart::settle(int type) {
+    for (Made &made : m_made)
+        made.isSettled |= made.type == type && isThere(made);
 }
 
 /// The pane shows the report again of a project that is opened again: it lies in the folder for
@@ -175,7 +204,7 @@ void ReportPart::tellOf(const ReportTools &tools, bool finished) {
         m_bench.actions.openReportFolder->setEnabled(true);
         showReport(tools.report.reportFilePath);
         m_bench.showNotice(
-            tr("The report is ready, and goes when the program ends: Publish Report keeps it. %1")
+            tr("The report is ready; Publish Report keeps it when the program ends. %1")
                 .arg(pathToQt(tools.report.reportFilePath)));
         if (const auto notes = notesOf(tools.report); !notes.empty())
             m_bench.examiner().tell(messages::reportingError(
@@ -193,7 +222,8 @@ void ReportPart::tellOf(const ReportTools &tools, bool finished) {
 void ReportPart::showReport(const fs::path &page) {
     const auto failure = failureOf(m_bench.program.log, "ReportForm.OkBtn_Click()", [&] {
         std::erase_if(m_made, [&page](const Made &each) { return each.page == page; });
-        m_made.push_back({m_bench.program.state.projectDBPath, page});
+        m_made.push_back({m_bench.program.state.projectDBPath, page,
+                          readNumber(m_bench.program.settings, "ReportType")});
         m_bench.program.state.viewer.reportURL = page.string();
         auto *pane = m_bench.viewers->findChild<ReportPane *>();
         pane->refresh();
@@ -211,18 +241,22 @@ void ReportPart::withdrawReport() {
 }
 
 void ReportPart::publishReport() {
+    publish(readNumber(m_bench.program.settings, "ReportType"));
+}
+
+bool ReportPart::publish(int type) {
     const ProgramState &state = m_bench.program.state;
-    const int type = readNumber(m_bench.program.settings, "ReportType");
-    if (!isReportThere(ReportFolder::of(state.tempFolderPath, type), type))
-        return m_bench.examiner().tell(messages::nothingToPublish());
+    if (!isReportThere(ReportFolder::of(state.tempFolderPath, type), type)) {
+        m_bench.examiner().tell(messages::nothingToPublish());
+        return false;
+    }
     const auto target =
         m_bench.dialogs.chooseFolder(std::string(kChooseFolder), state.publishTempFolder);
     if (!target || !fs::is_directory(*target))
-        return;
+        return false;
     refuseEvidence(*target, m_bench.program.state);
-    if (m_bench.examiner().ask(messages::readyToPublish()) == Answer::Yes &&
-        mayReplace(*target, type))
-        publishTo(*target, type);
+    return m_bench.examiner().ask(messages::readyToPublish()) == Answer::Yes &&
+           mayReplace(*target, type) && publishTo(*target, type);
 }
 
 /// What an earlier report held and this one doesn't would be handed over with it. False when the
@@ -233,7 +267,7 @@ bool ReportPart::mayReplace(const fs::path &target, int type) const {
     return m_bench.examiner().ask(messages::replacePublished(textOf(target))) == Answer::Yes;
 }
 
-void ReportPart::publishTo(const fs::path &target, int type) {
+bool ReportPart::publishTo(const fs::path &target, int type) {
     Published published;
     std::optional<std::string> failure;
     m_bench.runTask({"PUBLISHING REPORT", "Copying report contents to output folder...", "", ""},
@@ -248,12 +282,17 @@ void ReportPart::publishTo(const fs::path &target, int type) {
                                             published);
                         });
                     });
-    if (failure)
+    if (failure) {
         m_bench.examiner().tell(messages::commandFailed(*failure));
-    else if (published.cancelled)
+        return false;
+    }
+    if (published.cancelled) {
         m_bench.showNotice(tr("Publishing was cancelled after %L1 files.").arg(published.files));
-    else
-        m_bench.examiner().tell(messages::reportPublished());
+        return false;
+    }
+    settle(type);
+    m_bench.examiner().tell(messages::reportPublished());
+    return true;
 }
 
 void ReportPart::openFolder() const {

@@ -3,6 +3,7 @@
 #include "ui/window/Workbench.h"
 
 #include <filesystem>
+#include <optional>
 #include <vector>
 
 namespace nv {
@@ -21,12 +22,17 @@ class ReportPart final : public QObject {
     struct Made {
         std::filesystem::path project;
         std::filesystem::path page;
+        int type = 0;           ///< as the settings have it
+        bool isSettled = false; ///< published, or the examiner lets it go
     };
 
     void create();
     /// The newest report of the open project that is still there; empty for none.
     std::filesystem::path lastReport() const;
     void findReport();
+    bool isThere(const Made &made) const;
+    void settle(int type);
+    std::optional<bool> askBeforeClosing();
     /// Leaves of the rows those that the report is of.
     bool chooseOptions(ReportTools &tools, RowIds &ids);
     void tellOf(const ReportTools &tools, bool finished);
@@ -34,9 +40,12 @@ class ReportPart final : public QObject {
     void showReport(const std::filesystem::path &page);
     void tellOfFailures();
     void withdrawReport();
+    /// That of the type which was made last.
     void publishReport();
+    /// False when it isn't published.
+    bool publish(int type);
     bool mayReplace(const std::filesystem::path &target, int type) const;
-    void publishTo(const std::filesystem::path &target, int type);
+    bool publishTo(const std::filesystem::path &target, int type);
     void openFolder() const;
 
     Workbench &m_bench;

@@ -1,6 +1,7 @@
 #include "ui/window/SearchProgress.h"
 
 #include "platform/qt/QtText.h"
+#include "ui/window/ElidedLabel.h"
 
 #include <QBoxLayout>
 #include <QLabel>
@@ -11,7 +12,7 @@ namespace nv {
 
 SearchProgress::SearchProgress(QWidget *parent) : QWidget(parent) {
     setObjectName(QStringLiteral("SearchProgress"));
-    m_label = new QLabel(tr("Making the search index"));
+    m_label = new ElidedLabel(tr("Making the search index"));
     m_label->setObjectName(QStringLiteral("labSearchIndex"));
     constexpr int kWidth = 120; // pixels
     constexpr int kWhole = 100;
@@ -45,6 +46,7 @@ void SearchProgress::showFraction(double fraction) {
     const QString left = toQt(m_left.text());
     m_label->setText(left.isEmpty() ? tr("Making the search index")
                                     : tr("Making the search index, %1").arg(left));
+    m_label->setToolTip(Qt::convertFromPlainText(m_label->text()));
     m_bar->setValue(static_cast<int>(fraction * m_bar->maximum()));
     show();
 }

@@ -21,7 +21,7 @@ class StatusLine {
 
     /// Rows, query, zone and base folder, when the table has a list.
     void showTable(TableTab &tab, const ProgramState &state);
-    /// Stands there until the examiner goes to another row.
+    /// Stands in place of query and base folder until the examiner goes to another row.
     void showNotice(const QString &text);
     /// Without a project the bar is empty.
     void setProjectOpen(bool open);
@@ -30,7 +30,7 @@ class StatusLine {
     void showParts();
 
     bool m_open = false;
-    QLabel *m_rows, *m_tagged, *m_notice, *m_query, *m_zone, *m_base;
+    QLabel *m_rows, *m_tagged, *m_zone, *m_notice, *m_query, *m_base;
 };
 
 } // namespace nv

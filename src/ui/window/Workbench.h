@@ -11,6 +11,9 @@
 #include <QObject>
 #include <QVariant>
 
+#include <functional>
+#include <optional>
+
 class QMenu;
 class QSplitter;
 
@@ -41,11 +44,16 @@ class Workbench final : public QObject {
     QWidget *card = nullptr; ///< what is known of the current record, beside the viewers
     QMenu *tags = nullptr;   ///< named tags of the chosen rows; made by their part
     Limits limits;           ///< whatever hides rows of the table
+    /// Asks about what would be lost with the open project; false when the examiner stays. Nothing
+    /// where there was nothing to ask about.
+    std::function<std::optional<bool>()> askBeforeClosing = [] { return std::nullopt; };
 
     Examiner &examiner() const { return program.around.examiner; }
     bool isProjectOpen() const { return program.state.projectDB.isOpen(); }
     /// False, and told, while the project is open for reading only.
     bool mayWrite() const;
+    /// False when the examiner thinks better of closing the project.
+    bool mayClose() const { return askBeforeClosing().value_or(true); }
     /// Of an open project only.
     SQLite::Database &project() const { return program.state.projectDB.connection(); }
     /// A text in the status bar until the examiner goes to another row.

@@ -45,6 +45,35 @@ TEST_F(ImportOverviewTest, onlyTheLastImportIsToldUnlessAllAreAskedFor) {
     EXPECT_EQ(all.found, 2U);
 }
 
+TEST_F(ImportOverviewTest, whatALaterImportReadIsMissingNoMore) {
+    addFile(ArtefactState::cutShort, "/mnt/a/History", "damaged");
+    addFile(ArtefactState::notReadYet, "/mnt/a/Cookies.plist", "a later form");
+    addEntry(trailEntry(UnreadPlace{"/mnt/a/locked", "permission denied"}));
+    endImport({.found = 3, .notReached = 1, .cancelled = true});
+    EXPECT_EQ(countNotRead(project.connection()), 4U) << "what wasn't reached isn't in the list";
+    addFile(ArtefactState::complete, "/mnt/a/History");
+    addFile(ArtefactState::notReadYet, "/mnt/a/Cookies.plist", "a later form");
+    addEntry(trailEntry(UnreadPlace{"/mnt/a/locked", "permission denied"}));
+    endImport();
+    EXPECT_EQ(overview(ImportScope::all).gaps.size(), 2U) << "told twice, missing once";
+    EXPECT_EQ(countNotRead(project.connection()), 3U);
+}
+
+TEST_F(ImportOverviewTest, anotherReadersSuccessHidesNoGap) {
+    addFile(ArtefactState::failed, "/mnt/a/page.htm", "not of this format");
+    ArtefactResult other;
+    other.path = "/mnt/a/page.htm";
+    other.readerKey = "html";
+    other.state = ArtefactState::complete;
+    addEntry(trailEntry(other, {}));
+    endImport();
+    EXPECT_EQ(countNotRead(project.connection()), 1U);
+}
+
+TEST_F(ImportOverviewTest, aProjectWithoutATrailLacksNothingThatIsKnown) {
+    EXPECT_EQ(countNotRead(project.connection()), 0U);
+}
+
 TEST_F(ImportOverviewTest, whatWasNotReadIsAmberWithFilePlaceAndReason) {
     addRow("", "", "");
     addFile(ArtefactState::complete);
