@@ -86,6 +86,26 @@ std::string foldedCase(std::string_view text) {
     return folded.text();
 }
 
+std::vector<std::string> codedForms(std::string_view text) {
+    std::vector<std::string> forms{foldedCase(text)};
+    if (isAscii(text))
+        return forms;
+    UErrorCode error = U_ZERO_ERROR;
+    for (const icu::Normalizer2 *form :
+         {icu::Normalizer2::getNFCInstance(error), icu::Normalizer2::getNFDInstance(error)}) {
+        if (U_FAILURE(error))
+            return forms;
+        const auto coded =
+            icu::UnicodeString::fromUTF8({text.data(), static_cast<int>(text.size())});
+        std::string other;
+        form->normalize(coded, error).toUTF8String(other);
+        other = foldedCase(other);
+        if (U_SUCCESS(error) && std::ranges::find(forms, other) == forms.end())
+            forms.push_back(std::move(other));
+    }
+    return forms;
+}
+
 bool isWordCharacter(std::int32_t character) {
     constexpr std::uint32_t kMask = U_GC_L_MASK | U_GC_N_MASK | U_GC_CO_MASK;
     return (U_GET_GC_MASK(character) & kMask) != 0;
@@ -128,6 +148,32 @@ std::vector<std::string> wordsOf(std::string_view text) {
     for (WordWalk walk(text); walk.next(word);)
         words.push_back(word.text);
     return words;
+}
+
+bool isWithoutWords(std::string_view text) {
+    bool hasWord = false;
+    for (std::size_t at = 0; at < text.size();) {
+        const UChar32 character = characterAt(text, at);
+        hasWord = hasWord || isWordCharacter(character);
+        switch (u_getIntPropertyValue(character, UCHAR_LINE_BREAK)) {
+        case U_LB_COMPLEX_CONTEXT:
+        case U_LB_CONDITIONAL_JAPANESE_STARTER:
+        case U_LB_H2:
+        case U_LB_H3:
+        case U_LB_JL:
+        case U_LB_JT:
+        case U_LB_JV:
+            return true;
+        case U_LB_IDEOGRAPHIC:
+        case U_LB_NONSTARTER:
+            if (isWordCharacter(character))
+                return true;
+            break;
+        default:
+            break;
+        }
+    }
+    return !hasWord;
 }
 
 } // namespace nv

@@ -28,6 +28,9 @@ class FoldedText {
 };
 
 std::string foldedCase(std::string_view text);
+/// The same of each way in which letters with marks can be coded, "é" as one or as two: as the text
+/// has it, composed, taken apart; each once. Names of files of some systems are taken apart.
+std::vector<std::string> codedForms(std::string_view text);
 
 /// A letter, a digit or what else words are made of.
 bool isWordCharacter(std::int32_t character);
@@ -53,5 +56,8 @@ class WordWalk {
 };
 
 std::vector<std::string> wordsOf(std::string_view text);
+/// Whether it can't be looked for by words: it has letters of a script that writes them without
+/// spaces or with endings, such as Chinese, Thai, Korean, or it has none at all.
+bool isWithoutWords(std::string_view text);
 
 } // namespace nv

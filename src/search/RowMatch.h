@@ -50,7 +50,7 @@ class RowMatch {
   private:
     /// A text that is looked for, ready to be compared.
     struct Sought {
-        std::string folded;
+        std::vector<std::string> forms; ///< codedForms()
         std::vector<std::string> words; ///< none for one that has only signs
     };
 
