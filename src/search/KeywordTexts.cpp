@@ -24,13 +24,14 @@ struct KeywordTexts::FoldedTerms {
         for (std::size_t term = 0; term < list.terms.size(); ++term) {
             if (list.terms[term].isExpression)
                 continue;
-            const std::string text = foldedCase(list.terms[term].text);
-            const auto [at, isNew] = places.try_emplace(text, folded.size());
-            if (isNew) {
-                folded.push_back(text);
-                terms.emplace_back();
+            for (const std::string &text : codedForms(list.terms[term].text)) {
+                const auto [at, isNew] = places.try_emplace(text, folded.size());
+                if (isNew) {
+                    folded.push_back(text);
+                    terms.emplace_back();
+                }
+                terms[at->second].push_back(static_cast<std::uint32_t>(term));
             }
-            terms[at->second].push_back(static_cast<std::uint32_t>(term));
         }
     }
     std::vector<std::string> folded;               ///< each once
@@ -85,7 +86,8 @@ KeywordTexts::KeywordTexts(const KeywordList &list, FoldedTerms &&plain)
         m_lengths.push_back(folded.size());
     m_isWholeWord.reserve(list.terms.size());
     for (const Keyword &term : list.terms)
-        m_isWholeWord.push_back(term.isWholeWord);
+        // In Chinese or Thai a word stands within what looks like one.
+        m_isWholeWord.push_back(term.isWholeWord && !isWithoutWords(term.text));
 }
 
 TextSpan KeywordTexts::originOf(std::size_t at, std::size_t end) const {
