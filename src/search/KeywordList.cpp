@@ -45,7 +45,7 @@ std::optional<std::string> faultOf(const Keyword &term) {
     if (term.text.size() > kMostTermBytes)
         return fmt::format("the term has {} bytes, and at most {} can be looked for",
                            term.text.size(), kMostTermBytes);
-    if (!term.isExpression && wordsOf(term.text).empty() && term.isWholeWord)
+    if (!term.isExpression && !hasLetters(term.text) && term.isWholeWord)
         return fmt::format("\"{}\" has no word in it", term.text);
     return term.isExpression ? Expression::faultIn(term.text) : std::nullopt;
 }

@@ -86,8 +86,7 @@ KeywordTexts::KeywordTexts(const KeywordList &list, FoldedTerms &&plain)
         m_lengths.push_back(folded.size());
     m_isWholeWord.reserve(list.terms.size());
     for (const Keyword &term : list.terms)
-        // In Chinese or Thai a word stands within what looks like one.
-        m_isWholeWord.push_back(term.isWholeWord && !isWithoutWords(term.text));
+        m_isWholeWord.push_back(term.isWholeWord);
 }
 
 TextSpan KeywordTexts::originOf(std::size_t at, std::size_t end) const {

@@ -1,5 +1,6 @@
 #include "search/RowMatch.h"
 
+#include "address/DomainNames.h"
 #include "base/Text.h"
 #include "readers/RecordKind.h"
 
@@ -23,7 +24,10 @@ bool isBefore(const SearchedRow &row, const SearchClause &clause) {
 } // namespace
 
 bool isOfHost(std::string_view host, std::string_view asked) {
-    return foldedCase(host).find(asked) != std::string::npos;
+    if (foldedCase(host).find(asked) != std::string::npos)
+        return true;
+    const auto readable = readableDomain(host);
+    return readable && foldedCase(*readable).find(asked) != std::string::npos;
 }
 
 bool isOfBrowser(std::string_view browser, std::string_view cacheType, std::string_view asked) {

@@ -1,5 +1,6 @@
 #include "search/SearchedRowReader.h"
 
+#include "address/DomainNames.h"
 #include "base/NoLog.h"
 #include "base/Text.h"
 #include "base/Trap.h"
@@ -75,6 +76,8 @@ void addTerms(SearchedRow &row, const std::string &parameters) {
     const std::string &referrer = row.at(SearchField::referrer);
     std::string &terms = row.at(SearchField::terms);
     terms.clear();
+    if (const auto host = readableDomain(row.at(SearchField::host)))
+        addLine(terms, *host);
     addDecoded(terms, address, "%");
     if (!parameters.empty() && address.find(parameters) == std::string::npos)
         addLine(terms, parameters);

@@ -165,6 +165,7 @@ TEST(KeywordTexts, findsLettersWithMarksHoweverTheyAreCoded) {
 TEST(KeywordTexts, findsWholeWordsOfScriptsWithoutSpaces) {
     EXPECT_THAT(inText("\"\u5929\u6C14\"\n\"tide\"", "\u4ECA\u5929\u5929\u6C14\u5F88\u597D tides"),
                 ElementsAre("\u5929\u6C14 1 at 6+6"));
+    EXPECT_THAT(inText("\"tide\"", "\u5929tide\u6C14 tides"), ElementsAre("tide 1 at 3+4"));
 }
 
 struct KeywordRunTest : testing::Test, SearchedProject {
