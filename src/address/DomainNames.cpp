@@ -92,4 +92,19 @@ std::optional<std::string> asciiDomain(std::string_view domain) {
     return name.toUTF8String(ascii);
 }
 
+std::optional<std::string> readableDomain(std::string_view domain) {
+    if (domain.size() > kMaxBytes || names() == nullptr ||
+        toLower(domain).find("xn--") == std::string::npos)
+        return std::nullopt;
+    icu::UnicodeString name;
+    icu::IDNAInfo info;
+    UErrorCode status = U_ZERO_ERROR;
+    const icu::StringPiece piece(domain.data(), static_cast<std::int32_t>(domain.size()));
+    names()->nameToUnicode(icu::UnicodeString::fromUTF8(piece), name, info, status);
+    if (U_FAILURE(status) || (info.getErrors() & ~kPassedOver) != 0)
+        return std::nullopt;
+    std::string readable;
+    return name.toUTF8String(readable);
+}
+
 } // namespace nv

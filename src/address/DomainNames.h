@@ -12,4 +12,8 @@ namespace nv {
 /// such with other letters: their coding takes time that grows with the square. `domain` is UTF-8.
 std::optional<std::string> asciiDomain(std::string_view domain);
 
+/// The name with the letters that it was coded from, "b\u00FCcher.de" for "xn--bcher-kva.de".
+/// Nothing for names that aren't coded, for those that can't be, and for long ones as above.
+std::optional<std::string> readableDomain(std::string_view domain);
+
 } // namespace nv

@@ -84,7 +84,7 @@ Exit run(Session &session, const Arguments &arguments) {
                                  arguments.words ? PlainTerms::wholeWords : PlainTerms::anywhere);
     SearchTraces traces(session, arguments.project, arguments.keep);
     Program &program = session.program;
-    session.task.describe({"KEYWORDS", "Looking for the terms of a list...", arguments.file, ""});
+    session.task.describe({"KEYWORDS", "Looking for the terms of a list...", asked->list.file, ""});
     const KeywordFound found = onProject(program.state.projectDB.connection(), [&] {
         return findKeywords(program.state.projectDB.connection(), *asked->terms, session.task);
     });
@@ -95,12 +95,8 @@ Exit run(Session &session, const Arguments &arguments) {
         writeTerms(session, arguments, asked->list, found);
     return traces.leave(
         tell(session, asked->list, found),
-        [&] {
-            noteKeywords(program, arguments.file, foundText(asked->list, found), found.rowsFound);
-        },
-        [&](const std::string &name) {
-            keepKeywords(program, name, {arguments.file, asked->list}, found);
-        });
+        [&] { noteKeywords(program, asked->list, foundText(asked->list, found), found.rowsFound); },
+        [&](const std::string &name) { keepKeywords(program, name, asked->list, found); });
 }
 
 } // namespace
@@ -119,7 +115,7 @@ Command keywordsCommand() {
                 {projectWord(given->project),
                  value("FILE", given->file,
                        "A text file with a term a line: a text, \"whole words\" or /expression/; "
-                       "\"#\" begins a comment")
+                       "\"#\" begins a comment; - for the standard input")
                      .required(),
                  flag("--words", given->words, "All terms are found as whole words alone"),
                  flag("--all", given->all, "List the terms that aren't found too"),

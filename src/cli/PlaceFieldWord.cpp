@@ -24,6 +24,8 @@ std::string_view wordOf(PlaceField field) {
         return "Hash sets";
     case PlaceField::HashSet:
         return "Hash set";
+    case PlaceField::Tag:
+        return "Tag";
     }
     return {};
 }

@@ -10,7 +10,7 @@ namespace nv::cli {
 
 namespace {
 
-enum class Tree { evidence, hosts, kinds, hashSets, all };
+enum class Tree { evidence, hosts, kinds, tags, hashSets, all };
 
 struct Arguments {
     std::string project;
@@ -55,6 +55,8 @@ void writePlaces(Session &session, const Arguments &arguments, const Places &pla
         text.write(places.hosts);
     if (wants(Tree::kinds))
         text.write(places.kinds);
+    if (wants(Tree::tags))
+        text.write(places.tags);
     if (wants(Tree::hashSets))
         text.write(places.hashSets);
     writer->finish();
@@ -85,7 +87,7 @@ Command placesCommand() {
             .what = "Where the rows of a project come from, with their numbers",
             .readme = {"`places PROJECT`",
                        "counts rows by folder, person, browser, profile and "
-                       "kind, hosts by registered domain, and hash sets; `--tree`"},
+                       "kind, hosts by registered domain, tags and hash sets; `--tree`"},
             .examples = {{"places case.nvp", "all trees"},
                          {"places case.nvp --tree hosts --format csv",
                           "hosts below the domains that somebody has registered"}},
@@ -94,6 +96,7 @@ Command placesCommand() {
                                        {{"evidence", Tree::evidence},
                                         {"hosts", Tree::hosts},
                                         {"kinds", Tree::kinds},
+                                        {"tags", Tree::tags},
                                         {"hash-sets", Tree::hashSets},
                                         {"all", Tree::all}},
                                        "Which tree"),

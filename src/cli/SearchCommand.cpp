@@ -7,9 +7,11 @@
 #include "cli/SharedArguments.h"
 #include "search/SearchedRowReader.h"
 #include "time/DateFormat.h"
+#include "views/SearchValues.h"
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <optional>
 
 namespace nv::cli {
@@ -68,6 +70,19 @@ Exit tell(Session &session, const Arguments &arguments, const SearchFound &found
     return tellUnsearched(session, found.unread, found.outside);
 }
 
+/// What of the search finds no row whatever else it says: a misspelled name is told, and isn't
+/// taken for a finding.
+void advise(Session &session, const RowMatch &match, const SearchFound &found) {
+    const bool mayExclude = std::ranges::any_of(match.query().clauses, &SearchClause::isExcluded);
+    if (interrupted || (!found.ids.empty() && !mayExclude) || !canBeAdvised(match.query()))
+        return;
+    SearchValues values;
+    if (loadSearchValues(session.program.state.projectDB.connection(), session.task, values) ==
+        Walk::Finished)
+        for (const std::string &advice : searchAdvice(match.query(), values))
+            session.err << printable(advice) << '\n';
+}
+
 Exit run(Session &session, const Arguments &arguments) {
     const SearchScope scope = arguments.values ? SearchScope::values : SearchScope::all;
     RowMatch match = searchAsked(session, arguments.text, scope);
@@ -81,8 +96,11 @@ Exit run(Session &session, const Arguments &arguments) {
         writeRows(session, arguments, found.ids, match);
     else
         writeCounts(session, arguments, found.counts);
+    const Exit exit = tell(session, arguments, found);
+    advise(session, match, found);
+    session.task.clear();
     return traces.leave(
-        tell(session, arguments, found),
+        exit,
         [&] {
             noteSearch(session.program, arguments.text,
                        static_cast<std::int64_t>(found.ids.size()));
@@ -108,8 +126,8 @@ Command searchCommand() {
             .arguments =
                 {projectWord(given->project),
                  value("TEXT", given->text,
-                       "Words, \"phrases\", -word, host:, browser:, kind:, before:, after:, "
-                       "/expression/")
+                       "Words, \"phrases\", -word, host:, browser:, kind:, tag:, hashset:, "
+                       "before:, after:, /expression/")
                      .required(),
                  flag("--values", given->values,
                       "Look through addresses, titles, notes and facts alone, not through pages "

@@ -121,6 +121,13 @@ TagCounts NamedTags::counts() const {
     return counts;
 }
 
+std::uint64_t NamedTags::rows() const {
+    if (!m_database.tableExists(kRecordTagsTable))
+        return 0;
+    return static_cast<std::uint64_t>(
+        m_database.execAndGet("SELECT count(DISTINCT URL_ID) FROM RecordTags").getInt64());
+}
+
 std::string NamedTags::faultOf(const NamedTag &tag) const {
     if (std::string fault = faultOfTagName(tag.name); !fault.empty())
         return fmt::format("\"{}\" can't be a tag: {}", tag.name, fault);

@@ -55,6 +55,8 @@ class NamedTags {
     std::optional<NamedTag> find(std::string_view name) const;
     std::optional<NamedTag> find(std::int64_t tagID) const;
     TagCounts counts() const;
+    /// How many rows have one or more.
+    std::uint64_t rows() const;
     /// Why a tag can't be kept so, for its name, its colour or another tag of the name; otherwise
     /// empty.
     std::string faultOf(const NamedTag &tag) const;

@@ -58,6 +58,33 @@ void appendOfWord(std::string &word, UChar32 character) {
         append(word, u_foldCase(withoutAccent(character), U_FOLD_CASE_DEFAULT));
 }
 
+bool isLetter(UChar32 character) {
+    constexpr std::uint32_t kMask = U_GC_L_MASK | U_GC_N_MASK | U_GC_CO_MASK;
+    return (U_GET_GC_MASK(character) & kMask) != 0;
+}
+
+/// A letter of a script whose words stand one behind the other, or with endings. A name in other
+/// letters among them is a word for all that.
+bool isSpaceless(UChar32 character) {
+    constexpr UChar32 kFirst = 0xE00; // all before are of other scripts
+    if (character < kFirst || !isLetter(character))
+        return false;
+    switch (u_getIntPropertyValue(character, UCHAR_LINE_BREAK)) {
+    case U_LB_COMPLEX_CONTEXT:
+    case U_LB_CONDITIONAL_JAPANESE_STARTER:
+    case U_LB_H2:
+    case U_LB_H3:
+    case U_LB_IDEOGRAPHIC:
+    case U_LB_JL:
+    case U_LB_JT:
+    case U_LB_JV:
+    case U_LB_NONSTARTER:
+        return true;
+    default:
+        return false;
+    }
+}
+
 } // namespace
 
 void FoldedText::fold(std::string_view text) {
@@ -86,9 +113,28 @@ std::string foldedCase(std::string_view text) {
     return folded.text();
 }
 
+std::vector<std::string> codedForms(std::string_view text) {
+    std::vector<std::string> forms{foldedCase(text)};
+    if (isAscii(text))
+        return forms;
+    UErrorCode error = U_ZERO_ERROR;
+    for (const icu::Normalizer2 *form :
+         {icu::Normalizer2::getNFCInstance(error), icu::Normalizer2::getNFDInstance(error)}) {
+        if (U_FAILURE(error))
+            return forms;
+        const auto coded =
+            icu::UnicodeString::fromUTF8({text.data(), static_cast<int>(text.size())});
+        std::string other;
+        form->normalize(coded, error).toUTF8String(other);
+        other = foldedCase(other);
+        if (U_SUCCESS(error) && std::ranges::find(forms, other) == forms.end())
+            forms.push_back(std::move(other));
+    }
+    return forms;
+}
+
 bool isWordCharacter(std::int32_t character) {
-    constexpr std::uint32_t kMask = U_GC_L_MASK | U_GC_N_MASK | U_GC_CO_MASK;
-    return (U_GET_GC_MASK(character) & kMask) != 0;
+    return isLetter(character) && !isSpaceless(character);
 }
 
 bool isWithinWord(std::string_view text, std::size_t place) {
@@ -128,6 +174,34 @@ std::vector<std::string> wordsOf(std::string_view text) {
     for (WordWalk walk(text); walk.next(word);)
         words.push_back(word.text);
     return words;
+}
+
+bool hasLetters(std::string_view text) {
+    for (std::size_t at = 0; at < text.size();)
+        if (isLetter(characterAt(text, at)))
+            return true;
+    return false;
+}
+
+bool isWithoutWords(std::string_view text) {
+    for (std::size_t at = 0; at < text.size();)
+        if (isSpaceless(characterAt(text, at)))
+            return true;
+    return !hasLetters(text);
+}
+
+const std::string &wordText(const std::string &text, std::string &buffer) {
+    if (isAscii(text))
+        return text;
+    buffer.clear();
+    for (std::size_t at = 0; at < text.size();) {
+        const std::size_t from = at;
+        if (isSpaceless(characterAt(text, at)))
+            buffer.push_back(' ');
+        else
+            buffer.append(text, from, at - from);
+    }
+    return buffer;
 }
 
 } // namespace nv

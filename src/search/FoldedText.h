@@ -28,8 +28,11 @@ class FoldedText {
 };
 
 std::string foldedCase(std::string_view text);
+/// The same of each way in which letters with marks can be coded, "é" as one or as two: as the text
+/// has it, composed, taken apart; each once. Names of files of some systems are taken apart.
+std::vector<std::string> codedForms(std::string_view text);
 
-/// A letter, a digit or what else words are made of.
+/// A letter, a digit or what else words are made of, but none of a script without spaces.
 bool isWordCharacter(std::int32_t character);
 /// Whether a word goes on across this place of a UTF-8 text.
 bool isWithinWord(std::string_view text, std::size_t place);
@@ -53,5 +56,13 @@ class WordWalk {
 };
 
 std::vector<std::string> wordsOf(std::string_view text);
+/// Whether it has a letter or a digit, of whatever script.
+bool hasLetters(std::string_view text);
+/// Whether it can't be looked for by words: it has letters of a script that writes them without
+/// spaces or with endings, such as Chinese, Thai, Korean, or it has none at all.
+bool isWithoutWords(std::string_view text);
+/// The text as its words are indexed, with blanks for letters of those scripts: the text itself, or
+/// one that lies in `buffer`.
+const std::string &wordText(const std::string &text, std::string &buffer);
 
 } // namespace nv

@@ -1,6 +1,7 @@
 #include "search/IndexFill.h"
 
 #include "base/Text.h"
+#include "search/FoldedText.h"
 #include "search/IndexFile.h"
 
 #include <SQLiteCpp/Database.h>
@@ -148,8 +149,8 @@ void IndexFill::insert(const SearchedRow &row, std::uint64_t print) {
     const std::string &headers = row.at(SearchField::headers);
     if (!page.empty() || !headers.empty()) {
         m_words.bind(1, doc);
-        bindText(m_words, 2, page);
-        bindText(m_words, 3, headers);
+        bindText(m_words, 2, wordText(page, m_pageWords));
+        bindText(m_words, 3, wordText(headers, m_headerWords));
         m_words.exec();
         m_words.reset();
     }

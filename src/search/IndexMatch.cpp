@@ -38,7 +38,10 @@ std::string phrase(std::string_view text) {
 } // namespace
 
 bool isTold(const SearchClause &clause) {
-    return clause.kind == ClauseKind::text && lettersOf(clause.text) >= kLeastLetters;
+    return clause.kind == ClauseKind::text &&
+           std::ranges::all_of(codedForms(clause.text), [](const std::string &form) {
+               return lettersOf(form) >= kLeastLetters;
+           });
 }
 
 std::string wordMatchOf(const SearchClause &clause) {
@@ -47,7 +50,10 @@ std::string wordMatchOf(const SearchClause &clause) {
 }
 
 std::string runMatchOf(const SearchClause &clause) {
-    return phrase(clause.text);
+    std::string match;
+    for (const std::string &form : codedForms(clause.text))
+        match += (match.empty() ? "" : " OR ") + phrase(form);
+    return '(' + match + ')';
 }
 
 } // namespace nv

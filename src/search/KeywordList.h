@@ -1,5 +1,7 @@
 #pragma once
 
+#include "base/Digest.h"
+
 #include <cstddef>
 #include <filesystem>
 #include <string>
@@ -20,6 +22,8 @@ struct Keyword {
 struct KeywordList {
     std::vector<Keyword> terms; ///< each once, in the order of the file
     std::size_t repeated = 0;   ///< lines that say again what another says
+    std::string file;           ///< where it was read: the whole name, or "standard input"
+    FileHashes hashes;          ///< of what was read there
 };
 
 /// Whether a term without signs is found within words.
@@ -32,7 +36,8 @@ enum class PlainTerms { anywhere, wholeWords };
 KeywordList parseKeywords(std::string_view text, const std::string &name,
                           PlainTerms plain = PlainTerms::anywhere);
 
-/// The same of a file in UTF-8, UTF-16 with its mark, or Windows-1252. Throws FileFailure too.
+/// The same of a file in UTF-8, UTF-16 with its mark, or Windows-1252. "-" is the standard input; a
+/// pipe is read to its end. Throws FileFailure too.
 KeywordList readKeywords(const std::filesystem::path &file,
                          PlainTerms plain = PlainTerms::anywhere);
 

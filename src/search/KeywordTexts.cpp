@@ -24,13 +24,14 @@ struct KeywordTexts::FoldedTerms {
         for (std::size_t term = 0; term < list.terms.size(); ++term) {
             if (list.terms[term].isExpression)
                 continue;
-            const std::string text = foldedCase(list.terms[term].text);
-            const auto [at, isNew] = places.try_emplace(text, folded.size());
-            if (isNew) {
-                folded.push_back(text);
-                terms.emplace_back();
+            for (const std::string &text : codedForms(list.terms[term].text)) {
+                const auto [at, isNew] = places.try_emplace(text, folded.size());
+                if (isNew) {
+                    folded.push_back(text);
+                    terms.emplace_back();
+                }
+                terms[at->second].push_back(static_cast<std::uint32_t>(term));
             }
-            terms[at->second].push_back(static_cast<std::uint32_t>(term));
         }
     }
     std::vector<std::string> folded;               ///< each once

@@ -1,5 +1,6 @@
 #include "search/RowMatch.h"
 
+#include "address/DomainNames.h"
 #include "base/Text.h"
 #include "readers/RecordKind.h"
 
@@ -23,7 +24,10 @@ bool isBefore(const SearchedRow &row, const SearchClause &clause) {
 } // namespace
 
 bool isOfHost(std::string_view host, std::string_view asked) {
-    return foldedCase(host).find(asked) != std::string::npos;
+    if (foldedCase(host).find(asked) != std::string::npos)
+        return true;
+    const auto readable = readableDomain(host);
+    return readable && foldedCase(*readable).find(asked) != std::string::npos;
 }
 
 bool isOfBrowser(std::string_view browser, std::string_view cacheType, std::string_view asked) {
@@ -82,16 +86,22 @@ RowMatch::RowMatch(SearchQuery query, SearchScope scope)
     : m_query(std::move(query)), m_scope(scope), m_marked(m_query.clauses.size()) {
     m_sought.reserve(m_query.clauses.size());
     for (const SearchClause &clause : m_query.clauses)
-        m_sought.push_back({foldedCase(clause.text), wordsOf(clause.text)});
+        m_sought.push_back({codedForms(clause.text), wordsOf(clause.text)});
 }
 
 std::optional<TextSpan> RowMatch::findPart(const Sought &sought, std::string_view text) {
     m_folded.fold(text);
-    const std::size_t at = m_folded.text().find(sought.folded);
+    std::size_t at = std::string::npos;
+    std::size_t end = 0;
+    for (const std::string &form : sought.forms)
+        if (const std::size_t found = m_folded.text().find(form); found < at) {
+            at = found;
+            end = found + form.size();
+        }
     if (at == std::string::npos)
         return std::nullopt;
     const std::size_t from = m_folded.origin(at);
-    return TextSpan{from, m_folded.origin(at + sought.folded.size()) - from};
+    return TextSpan{from, m_folded.origin(end) - from};
 }
 
 std::optional<TextSpan> RowMatch::find(std::size_t clause, SearchField field, std::string_view text,
@@ -112,7 +122,7 @@ std::optional<TextSpan> RowMatch::find(std::size_t clause, SearchField field, st
 
 bool RowMatch::meetsClause(std::size_t clause, const SearchedRow &row) {
     const SearchClause &asked = m_query.clauses.at(clause);
-    const std::string &folded = m_sought.at(clause).folded;
+    const std::string &folded = m_sought.at(clause).forms.front();
     switch (asked.kind) {
     case ClauseKind::host:
         return isOfHost(row.at(SearchField::host), folded);
@@ -171,12 +181,13 @@ void RowMatch::gather(std::size_t clause, std::string_view text, std::size_t mos
         return;
     }
     m_folded.fold(text);
-    const std::string &part = m_sought.at(clause).folded;
-    for (std::size_t at = m_folded.text().find(part); at != std::string::npos && into.size() < end;
-         at = m_folded.text().find(part, at + part.size())) {
-        const std::size_t from = m_folded.origin(at);
-        into.push_back({from, m_folded.origin(at + part.size()) - from});
-    }
+    for (const std::string &part : m_sought.at(clause).forms)
+        for (std::size_t at = m_folded.text().find(part);
+             at != std::string::npos && into.size() < end;
+             at = m_folded.text().find(part, at + part.size())) {
+            const std::size_t from = m_folded.origin(at);
+            into.push_back({from, m_folded.origin(at + part.size()) - from});
+        }
     // A word may be spelled with accents there, and other signs may stand between two.
     const std::size_t last = into.size() + most;
     walkWords(m_sought.at(clause).words, m_query.clauses.at(clause).anyEnd, text,

@@ -50,7 +50,7 @@ class RowMatch {
   private:
     /// A text that is looked for, ready to be compared.
     struct Sought {
-        std::string folded;
+        std::vector<std::string> forms; ///< codedForms()
         std::vector<std::string> words; ///< none for one that has only signs
     };
 
@@ -74,6 +74,7 @@ std::optional<TextSpan> findWords(const std::vector<std::string> &words, bool an
                                   std::string_view text, std::size_t from = 0);
 
 // What host:, browser: and kind: mean. `asked` has its letters folded.
+/// Coded names ("xn--...") are those that they are coded from, too.
 bool isOfHost(std::string_view host, std::string_view asked);
 /// The name of the browser; where a row names none, that of the family that its kind tells of.
 bool isOfBrowser(std::string_view browser, std::string_view cacheType, std::string_view asked);

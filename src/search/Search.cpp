@@ -2,6 +2,7 @@
 
 #include "db/SqliteErrors.h"
 #include "readers/RecordKind.h"
+#include "search/IndexMatch.h"
 #include "search/MarkedRows.h"
 #include "search/SearchedRowReader.h"
 
@@ -201,7 +202,9 @@ SearchFound findOnce(SQLite::Database &project, SearchIndex &index, RowMatch &ma
 
 bool needsParts(const RowMatch &match) {
     return match.scope() == SearchScope::all &&
-           std::ranges::any_of(match.query().clauses, &SearchClause::anyPart);
+           std::ranges::any_of(match.query().clauses, [](const SearchClause &clause) {
+               return clause.anyPart && isTold(clause);
+           });
 }
 
 SearchFound findIndexed(SQLite::Database &project, SearchIndex &index, RowMatch &match,

@@ -1,10 +1,12 @@
 #include "search/SearchQuery.h"
 
 #include "base/Text.h"
+#include "search/FoldedText.h"
 #include "search/SearchFailure.h"
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <array>
 #include <charconv>
 #include <optional>
@@ -33,7 +35,12 @@ constexpr std::array<Operator, 7> kOperators = {{{"host:", ClauseKind::host},
 /// What is left of the box's text, from the left.
 class Words {
   public:
-    explicit Words(std::string_view text) : m_rest(text) {}
+    explicit Words(std::string_view text) : m_text(text), m_rest(text) {}
+
+    /// In bytes.
+    std::size_t place() const { return m_text.size() - m_rest.size(); }
+    /// As people count, from 1.
+    std::size_t letter() const { return charCount(m_text.substr(0, place())) + 1; }
 
     bool skipBlanks() {
         m_rest.remove_prefix(std::min(m_rest.find_first_not_of(kBlanks), m_rest.size()));
@@ -93,6 +100,7 @@ class Words {
         return taken;
     }
 
+    std::string_view m_text;
     std::string_view m_rest;
 };
 
@@ -125,41 +133,98 @@ void takeStars(SearchClause &clause) {
     clause.text = std::string(text);
 }
 
-SearchClause clauseOf(const Operator &given, std::string value) {
+constexpr std::string_view kDateExpected =
+    "a date such as 2011, 2011-03, 2011-03-01 or 2011-03-01T15:30 was expected";
+
+/// `letter` is where its value begins.
+SearchClause clauseOf(const Operator &given, std::string value, std::size_t letter) {
+    const bool isDate = given.kind == ClauseKind::before || given.kind == ClauseKind::after;
     if (trim(value).empty())
-        throw SearchFailure(fmt::format("\"{}\" needs a value behind it", given.word));
+        throw SearchFailure(fmt::format("letter {}: \"{}\" needs a value behind it{}", letter,
+                                        given.word,
+                                        isDate ? fmt::format(": {}", kDateExpected) : ""));
     SearchClause clause{.kind = given.kind, .text = std::move(value)};
-    if (given.kind != ClauseKind::before && given.kind != ClauseKind::after)
+    if (!isDate)
         return clause;
     clause.date = searchDate(clause.text);
     if (!clause.date.has())
-        throw SearchFailure(fmt::format("\"{}{}\": a date such as 2011, 2011-03, 2011-03-01 or "
-                                        "2011-03-01T15:30 was expected",
-                                        given.word, clause.text));
+        throw SearchFailure(
+            fmt::format("letter {}: \"{}{}\": {}", letter, given.word, clause.text, kDateExpected));
+    return clause;
+}
+
+/// `letter` is where it begins.
+SearchClause clauseOf(std::string expression, std::size_t letter) {
+    if (const auto fault = Expression::faultIn(expression))
+        throw SearchFailure(fmt::format("letter {}: {}", letter, *fault));
+    SearchClause clause{.kind = ClauseKind::expression, .text = expression};
+    clause.expression = std::make_shared<const Expression>(std::move(expression));
     return clause;
 }
 
 SearchClause nextClause(Words &words) {
     const bool isExcluded = words.takeMinus();
     SearchClause clause;
+    const std::size_t begin = words.letter();
     if (const Operator *given = words.takeOperator()) {
+        const std::size_t letter = words.letter();
         auto quoted = words.takeQuoted();
-        clause = clauseOf(*given, quoted ? std::move(*quoted) : words.takeWord());
+        clause = clauseOf(*given, quoted ? std::move(*quoted) : words.takeWord(), letter);
     } else if (auto phrase = words.takeQuoted()) {
         clause.text = std::move(*phrase);
     } else if (auto expression = words.takeExpression()) {
-        clause.kind = ClauseKind::expression;
-        clause.text = *expression;
-        clause.expression = std::make_shared<const Expression>(std::move(*expression));
+        clause = clauseOf(std::move(*expression), begin);
     } else {
         clause.text = words.takeWord();
         takeStars(clause);
     }
     clause.isExcluded = isExcluded;
+    // Whoever looks for words in these would miss what stands there.
+    if (clause.kind == ClauseKind::text && isWithoutWords(clause.text)) {
+        clause.anyPart = true;
+        clause.anyEnd = false;
+    }
     return clause;
 }
 
+/// Goes behind the words of a clause without reading what they say.
+void passOver(Words &words) {
+    static_cast<void>(words.takeQuoted() || words.takeExpression() || !words.takeWord().empty());
+}
+
 } // namespace
+
+std::optional<TypedOperator> operatorAt(std::string_view text, std::size_t place) {
+    for (Words words(text); words.skipBlanks() && words.place() <= place;) {
+        words.takeMinus();
+        const Operator *given = words.takeOperator();
+        if (given == nullptr) {
+            passOver(words);
+            continue;
+        }
+        TypedOperator typed{given->kind, {}, words.place(), 0};
+        if (const auto quoted = words.takeQuoted())
+            typed.value = *quoted;
+        else
+            typed.value = words.takeWord();
+        typed.length = words.place() - typed.at;
+        if (typed.at <= place && place <= typed.at + typed.length)
+            return typed;
+    }
+    return std::nullopt;
+}
+
+std::string operatorValue(std::string_view value) {
+    const bool isWord =
+        !value.empty() && value.find_first_of(" \t\r\n\"") == std::string_view::npos;
+    return isWord ? std::string(value)
+                  : fmt::format("\"{}\"", replaceAll(value, std::string_view("\""), "\"\""));
+}
+
+std::string_view operatorWord(ClauseKind kind) {
+    const auto *const found = std::ranges::find(kOperators, kind, &Operator::kind);
+    return found == kOperators.end() ? std::string_view() : found->word;
+}
 
 Date searchDate(std::string_view text) {
     const std::size_t gap = text.find('T');

@@ -5,6 +5,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -33,7 +34,8 @@ struct SearchClause {
     bool isExcluded = false; ///< rows that meet it are left out
     std::string text;        ///< what is looked for; of a date as it was written
     /// Of a text: in pages and headers too a part of a word is enough ("*tide*"), or its beginning
-    /// ("tide*"). In whole values a part always is.
+    /// ("tide*"). In whole values a part always is, and so it is everywhere of a text that
+    /// isWithoutWords().
     bool anyPart = false;
     bool anyEnd = false;
     std::shared_ptr<const Expression> expression = nullptr;
@@ -48,8 +50,23 @@ struct SearchQuery {
 /// Reads what stands in the search box: words, "phrases", -word, host:, browser:, kind:, tag:,
 /// hashset:, before:, after:, /expression/. A quotation mark that isn't closed goes on to the end,
 /// since a search is made while it is typed. Throws SearchFailure for an operator without a value,
-/// a date or an expression that can't be read, and when there is nothing to look for or too much.
+/// a date or an expression that can't be read, with its letter, and when there is nothing to look
+/// for or too much.
 SearchQuery parseSearch(std::string_view text);
+
+/// An operator in whose value somebody writes.
+struct TypedOperator {
+    ClauseKind kind = ClauseKind::host;
+    std::string value;      ///< as far as it is there, without quotation marks
+    std::size_t at = 0;     ///< of the value with its marks, in bytes
+    std::size_t length = 0; ///< of the same
+};
+/// The operator whose value stands at this place of the box's text, in bytes; nothing elsewhere.
+std::optional<TypedOperator> operatorAt(std::string_view text, std::size_t place);
+/// A value as it is written behind an operator: in quotation marks where that is needed.
+std::string operatorValue(std::string_view value);
+/// "kind:"; empty for texts and expressions.
+std::string_view operatorWord(ClauseKind kind);
 
 /// "2011", "2011-03", "2011-03-01" or "2011-03-01T15:30[:00]": its first second. No date for
 /// anything else.

@@ -19,7 +19,7 @@ enum class SearchField : std::uint8_t {
     user,
     notes,
     referrer,
-    terms, ///< what an address or a cookie says when its coding is undone
+    terms, ///< what an address, a referrer or a cookie says when its coding is undone
     facts, ///< a line each
     page,
     headers,

@@ -1,5 +1,6 @@
 #include "search/SearchedRowReader.h"
 
+#include "address/DomainNames.h"
 #include "base/NoLog.h"
 #include "base/Text.h"
 #include "base/Trap.h"
@@ -53,22 +54,36 @@ void addLine(std::string &lines, std::string_view line) {
     lines.append(line);
 }
 
-/// What the address says to people, where that isn't what stands in it.
+void addDecoded(std::string &terms, const std::string &text, std::string_view coded) {
+    if (text.find_first_of(coded) == std::string::npos)
+        return;
+    const bool isForm = coded.find('+') != std::string_view::npos;
+    if (const std::string decoded = percentDecode(isForm ? replaceAll(text, "+", " ") : text);
+        decoded != text)
+        addLine(terms, decoded);
+}
+
+/// What forms and scripts put into an address, where "+" stands for a blank.
+std::string parametersIn(const std::string &address) {
+    const std::size_t at = address.find_first_of("?#");
+    return at == std::string::npos ? std::string() : address.substr(at + 1);
+}
+
+/// What the address and the one before it say to people, where that isn't what stands in them. Not
+/// each reader cuts the parameters from an address.
 void addTerms(SearchedRow &row, const std::string &parameters) {
     const std::string &address = row.at(SearchField::address);
+    const std::string &referrer = row.at(SearchField::referrer);
     std::string &terms = row.at(SearchField::terms);
     terms.clear();
-    if (address.find('%') != std::string::npos)
-        if (const std::string decoded = percentDecode(address); decoded != address)
-            addLine(terms, decoded);
-    if (parameters.empty())
-        return;
-    if (address.find(parameters) == std::string::npos)
+    if (const auto host = readableDomain(row.at(SearchField::host)))
+        addLine(terms, *host);
+    addDecoded(terms, address, "%");
+    if (!parameters.empty() && address.find(parameters) == std::string::npos)
         addLine(terms, parameters);
-    if (parameters.find_first_of("+%") != std::string::npos)
-        if (const std::string decoded = percentDecode(replaceAll(parameters, "+", " "));
-            decoded != parameters)
-            addLine(terms, decoded);
+    addDecoded(terms, parameters.empty() ? parametersIn(address) : parameters, "+%");
+    addDecoded(terms, referrer, "%");
+    addDecoded(terms, parametersIn(referrer), "+%");
 }
 
 FactValue valueIn(const SQLite::Column &column) {

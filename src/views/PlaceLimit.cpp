@@ -3,10 +3,12 @@
 #include "base/DisplayText.h"
 #include "db/FoundHashSets.h"
 #include "db/HashLookup.h"
+#include "db/NamedTags.h"
 #include "search/FoundIds.h"
 #include "views/EvidenceOfRow.h"
 #include "views/NarrowIndex.h"
 #include "views/PlaceFunctions.h"
+#include "views/TagLimit.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>
 #include <fmt/format.h>
@@ -34,6 +36,8 @@ std::string_view nameOfNone(PlaceField field) {
     case PlaceField::Domain:
     case PlaceField::Host:
         return "(no host)";
+    case PlaceField::Tag:
+        return "(untagged)";
     default:
         return "(no kind)";
     }
@@ -44,8 +48,8 @@ std::string_view nameOfNone(PlaceField field) {
 class PlaceCondition {
   public:
     explicit PlaceCondition(SQLite::Database &project)
-        : m_evidence(evidenceExpression(project)), m_hasOrigin(hasOriginColumns(project)),
-          m_hasFacts(hasFacts(project)) {}
+        : m_project(project), m_evidence(evidenceExpression(project)),
+          m_hasOrigin(hasOriginColumns(project)), m_hasFacts(hasFacts(project)) {}
 
     std::string of(const PlaceChoice &choice) {
         std::vector<std::string> parts;
@@ -100,6 +104,8 @@ class PlaceCondition {
         case PlaceField::HashSet:
             return isInSet(fmt::format("SELECT URL_ID FROM RecordFacts WHERE {} AND {}",
                                        hashSetFacts(), isOne("Value", value)));
+        case PlaceField::Tag:
+            return nv::conditionOf(tagLimitOf(NamedTags(m_project).list(), value), m_project);
         default:
             return isOne("Host", value) + " COLLATE NOCASE";
         }
@@ -115,6 +121,7 @@ class PlaceCondition {
         return m_hasFacts ? fmt::format("URL_ID IN ({})", rows) : "0";
     }
 
+    SQLite::Database &m_project;
     std::string m_evidence;
     bool m_hasOrigin;
     bool m_hasFacts;
@@ -187,6 +194,17 @@ IdQuery placeQuery(SQLite::Database &project, const PlaceChoice &choice) {
     PlaceCondition condition(project);
     const std::string text = condition.of(choice);
     return {"SELECT URL_ID FROM URLs WHERE " + text, condition.bound()};
+}
+
+Walk placeRows(SQLite::Database &project, const PlaceChoice &choice, TaskMonitor &task, RowIds &ids,
+               UnreadRows &unread) {
+    FoundRows found;
+    const Walk walk = findRows(project, placeQuery(project, choice), RecordFilters(), task, found);
+    ids = std::move(found.ids);
+    unread = std::move(found.lost);
+    std::erase_if(ids, [&unread](std::int32_t id) { return unread.contains(id); });
+    std::ranges::sort(ids);
+    return walk;
 }
 
 Walk keepIn(SQLite::Database &project, const PlaceChoice &choice, TaskMonitor &task, RowIds &ids) {

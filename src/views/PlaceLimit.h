@@ -21,6 +21,7 @@ enum class PlaceField : std::uint8_t {
     Host,        ///< in small letters
     HashMeaning, ///< wordOf() the meaning of a hash set that its file is in
     HashSet,     ///< the name of one
+    Tag,         ///< the name of a tag; empty for rows without any
 };
 
 /// An empty value stands for rows that have none.
@@ -63,6 +64,11 @@ IdQuery placeQuery(SQLite::Database &project, const PlaceChoice &choice);
 /// Takes the other rows out of `ids`, but for those of which nobody can tell since the project is
 /// damaged; a cancel leaves all. Throws what the database says.
 Walk keepIn(SQLite::Database &project, const PlaceChoice &choice, TaskMonitor &task, RowIds &ids);
+
+/// The rows of a choice, ascending, however the project is damaged: `unread` are those of which
+/// nobody can tell. Throws what the database says.
+Walk placeRows(SQLite::Database &project, const PlaceChoice &choice, TaskMonitor &task, RowIds &ids,
+               UnreadRows &unread);
 
 /// Whether table `URLs` says of browser, profile and person: that of an earlier build doesn't.
 bool hasOriginColumns(SQLite::Database &project);

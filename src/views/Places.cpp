@@ -265,9 +265,27 @@ Walk countRows(SQLite::Database &project, TaskMonitor &task, Places &places) {
 
 } // namespace
 
+std::vector<PlaceNode> tagPlaces(SQLite::Database &project, std::uint64_t records) {
+    const NamedTags tags(project);
+    const TagCounts counts = tags.counts();
+    std::vector<PlaceNode> nodes;
+    for (const NamedTag &tag : tags.list()) {
+        const auto count = counts.find(tag.tagID);
+        nodes.push_back(
+            {.term = {PlaceField::Tag, tag.name},
+             .records = count == counts.end() ? 0 : static_cast<std::uint64_t>(count->second)});
+    }
+    const std::uint64_t tagged = std::min(tags.rows(), records);
+    nodes.push_back({.term = {PlaceField::Tag, ""}, .records = records - tagged});
+    return nodes;
+}
+
 Walk loadPlaces(SQLite::Database &project, TaskMonitor &task, Places &places) {
     places = {};
     const Walk walk = countRows(project, task, places);
+    if (walk == Walk::Finished && places.records > 0 &&
+        !unlessDamaged([&] { places.tags = tagPlaces(project, places.records); }))
+        places.tags.clear();
     if (walk == Walk::Finished && !unlessDamaged([&] { places.hashSets = hashSetPlaces(project); }))
         places.hashSets.clear();
     return walk;

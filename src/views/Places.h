@@ -1,5 +1,6 @@
 #pragma once
 
+#include "db/NamedTags.h"
 #include "views/PlaceLimit.h"
 
 #include <cstdint>
@@ -24,11 +25,17 @@ struct Places {
     std::vector<PlaceNode> hosts;
     /// Group, kind; in the order of the groups.
     std::vector<PlaceNode> kinds;
+    /// Tags in their order, and behind them the rows without any. A row may have several.
+    std::vector<PlaceNode> tags;
     /// What hash sets are for, set; notable ones first. A row may be in several.
     std::vector<PlaceNode> hashSets;
     std::uint64_t records = 0;
     UnreadRows unread; ///< rows that no place counts, since the project is damaged there
 };
+
+/// The tags of a project with their rows, of which there are so many in all. They change while the
+/// rows stay. Throws what the database says.
+std::vector<PlaceNode> tagPlaces(SQLite::Database &project, std::uint64_t records);
 
 /// Counts all rows in one pass. Throws what the database says; a cancel leaves `places` empty.
 Walk loadPlaces(SQLite::Database &project, TaskMonitor &task, Places &places);

@@ -1,6 +1,6 @@
 #include "views/TagLimit.h"
 
-#include "db/NamedTags.h"
+#include "base/DisplayText.h"
 
 #include <SQLiteCpp/Database.h>
 #include <fmt/ranges.h>
@@ -38,6 +38,10 @@ Walk rowsOf(SQLite::Database &project, const std::string &statement, TaskMonitor
     return walk;
 }
 
+bool hasTag(const TagLimit &limit, std::int64_t tagID) {
+    return std::ranges::find(limit.tagIDs, tagID) != limit.tagIDs.end();
+}
+
 } // namespace
 
 std::string conditionOf(const TagLimit &limit, SQLite::Database &project) {
@@ -60,6 +64,44 @@ Walk keepTagged(SQLite::Database &project, const TagLimit &limit, TaskMonitor &t
         return !isIn;
     });
     return Walk::Finished;
+}
+
+bool isOfTags(const PlaceLimit &place) {
+    return !place.terms.empty() && place.terms.front().field == PlaceField::Tag;
+}
+
+TagLimit tagLimitOf(const std::vector<NamedTag> &tags, const std::string &name) {
+    TagLimit limit{{}, name.empty()};
+    for (const NamedTag &tag : tags)
+        if (!name.empty() && tag.name == name)
+            limit.tagIDs.push_back(tag.tagID);
+    return limit;
+}
+
+bool hasAll(const TagLimit &limit, const TagLimit &part) {
+    return !part.isEmpty() && (limit.untagged || !part.untagged) &&
+           std::ranges::all_of(part.tagIDs, [&](std::int64_t id) { return hasTag(limit, id); });
+}
+
+void flipAll(TagLimit &limit, const TagLimit &part) {
+    const bool goes = hasAll(limit, part);
+    limit.untagged = part.untagged ? !goes : limit.untagged;
+    for (const std::int64_t tagID : part.tagIDs) {
+        std::erase(limit.tagIDs, tagID);
+        if (!goes)
+            limit.tagIDs.push_back(tagID);
+    }
+}
+
+std::string tagLimitText(const std::vector<NamedTag> &tags, const TagLimit &limit) {
+    std::vector<std::string> names;
+    for (const std::int64_t tagID : limit.tagIDs) {
+        const auto tag = std::ranges::find(tags, tagID, &NamedTag::tagID);
+        names.push_back(tag == tags.end() ? "(deleted)" : displayText(tag->name));
+    }
+    if (limit.untagged)
+        names.push_back(placeName({PlaceField::Tag, ""}));
+    return fmt::format("{}", fmt::join(names, " or "));
 }
 
 } // namespace nv

@@ -46,6 +46,13 @@ TEST_F(PlacesCliTest, treesAreListedWithTheirCounts) {
     EXPECT_THAT(all.out, HasSubstr("\"Is\":\"Kind\""));
 }
 
+TEST_F(PlacesCliTest, tagsAreATree) {
+    ASSERT_EQ(cli({"tag", project, "2", "--name", "Import, ant"}).exit, 0);
+    EXPECT_EQ(cli({"places", project, "--tree", "tags", "--format", "csv"}).out,
+              "Place,Is,Records,Level\r\n\"Import, ant\",Tag,1,0\r\n,Tag,2,0\r\n");
+    EXPECT_THAT(cli({"places", project}).out, HasSubstr("(untagged)"));
+}
+
 TEST_F(PlacesCliTest, foldersThatAreImportedTogetherStandApart) {
     const auto history = [](const char *user) {
         IndexDat index;

@@ -1,3 +1,4 @@
+#include "base/Digest.h"
 #include "base/Text.h"
 #include "cli/CliCase.h"
 #include "search/IndexFile.h"
@@ -84,6 +85,49 @@ TEST_F(SearchCliTest, saysWhatItCannotRead) {
     EXPECT_EQ(search("after:noon").exit, 1);
     EXPECT_FALSE(fs::exists(index()));
     EXPECT_EQ(cli({"search", (folder.path() / "none.nvp").string(), "x"}).exit, 3);
+}
+
+/// A list that comes through a pipe is read once, and the trail has its hashes.
+TEST_F(SearchCliTest, aListComesThroughAPipe) {
+    const auto piped = [this](const std::string &list, const std::string &name) {
+        return runProgram("/bin/sh",
+                          {"-c",
+                           "printf \"$0\" | \"$1\" keywords \"$2\" \"$3\" --format tsv "
+                           "--keep \"Of $3\"",
+                           list, cliProgram().string(), project, name},
+                          folder.path() / "home");
+    };
+    for (const char *name : {"-", "/dev/stdin"}) {
+        const CliResult run = piped("dover\\r\\ntide\\n", name);
+        EXPECT_EQ(run.exit, 0) << run.err;
+        EXPECT_EQ(run.out, "Term\tRows\tHits\tLine\ndover\t2\t2\t1\ntide\t1\t2\t2\n");
+    }
+    const std::string trail = cli({"trail", project, "--format", "tsv"}).out;
+    EXPECT_THAT(trail, HasSubstr("standard input"));
+    EXPECT_THAT(trail,
+                HasSubstr(hashesOfFile(folder.write("terms.txt", "dover\r\ntide\n"))->sha256));
+    const CliResult none = piped("", "-");
+    EXPECT_EQ(none.exit, 1);
+    EXPECT_THAT(none.err, HasSubstr("\"standard input\" is empty: a line for each term was "
+                                    "expected: a text, \"whole words\" or /expression/"));
+}
+
+TEST_F(SearchCliTest, namesThatNoRowHasAreTold) {
+    const CliResult kind = search("kind:foo");
+    EXPECT_EQ(kind.exit, 0) << "as for each search that finds nothing";
+    EXPECT_THAT(
+        kind.err,
+        HasSubstr("0 rows\nno row is of kind \"foo\"; there are: cache (2), IE Cache (2)\n"));
+    EXPECT_THAT(search("dover host:shoop").err,
+                HasSubstr("no row is of a host with \"shoop\" in its name; there are: shop.example "
+                          "(1), www.harbour-news.example (1)"));
+    EXPECT_THAT(search("tag:nosuch").err, HasSubstr("the project has no tags"));
+    ASSERT_EQ(cli({"tag", project, "1", "--name", "Important"}).exit, 0);
+    EXPECT_THAT(search("dover -tag:imprtant").err,
+                HasSubstr("no row has a tag \"imprtant\"; there are: Important (1)"));
+    EXPECT_THAT(search("dover -tag:important").err, Not(HasSubstr("there are")));
+    EXPECT_THAT(search("nowhere").err, Not(HasSubstr("there are")));
+    EXPECT_THAT(search("site:shop").err, HasSubstr("\"site:\" is no operator"));
 }
 
 TEST_F(SearchCliTest, keepsAResultThatOtherCommandsTake) {

@@ -39,7 +39,7 @@ class PlacesTest : public QObject {
     void aClickShowsTheRowsOfAPlaceOnly();
     void ctrlAddsAndTakesAway();
     void keysChooseToo();
-    void theMenuLeavesOutAndTags();
+    void theMenuLeavesOutAndTicks();
     void aBoxFindsPlaces();
     void theListOfHostsStandsInTheirPlace();
     void aNewProjectHasNoLimit();
@@ -77,6 +77,9 @@ class PlacesTest : public QObject {
         menu.close();
         QTest::qWait(10);
     }
+    QString records(const QString &name) {
+        return placeOf(name).siblingAtColumn(PlacesModel::kRecords).data().toString();
+    }
     QString cardText() { return child<QTextEdit>(*m_form, "cardText").toPlainText(); }
     QString front() { return viewers().currentWidget()->objectName(); }
     void shot(const char *name) {
@@ -109,7 +112,7 @@ void PlacesTest::init() {
         .open(*m_desk, *m_form);
     QApplication::setActiveWindow(m_form.get());
     QVERIFY(QTest::qWaitForWindowActive(m_form.get()));
-    QTRY_COMPARE(tree().model()->rowCount(), 3);
+    QTRY_COMPARE(tree().model()->rowCount(), 4);
 }
 
 void PlacesTest::cleanup() {
@@ -118,9 +121,6 @@ void PlacesTest::cleanup() {
 }
 
 void PlacesTest::theTreesCountTheRows() {
-    const auto records = [this](const QString &name) {
-        return placeOf(name).siblingAtColumn(PlacesModel::kRecords).data().toString();
-    };
     QCOMPARE(rows(), 4);
     QCOMPARE(records(QStringLiteral("harbour.example")), QStringLiteral("2"));
     QCOMPARE(records(QStringLiteral("img.harbour.example")), QStringLiteral("1"));
@@ -183,18 +183,18 @@ void PlacesTest::keysChooseToo() {
     QCOMPARE(tree().isExpanded(heading), !wasOpen);
 }
 
-void PlacesTest::theMenuLeavesOutAndTags() {
+void PlacesTest::theMenuLeavesOutAndTicks() {
     choose(QStringLiteral("other.example"), "actWithoutPlace");
     QCOMPARE(rows(), 2);
     QCOMPARE(child<QLabel>(pane(), "labPlaces").text(), QStringLiteral("Without other.example"));
-    choose(QStringLiteral("harbour.example"), "actTagPlace");
+    choose(QStringLiteral("harbour.example"), "actTickPlace");
     const auto tagged = [this] {
         return m_desk->program.state.projectDB.connection()
             .execAndGet("SELECT count(*) FROM URLs WHERE Tagged <> 0")
             .getInt();
     };
     QCOMPARE(tagged(), 2);
-    choose(QStringLiteral("harbour.example"), "actUntagPlace");
+    choose(QStringLiteral("harbour.example"), "actUntickPlace");
     QCOMPARE(tagged(), 0);
     choose(QStringLiteral("other.example"), "actOnlyPlace");
     QCOMPARE(rows(), 2);
@@ -230,7 +230,7 @@ void PlacesTest::aNewProjectHasNoLimit() {
     trigger(*m_form, "actClose");
     QCOMPARE(tree().model()->rowCount(), 0);
     m_form->takePath(m_desk->folder.path() / "case.nvp");
-    QTRY_COMPARE(tree().model()->rowCount(), 3);
+    QTRY_COMPARE(tree().model()->rowCount(), 4);
     QCOMPARE(rows(), 4);
     QVERIFY(pane().choice().isEmpty());
 }

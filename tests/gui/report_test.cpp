@@ -113,7 +113,9 @@ void ReportTest::aReportIsMadeOfTheRowsInView() {
     QVERIFY(text.find("&lt;7&gt;") != std::string::npos);
     QVERIFY(notice().contains(QStringLiteral("index-history.htm")));
     QVERIFY(m_form->findChild<QAction *>(QStringLiteral("actOpenReportFolder"))->isEnabled());
-    make(1);
+    make(1, [](ReportForm &form) {
+        QVERIFY(child<QLabel>(form, "labTypeKinds").text().contains(QStringLiteral("left out")));
+    });
     QVERIFY(page("index-cache.htm").find("This is a HISTORY record.") != std::string::npos);
 }
 

@@ -1,9 +1,12 @@
+#include "db/NamedTags.h"
 #include "gui/LimitedTable.h"
+#include "ui/views/HitCountsForm.h"
 #include "ui/views/HitMarks.h"
 
 #include <QComboBox>
 #include <QMenu>
 #include <QPlainTextEdit>
+#include <QTreeWidget>
 #include <SQLiteCpp/Database.h>
 
 // The search above the table.
@@ -23,6 +26,12 @@ class SearchTest : public QObject {
     void enterLooksThroughPagesToo();
     void aWrongExpressionIsToldBesideTheBox();
     void countsNarrowFurther();
+    void allThatWasFoundCanBeChosen();
+    void namesAreOfferedAsTheyAreWritten();
+    void keysTakeAnOfferedName();
+    void tagsThatCameLaterAreOffered();
+    void aNameThatNoRowHasIsToldBelowTheBox();
+    void aWrongDateIsToldWithItsPlace();
     void theHitIsShownAndTheNextOneGoneTo();
     void marksStandInTheTextOfAPage();
     void controlFLeadsToTheBoxAndEscapeOut();
@@ -32,6 +41,18 @@ class SearchTest : public QObject {
 
   private:
     QLabel &message() { return child<QLabel>(m_on->form, "labSearchMessage"); }
+    QTreeWidget &names() { return child<QTreeWidget>(m_on->form, "lstSearchNames"); }
+    QStringList offered() {
+        QStringList lines;
+        for (int row = 0; names().isVisible() && row < names().topLevelItemCount(); ++row)
+            lines += names().topLevelItem(row)->text(0) + u' ' + names().topLevelItem(row)->text(1);
+        return lines;
+    }
+    QLabel &advice() { return child<QLabel>(m_on->form, "labSearchAdvice"); }
+    void shot(const char *name) {
+        if (const QString folder = qEnvironmentVariable("NV_SHOTS"); !folder.isEmpty())
+            m_on->form.grab().save(folder + u'/' + QLatin1String(name) + QStringLiteral(".png"));
+    }
     QString snippet() { return child<QLabel>(m_on->form, "labSnippet").text(); }
 
     std::unique_ptr<LimitedTable> m_on;
@@ -96,6 +117,128 @@ void SearchTest::countsNarrowFurther() {
     one->trigger();
     QCOMPARE(m_on->box().text(), QStringLiteral("example host:\"a.example\""));
     QTRY_COMPARE(m_on->rows(), 1);
+}
+
+/// The menu shows the first few alone; the list has them all.
+void SearchTest::allThatWasFoundCanBeChosen() {
+    m_on->project().exec(
+        "WITH n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < 40) INSERT "
+        "INTO URLs (URL, Host, CacheType) SELECT 'http://h' || i || '.test/tide', "
+        "'h' || i || '.test', 'IE Cache' FROM n");
+    trigger(m_on->form, "actRefresh");
+    m_on->enter(QStringLiteral("tide"));
+    QTRY_COMPARE(m_on->rows(), 40);
+    auto &hits = child<QToolButton>(m_on->form, "btnSearchHits");
+    QAction *all = nullptr;
+    const auto find = [&] {
+        for (QAction *entry : hits.menu()->actions())
+            if (entry->text() == QStringLiteral("All 40..."))
+                all = entry;
+        return all != nullptr;
+    };
+    QTRY_VERIFY(find());
+    QVERIFY(all->isEnabled());
+    whenShown<HitCountsForm>([](HitCountsForm &form) {
+        auto &list = child<QTreeWidget>(form, "lstHitNames");
+        QCOMPARE(list.topLevelItemCount(), 40);
+        child<QLineEdit>(form, "txtHitName").setText(QStringLiteral("H37"));
+        QVERIFY(!form.chosen());
+        int shown = 0;
+        for (int row = 0; row < 40; ++row)
+            if (QTreeWidgetItem *item = list.topLevelItem(row); !item->isHidden()) {
+                ++shown;
+                list.setCurrentItem(item);
+            }
+        QCOMPARE(shown, 1);
+        form.accept();
+    });
+    all->trigger();
+    QCOMPARE(m_on->box().text(), QStringLiteral("tide host:\"h37.test\""));
+    QTRY_COMPARE(m_on->rows(), 1);
+}
+
+void SearchTest::namesAreOfferedAsTheyAreWritten() {
+    QApplication::setActiveWindow(&m_on->form);
+    QVERIFY(QTest::qWaitForWindowActive(&m_on->form));
+    m_on->type(QStringLiteral("tide"));
+    QVERIFY(names().isHidden());
+    m_on->type(QStringLiteral(" host:"));
+    QTRY_VERIFY(offered().contains(QStringLiteral("a.example 1")));
+    m_on->type(QStringLiteral("b.EX"));
+    QTRY_COMPARE(offered(), QStringList({QStringLiteral("b.example 1")}));
+    QVERIFY(m_on->form.rect().contains(names().geometry()));
+    QVERIFY(names().y() >= m_on->box().mapTo(&m_on->form, QPoint(0, 0)).y());
+    shot("search-names");
+    emit names().itemClicked(names().topLevelItem(0), 0);
+    QTRY_COMPARE(m_on->box().text(), QStringLiteral("tide host:b.example "));
+    QVERIFY(names().isHidden());
+    m_on->type(QStringLiteral("kind:"));
+    QTRY_VERIFY(offered().size() > 2);
+    QCOMPARE(offered().front().section(u' ', 0, 0), QStringLiteral("history"));
+    m_on->tab().grid().setFocus();
+    QVERIFY(names().isHidden());
+}
+
+void SearchTest::keysTakeAnOfferedName() {
+    m_on->type(QStringLiteral("browser:inter"));
+    QTRY_COMPARE(offered().size(), 1);
+    QTest::keyClick(&m_on->box(), Qt::Key_Down);
+    QTest::keyClick(&m_on->box(), Qt::Key_Return);
+    QCOMPARE(m_on->box().text(), QStringLiteral("browser:\"Internet Explorer\" "));
+    QTRY_VERIFY(m_on->rows() > 0 && m_on->rows() < m_on->all);
+    m_on->box().clear();
+    m_on->type(QStringLiteral("kind:h"));
+    QTRY_VERIFY(!offered().isEmpty());
+    // Whoever goes on without choosing means what stands there.
+    QTest::keyClick(&m_on->box(), Qt::Key_Return);
+    QCOMPARE(m_on->box().text(), QStringLiteral("kind:h"));
+    QVERIFY(names().isHidden());
+    m_on->type(QStringLiteral("i"));
+    QTRY_VERIFY(!offered().isEmpty());
+    QTest::keyClick(&m_on->box(), Qt::Key_Escape);
+    QVERIFY(names().isHidden());
+    QCOMPARE(m_on->box().text(), QStringLiteral("kind:hi"));
+}
+
+void SearchTest::tagsThatCameLaterAreOffered() {
+    m_on->type(QStringLiteral("tag:"));
+    QTest::qWait(50);
+    QVERIFY(names().isHidden());
+    NamedTags(m_on->project())
+        .add({.tagID = 0, .name = "For \"ada\"", .color = {}, .position = 0, .note = {}});
+    m_on->type(QStringLiteral("for"));
+    QTRY_COMPARE(offered(), QStringList({QStringLiteral("For \"ada\" 0")}));
+    emit names().itemClicked(names().topLevelItem(0), 0);
+    QTRY_COMPARE(m_on->box().text(), QStringLiteral("tag:\"For \"\"ada\"\"\" "));
+}
+
+void SearchTest::aNameThatNoRowHasIsToldBelowTheBox() {
+    QVERIFY(advice().isHidden());
+    m_on->enter(QStringLiteral("kind:foo"));
+    QTRY_VERIFY(advice().isVisible());
+    QVERIFY2(advice().text().startsWith(QStringLiteral("No row is of kind \"foo\"; there are: ")),
+             qPrintable(advice().text()));
+    QCOMPARE(m_on->rows(), 0);
+    shot("search-advice");
+    m_on->enter(QStringLiteral("host:a.example"));
+    QTRY_COMPARE(m_on->rows(), 1);
+    QVERIFY(advice().isHidden());
+    m_on->enter(QStringLiteral("example -tag:nosuch"));
+    QTRY_VERIFY(advice().text().contains(QStringLiteral("the project has no tags")));
+    m_on->box().clear();
+    QTRY_VERIFY(advice().isHidden());
+}
+
+void SearchTest::aWrongDateIsToldWithItsPlace() {
+    m_on->type(QStringLiteral("tide before:2011-13"));
+    QTRY_VERIFY2(message().text().startsWith(QStringLiteral("letter 13: \"before:2011-13\"")),
+                 qPrintable(message().text()));
+    QVERIFY(message().isVisible());
+    shot("search-date");
+    m_on->box().clear();
+    m_on->type(QStringLiteral("/a[/ tide"));
+    QTRY_VERIFY2(message().text().startsWith(QStringLiteral("letter 1: the expression /a[/")),
+                 qPrintable(message().text()));
 }
 
 void SearchTest::theHitIsShownAndTheNextOneGoneTo() {

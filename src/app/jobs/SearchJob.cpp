@@ -2,7 +2,6 @@
 
 #include "app/jobs/Trail.h"
 #include "app/project/EvidenceFolders.h"
-#include "base/Digest.h"
 #include "base/Files.h"
 #include "base/Text.h"
 #include "db/SearchResults.h"
@@ -99,29 +98,28 @@ void keepSearch(Program &program, const std::string &name, const std::string &te
     noteInTrail(program, std::move(entry));
 }
 
-void keepKeywords(Program &program, const std::string &name, const KeywordsAsked &asked,
+void keepKeywords(Program &program, const std::string &name, const KeywordList &list,
                   const KeywordFound &found) {
     SearchResult result = resultOf(program, name, "Keywords");
-    result.searchText = counted(asked.list.terms.size(), "term");
+    result.searchText = counted(list.terms.size(), "term");
     if (found.isCut)
         result.searchText += fmt::format(", the first {} hits of more", found.hits.size());
-    result.filePath = textOf(std::filesystem::absolute(asked.file));
-    if (const auto hashes = hashesOfFile(asked.file))
-        result.sha256Hash = hashes->sha256;
+    result.filePath = list.file;
+    result.sha256Hash = list.hashes.sha256;
     result.rowCount = rowsIn(found.hits);
     SearchResults(program.state.projectDB.connection())
         .add(result, found.hits.size(), [&](std::size_t at) {
             const KeywordHit &hit = found.hits[at];
-            return ResultHit{hit.row, asked.list.terms[hit.term].text,
-                             std::string(fieldWord(hit.field)), hit.hits};
+            return ResultHit{hit.row, list.terms[hit.term].text, std::string(fieldWord(hit.field)),
+                             hit.hits};
         });
     TrailEntry entry;
-    entry.action = "Keywords";
+    addList(entry, list);
     entry.detail = fmt::format("{} found by {}, kept as \"{}\"",
                                counted(static_cast<std::uint64_t>(result.rowCount), "row"),
                                result.searchText, name);
     entry.rowCount = result.rowCount;
-    noteFileInTrail(program, std::move(entry), asked.file);
+    noteInTrail(program, std::move(entry));
 }
 
 std::string indexText(const IndexNews &news) {

@@ -22,13 +22,8 @@ std::string faultOfResultName(Program &program, const std::string &name);
 void keepSearch(Program &program, const std::string &name, const std::string &text,
                 const FoundIds &ids);
 
-/// What was looked for.
-struct KeywordsAsked {
-    std::filesystem::path file;
-    const KeywordList &list;
-};
 /// The same of a list of keywords, with a hit for each row, term and field.
-void keepKeywords(Program &program, const std::string &name, const KeywordsAsked &asked,
+void keepKeywords(Program &program, const std::string &name, const KeywordList &list,
                   const KeywordFound &found);
 
 // For people.

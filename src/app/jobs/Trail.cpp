@@ -163,13 +163,21 @@ void noteSearch(Program &program, const std::string &text, std::int64_t rows) {
     noteLook(program, std::move(entry));
 }
 
-void noteKeywords(Program &program, const std::filesystem::path &file, const std::string &found,
+/// A list that came through a pipe can't be read again.
+void addList(TrailEntry &entry, const KeywordList &list) {
+    entry.action = "Keywords";
+    entry.filePath = list.file;
+    entry.fileSize = static_cast<std::int64_t>(list.hashes.size);
+    entry.md5Hash = list.hashes.md5;
+    entry.sha256Hash = list.hashes.sha256;
+}
+
+void noteKeywords(Program &program, const KeywordList &list, const std::string &found,
                   std::int64_t rows) {
     TrailEntry entry;
-    entry.action = "Keywords";
+    addList(entry, list);
     entry.detail = found;
     entry.rowCount = rows;
-    addHashes(program, entry, file, wholeName(file));
     noteLook(program, std::move(entry));
 }
 

@@ -9,6 +9,7 @@
 #include "reports/Export.h"
 #include "reports/PublishReport.h"
 #include "reports/ReportWriter.h"
+#include "search/KeywordList.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -61,8 +62,10 @@ void noteNote(Program &program, UrlId url, const std::string &text);
 /// A search that was asked for as a whole, not each letter of one on its way. The project may be
 /// open for reading; it must be one that can be written.
 void noteSearch(Program &program, const std::string &text, std::int64_t rows);
+/// What the trail says of a list of keywords: its name and hashes.
+void addList(TrailEntry &entry, const KeywordList &list);
 /// The same of a list of keywords.
-void noteKeywords(Program &program, const std::filesystem::path &file, const std::string &found,
+void noteKeywords(Program &program, const KeywordList &list, const std::string &found,
                   std::int64_t rows);
 /// `place` stands for the name of the file where that says nothing: of the standard output.
 void noteExport(Program &program, const Export &job, std::string_view place = {});

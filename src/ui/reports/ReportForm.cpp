@@ -108,6 +108,9 @@ void ReportForm::addWhat(QFormLayout &form) {
     m_explanation->setMinimumHeight(2 * fontMetrics().lineSpacing());
     m_explanation->setAlignment(Qt::AlignTop | Qt::AlignLeft);
     form.addRow(QString(), m_explanation);
+    m_kinds = named<QLabel>("labTypeKinds", {});
+    m_kinds->setWordWrap(true);
+    form.addRow(QString(), m_kinds);
     addRows(form);
     m_ascending = named<QRadioButton>("opSortAscending", tr("&Oldest first"));
     m_descending = named<QRadioButton>("opSortDescending", tr("Newest &first"));
@@ -346,6 +349,10 @@ void ReportForm::followType() {
         : ofCase  ? tr("A cover with the evidence and its hashes, time, cards, and tables of all "
                         "rows with a list beside them. What is redacted isn't handed over.")
                   : QString());
+    // The words above are those that examiners know, and promise less than the report holds.
+    m_kinds->setText(tr("Rows that are neither aren't left out: they have a card too, with the "
+                        "default thumbnail in place of a preview."));
+    m_kinds->setVisible(graphical);
     m_thumbnail->setPlaceholderText(tabular ? tr(" [Tabular Default]")
                                             : tr(" [Graphical Default]"));
     for (QWidget *widget : {m_audit, m_links, m_timeRebuilt, m_useThumbnail})

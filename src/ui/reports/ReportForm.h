@@ -64,6 +64,7 @@ class ReportForm final : public QDialog {
     Examiner &m_examiner;
     QComboBox *m_type = nullptr;
     QLabel *m_explanation = nullptr;
+    QLabel *m_kinds = nullptr; ///< of rows, where the explanation leaves doubt
     QRadioButton *m_all = nullptr;
     QRadioButton *m_tagged = nullptr;
     QRadioButton *m_named = nullptr; ///< null in a project without tags

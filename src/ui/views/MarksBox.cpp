@@ -39,8 +39,8 @@ QString shownSetsText(const HashLimit &limit) {
     return names.join(MarksBox::tr(" or "));
 }
 
-MarksBox::MarksBox(const ProjectMarks &marks, const std::optional<std::int64_t> &tagID,
-                   const HashLimit &limit, QWidget *parent)
+MarksBox::MarksBox(const ProjectMarks &marks, const TagLimit &tags, const HashLimit &limit,
+                   QWidget *parent)
     : QWidget(parent) {
     setObjectName(QStringLiteral("MarksBox"));
     auto *row = new QHBoxLayout(this);
@@ -54,12 +54,8 @@ MarksBox::MarksBox(const ProjectMarks &marks, const std::optional<std::int64_t> 
     m_hideKnown->setChecked(limit.withoutKnown);
     m_hideKnown->setEnabled(!marks.sets.empty() || limit.withoutKnown);
     row->addWidget(m_hideKnown);
-    for (const NamedTag &tag : marks.tags) {
-        m_tag->addItem(tagIcon(tag), shown(tag.name), qint64{tag.tagID});
-        if (tagID == tag.tagID)
-            m_tag->setCurrentIndex(m_tag->count() - 1);
-    }
-    m_tag->setEnabled(!marks.tags.empty());
+    addTags(marks.tags, tags);
+    m_tag->setEnabled(m_tag->count() > 1);
     addSets(marks.sets, onlyOf(limit));
     m_set->setEnabled(m_set->count() > 1);
 }
@@ -82,6 +78,19 @@ QComboBox *MarksBox::newChoice(const char *name, const QString &label, const QSt
 }
 
 /// What is in force may be more than one of the choices.
+void MarksBox::addTags(const std::vector<NamedTag> &tags, const TagLimit &limit) {
+    const auto add = [&](const QIcon &icon, const QString &name, const TagLimit &choice) {
+        m_tag->addItem(icon, name, QVariant::fromValue(choice));
+        if (choice == limit)
+            m_tag->setCurrentIndex(m_tag->count() - 1);
+    };
+    for (const NamedTag &tag : tags)
+        add(tagIcon(tag), shown(tag.name), {{tag.tagID}, false});
+    if (!limit.isEmpty() && m_tag->currentIndex() == 0)
+        add({}, shown(tagLimitText(tags, limit)), limit);
+}
+
+/// The same of hash sets.
 void MarksBox::addSets(const std::vector<FoundHashSet> &sets, const HashLimit &limit) {
     std::vector<HashLimit> choices;
     choices.reserve(sets.size() + 3);
@@ -100,9 +109,8 @@ void MarksBox::addSets(const std::vector<FoundHashSet> &sets, const HashLimit &l
     }
 }
 
-std::optional<std::int64_t> MarksBox::tagID() const {
-    const QVariant chosen = m_tag->currentData();
-    return chosen.isValid() ? std::optional<std::int64_t>(chosen.toLongLong()) : std::nullopt;
+TagLimit MarksBox::tags() const {
+    return m_tag->currentData().value<TagLimit>();
 }
 
 HashLimit MarksBox::hashSets() const {

@@ -3,10 +3,10 @@
 #include "db/FoundHashSets.h"
 #include "db/NamedTags.h"
 #include "views/HashLimit.h"
+#include "views/TagLimit.h"
 
 #include <QWidget>
 
-#include <optional>
 #include <vector>
 
 class QCheckBox;
@@ -25,15 +25,16 @@ class MarksBox final : public QWidget {
     Q_OBJECT
 
   public:
-    /// The tag and the limit are in force.
-    MarksBox(const ProjectMarks &marks, const std::optional<std::int64_t> &tagID,
-             const HashLimit &limit, QWidget *parent = nullptr);
+    /// The limits are in force.
+    MarksBox(const ProjectMarks &marks, const TagLimit &tags, const HashLimit &limit,
+             QWidget *parent = nullptr);
 
-    std::optional<std::int64_t> tagID() const;
+    TagLimit tags() const;
     HashLimit hashSets() const;
 
   private:
     QComboBox *newChoice(const char *name, const QString &label, const QString &any);
+    void addTags(const std::vector<NamedTag> &tags, const TagLimit &limit);
     void addSets(const std::vector<FoundHashSet> &sets, const HashLimit &limit);
 
     QComboBox *m_tag = nullptr;

@@ -1,6 +1,7 @@
 #include "ui/views/PlacesModel.h"
 
 #include "platform/qt/QtText.h"
+#include "ui/views/TagPills.h"
 
 #include <QFont>
 #include <QLocale>
@@ -9,18 +10,28 @@
 
 namespace nv {
 
+namespace {
+
+/// In the order in which they stand; hash sets come last, since they may be missing.
+enum Heading { kEvidence, kHosts, kKinds, kTags, kHashSets, kHeadings };
+
+} // namespace
+
 void PlacesModel::setPlaces(Places places) {
     beginResetModel();
     m_rows.clear();
+    m_tagRows.clear();
+    m_tagNodes.clear();
     m_places = std::move(places);
     if (m_places.records > 0) {
         for (int place = 0; place < headings(); ++place)
             m_rows.push_back({nullptr, nullptr, place, {}});
-        addRows(m_rows[0], m_places.evidence);
-        addRows(m_rows[1], m_places.hosts);
-        addRows(m_rows[2], m_places.kinds);
+        addRows(m_rows[kEvidence], m_places.evidence);
+        addRows(m_rows[kHosts], m_places.hosts);
+        addRows(m_rows[kKinds], m_places.kinds);
+        putTags(m_places.tags);
         if (!m_places.hashSets.empty())
-            addRows(m_rows[3], m_places.hashSets);
+            addRows(m_rows[kHashSets], m_places.hashSets);
     }
     endResetModel();
 }
@@ -36,6 +47,52 @@ void PlacesModel::addRows(Row &parent, const std::vector<PlaceNode> &nodes) {
     }
 }
 
+QModelIndex PlacesModel::tagsHeading() const {
+    return m_rows.empty() ? QModelIndex() : createIndex(kTags, 0, &m_rows[kTags]);
+}
+
+/// Rows come and go at the end, and then all of them may be others.
+void PlacesModel::putTags(const std::vector<PlaceNode> &nodes) {
+    Row &heading = m_rows[kTags];
+    while (m_tagRows.size() > nodes.size()) {
+        heading.children.pop_back();
+        m_tagRows.pop_back();
+        m_tagNodes.pop_back();
+    }
+    for (std::size_t at = 0; at < nodes.size(); ++at) {
+        if (at < m_tagNodes.size()) {
+            m_tagNodes[at] = nodes[at];
+            continue;
+        }
+        m_tagNodes.push_back(nodes[at]);
+        m_tagRows.push_back({&m_tagNodes.back(), &heading, static_cast<int>(at), {}});
+        heading.children.push_back(&m_tagRows.back());
+    }
+}
+
+void PlacesModel::setTags(std::vector<NamedTag> tags, const std::vector<PlaceNode> &nodes) {
+    m_tags = std::move(tags);
+    m_tagIcons.clear();
+    for (const NamedTag &tag : m_tags)
+        m_tagIcons.push_back(tagIcon(tag));
+    const QModelIndex heading = tagsHeading();
+    if (!heading.isValid())
+        return;
+    const int before = rowCount(heading);
+    const auto now = static_cast<int>(nodes.size());
+    if (now > before)
+        beginInsertRows(heading, before, now - 1);
+    else if (now < before)
+        beginRemoveRows(heading, now, before - 1);
+    putTags(nodes);
+    if (now > before)
+        endInsertRows();
+    else if (now < before)
+        endRemoveRows();
+    if (now > 0)
+        emit dataChanged(index(0, 0, heading), index(now - 1, kColumns - 1, heading));
+}
+
 void PlacesModel::setChoice(const PlaceChoice &choice) {
     m_choice = choice;
     emit layoutAboutToBeChanged();
@@ -48,9 +105,15 @@ void PlacesModel::setHashLimit(const HashLimit &limit) {
     emit layoutChanged();
 }
 
+void PlacesModel::setTagLimit(const TagLimit &limit) {
+    m_tagLimit = limit;
+    emit layoutAboutToBeChanged();
+    emit layoutChanged();
+}
+
 /// Who has no hash sets isn't shown an empty tree of them.
 int PlacesModel::headings() const {
-    return m_places.hashSets.empty() ? 3 : 4;
+    return m_places.hashSets.empty() ? kHashSets : kHeadings;
 }
 
 const PlacesModel::Row *PlacesModel::rowAt(const QModelIndex &index) const {
@@ -105,21 +168,43 @@ QString PlacesModel::nameOf(const Row &row) const {
     if (row.node != nullptr)
         return toQt(placeName(row.node->term));
     switch (row.place) {
-    case 0:
+    case kEvidence:
         return tr("Evidence");
-    case 1:
+    case kHosts:
         return tr("Hosts");
-    case 2:
+    case kKinds:
         return tr("Kinds");
+    case kTags:
+        return tr("Tags");
     default:
         return tr("Hash Sets");
     }
 }
 
 bool PlacesModel::isChosen(const PlaceLimit &limit) const {
+    if (isOfTags(limit))
+        return hasAll(m_tagLimit, tagLimitOf(m_tags, limit.terms.back().value));
     if (!isOfHashSets(limit))
         return std::ranges::find(m_choice.only, limit) != m_choice.only.end();
     return hasTerm(m_hashLimit, limit.terms.back());
+}
+
+PlaceChoice PlacesModel::chosenWith(const PlaceLimit &limit) const {
+    if (!isChosen(limit))
+        return {{limit}, {}};
+    if (!isOfTags(limit) && !isOfHashSets(limit))
+        return {m_choice.only, {}};
+    PlaceChoice places;
+    const auto add = [&](const Row &row) {
+        const PlaceLimit other = row.node == nullptr ? PlaceLimit() : limitOf(row);
+        const bool isAlike = row.node != nullptr && isOfTags(other) == isOfTags(limit) &&
+                             isOfHashSets(other) == isOfHashSets(limit);
+        if (isAlike && isChosen(other))
+            places.only.push_back(other);
+    };
+    std::ranges::for_each(m_rows, add);
+    std::ranges::for_each(m_tagRows, add);
+    return places;
 }
 
 bool PlacesModel::isLeftOut(const PlaceLimit &limit) const {
@@ -144,12 +229,23 @@ QVariant PlacesModel::lookOf(const Row &row, int role) const {
     return chosen ? tr("%1, chosen").arg(name) : leftOut ? tr("%1, left out").arg(name) : name;
 }
 
+/// A tag's colour; those without any have none.
+QIcon PlacesModel::iconOf(const Row &row) const {
+    const auto place = static_cast<std::size_t>(row.place);
+    const bool isTag = row.node != nullptr && row.node->term.field == PlaceField::Tag;
+    return isTag && place < m_tagIcons.size() ? m_tagIcons[place] : QIcon();
+}
+
 QVariant PlacesModel::data(const QModelIndex &index, int role) const {
     const Row *row = rowAt(index);
     if (row == nullptr)
         return {};
     if (role == Qt::FontRole || (role == Qt::AccessibleTextRole && index.column() == kPlace))
         return lookOf(*row, role);
+    if (role == Qt::DecorationRole && index.column() == kPlace) {
+        const QIcon icon = iconOf(*row);
+        return icon.isNull() ? QVariant() : QVariant(icon);
+    }
     if (role == Qt::TextAlignmentRole && index.column() == kRecords)
         return QVariant::fromValue(Qt::AlignRight | Qt::AlignVCenter);
     const bool isText =

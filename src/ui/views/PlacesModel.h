@@ -2,8 +2,10 @@
 
 #include "views/HashLimit.h"
 #include "views/Places.h"
+#include "views/TagLimit.h"
 
 #include <QAbstractItemModel>
+#include <QIcon>
 
 #include <cstdint>
 #include <deque>
@@ -11,8 +13,8 @@
 
 namespace nv {
 
-/// The trees of places: evidence, hosts and kinds, each below a heading of its own, and hash sets
-/// where rows were found in some.
+/// The trees of places: evidence, hosts, kinds and tags, each below a heading of its own, and hash
+/// sets where rows were found in some.
 class PlacesModel final : public QAbstractItemModel {
     Q_OBJECT
 
@@ -22,14 +24,23 @@ class PlacesModel final : public QAbstractItemModel {
 
     void setPlaces(Places places);
     const Places &places() const { return m_places; }
+    /// The tags with their rows, as tagPlaces() counts them; nothing else of the tree moves.
+    void setTags(std::vector<NamedTag> tags, const std::vector<PlaceNode> &nodes);
+    const std::vector<NamedTag> &tags() const { return m_tags; }
     /// Which places are marked as chosen or left out.
     void setChoice(const PlaceChoice &choice);
     /// The same of hash sets.
     void setHashLimit(const HashLimit &limit);
+    /// The same of tags.
+    void setTagLimit(const TagLimit &limit);
     /// The rows of a place; nothing for a heading.
     std::optional<PlaceLimit> limitAt(const QModelIndex &index) const;
-    /// Whether the place is one of those that limit the rows now.
+    /// Whether the place is one of those whose rows alone are shown now.
+    bool isChosen(const PlaceLimit &limit) const;
+    /// The same, or of those that are left out.
     bool isInForce(const PlaceLimit &limit) const { return isChosen(limit) || isLeftOut(limit); }
+    /// The place, or all that are chosen of its tree when it is one of them.
+    PlaceChoice chosenWith(const PlaceLimit &limit) const;
     /// How many rows a place has.
     std::uint64_t recordsAt(const QModelIndex &index) const;
 
@@ -49,18 +60,25 @@ class PlacesModel final : public QAbstractItemModel {
         std::vector<const Row *> children;
     };
     void addRows(Row &parent, const std::vector<PlaceNode> &nodes);
+    void putTags(const std::vector<PlaceNode> &nodes);
+    QModelIndex tagsHeading() const;
     int headings() const;
-    bool isChosen(const PlaceLimit &limit) const;
     bool isLeftOut(const PlaceLimit &limit) const;
     const Row *rowAt(const QModelIndex &index) const;
     static PlaceLimit limitOf(const Row &row);
     QString nameOf(const Row &row) const;
     QVariant lookOf(const Row &row, int role) const;
+    QIcon iconOf(const Row &row) const;
 
     Places m_places;
     PlaceChoice m_choice;
     HashLimit m_hashLimit;
+    TagLimit m_tagLimit;
     std::deque<Row> m_rows; ///< the headings first
+    std::vector<NamedTag> m_tags;
+    std::vector<QIcon> m_tagIcons;    ///< of m_tags
+    std::deque<PlaceNode> m_tagNodes; ///< those of m_tagRows
+    std::deque<Row> m_tagRows;        ///< stay where they are while others come and go
 };
 
 } // namespace nv

@@ -133,6 +133,10 @@ bool PlacesPane::eventFilter(QObject *watched, QEvent *event) {
     if (watched != m_tree || event->type() != QEvent::KeyPress)
         return QWidget::eventFilter(watched, event);
     const auto *key = static_cast<QKeyEvent *>(event);
+    const bool isPlain =
+        key->modifiers() == Qt::NoModifier || key->modifiers() == Qt::KeypadModifier;
+    if (isPlain && pressTagKey(key->key()))
+        return true;
     if (key->key() != Qt::Key_Return && key->key() != Qt::Key_Enter)
         return QWidget::eventFilter(watched, event);
     activate(m_tree->currentIndex(), key->modifiers().testFlag(Qt::ControlModifier));
@@ -154,7 +158,24 @@ void PlacesPane::activate(const QModelIndex &index, bool adds) {
         showOnly(*limit);
 }
 
+/// The n-th tag for the rows of the place that has the mark, as in the table.
+bool PlacesPane::pressTagKey(int key) {
+    const auto limit = limitAt(m_tree->currentIndex());
+    const auto place = static_cast<std::size_t>(key - Qt::Key_1);
+    if (key < Qt::Key_1 || key > Qt::Key_9 || !limit || place >= m_model.tags().size())
+        return false;
+    if (!m_readOnly)
+        emit tagWanted(m_model.chosenWith(*limit), m_model.tags()[place].tagID, true);
+    return true;
+}
+
+TagLimit PlacesPane::tagsOf(const PlaceLimit &limit) const {
+    return tagLimitOf(m_model.tags(), limit.terms.back().value);
+}
+
 void PlacesPane::showOnly(const PlaceLimit &limit) {
+    if (isOfTags(limit))
+        return chooseTags(tagsOf(limit));
     if (isOfHashSets(limit)) {
         HashLimit only;
         flipTerm(only, limit.terms.back());
@@ -165,6 +186,11 @@ void PlacesPane::showOnly(const PlaceLimit &limit) {
 }
 
 void PlacesPane::flip(const PlaceLimit &limit) {
+    if (isOfTags(limit)) {
+        TagLimit flipped = m_tagLimit;
+        flipAll(flipped, tagsOf(limit));
+        return chooseTags(flipped);
+    }
     if (isOfHashSets(limit)) {
         HashLimit flipped = m_hashLimit;
         flipTerm(flipped, limit.terms.back());
@@ -203,6 +229,22 @@ void PlacesPane::chooseHashSets(const HashLimit &limit) {
     emit hashLimitMade(limit);
 }
 
+void PlacesPane::chooseTags(const TagLimit &limit) {
+    setTagLimit(limit);
+    emit tagLimitMade(limit);
+}
+
+void PlacesPane::setTagLimit(const TagLimit &limit) {
+    m_tagLimit = limit;
+    m_model.setTagLimit(limit);
+    moveMark();
+}
+
+void PlacesPane::setTags(const std::vector<NamedTag> &tags, const std::vector<PlaceNode> &nodes) {
+    m_model.setTags(tags, nodes);
+    moveMark();
+}
+
 void PlacesPane::setHashLimit(const HashLimit &limit) {
     m_hashLimit = limit;
     m_model.setHashLimit(limit);
@@ -229,7 +271,7 @@ void PlacesPane::moveMark() {
         if (const auto limit = limitAt(marked.front()); limit && m_model.isInForce(*limit))
             return;
     QModelIndex chosen;
-    if (!m_choice.isEmpty() || !m_hashLimit.isEmpty())
+    if (!m_choice.isEmpty() || !m_hashLimit.isEmpty() || !m_tagLimit.isEmpty())
         forEachRow(m_found, {}, [&](const QModelIndex &index) {
             const auto limit = chosen.isValid() ? std::nullopt : limitAt(index);
             if (limit && m_model.isInForce(*limit))
@@ -261,10 +303,25 @@ void PlacesPane::setPlaces(Places places) {
     if (m_hasPlaces)
         openAgain(open);
     else if (m_model.rowCount() > 0)
-        m_tree->expandToDepth(1);
+        openAtFirst();
     m_hasPlaces = m_model.rowCount() > 0;
     moveMark();
     showWhetherFound();
+    emit filled();
+}
+
+/// All headings can be seen: hosts, of which there are many, and kinds are opened when they are
+/// wanted.
+void PlacesPane::openAtFirst() {
+    forEachRow(m_found, {}, [&](const QModelIndex &index) {
+        const bool isHeading = !index.parent().isValid();
+        const auto below = limitAt(m_found.index(0, 0, index));
+        const PlaceField field = below ? below->terms.front().field : PlaceField::Evidence;
+        const bool isFolded =
+            isHeading && (field == PlaceField::Domain || field == PlaceField::Group);
+        m_tree->setExpanded(index, !isFolded);
+        return isHeading && !isFolded;
+    });
 }
 
 QStringList PlacesPane::openPlaces() const {
@@ -285,65 +342,6 @@ void PlacesPane::openAgain(const QStringList &open) {
         m_tree->setExpanded(index, isOpen);
         return isOpen;
     });
-}
-
-QAction *PlacesPane::addAction(const char *name, const QString &text,
-                               const std::function<void()> &command) {
-    QAction *action = m_menu->addAction(text, this, command);
-    action->setObjectName(QLatin1String(name));
-    return action;
-}
-
-void PlacesPane::addPlaceActions(const PlaceLimit &limit) {
-    const auto has = [&limit](const std::vector<PlaceLimit> &limits) {
-        return std::ranges::find(limits, limit) != limits.end();
-    };
-    addAction("actOnlyPlace", tr("&Only This Place"), [this, limit] { showOnly(limit); });
-    addAction("actAddPlace",
-              has(m_choice.only) ? tr("Take This Place A&way") : tr("&Add This Place"),
-              [this, limit] { flip(limit); })
-        ->setToolTip(tr("Ctrl and a click does the same"));
-    addAction("actWithoutPlace",
-              has(m_choice.without) ? tr("Don't &Leave Out This Place")
-                                    : tr("&Leave Out This Place"),
-              [this, limit] { leaveOut(limit); });
-}
-
-void PlacesPane::addHashSetActions(const PlaceLimit &limit) {
-    addAction("actOnlyPlace", tr("&Only These Files"), [this, limit] { showOnly(limit); });
-    addAction("actAddPlace",
-              hasTerm(m_hashLimit, limit.terms.back()) ? tr("Take These Files A&way")
-                                                       : tr("&Add These Files"),
-              [this, limit] { flip(limit); })
-        ->setToolTip(tr("Ctrl and a click does the same"));
-    if (isKnownFiles(limit))
-        addAction("actWithoutPlace",
-                  m_hashLimit.withoutKnown ? tr("Don't &Hide Known Files")
-                                           : tr("&Hide Known Files"),
-                  [this, limit] { leaveOut(limit); });
-}
-
-void PlacesPane::showMenu(const QPoint &place) {
-    const QModelIndex at = m_tree->indexAt(place);
-    const auto limit = limitAt(at.isValid() ? at : m_tree->currentIndex());
-    m_menu->clear();
-    if (limit) {
-        if (isOfHashSets(*limit))
-            addHashSetActions(*limit);
-        else
-            addPlaceActions(*limit);
-        m_menu->addSeparator();
-        addAction("actTagPlace", tr("&Tick Its Rows"), [this, limit] {
-            emit tagWanted(*limit, true);
-        })->setEnabled(!m_readOnly);
-        addAction("actUntagPlace", tr("&Untick Its Rows"), [this, limit] {
-            emit tagWanted(*limit, false);
-        })->setEnabled(!m_readOnly);
-        m_menu->addSeparator();
-    }
-    m_menu->addActions(m_tree->actions());
-    m_menu->addAction(tr("&Fold All"), m_tree, &QTreeView::collapseAll);
-    m_menu->popup(m_tree->viewport()->mapToGlobal(place));
 }
 
 } // namespace nv

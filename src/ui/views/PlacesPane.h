@@ -32,6 +32,11 @@ class PlacesPane final : public QWidget {
     const PlaceChoice &choice() const { return m_choice; }
     /// What limits rows by hash sets, which are a tree among the places.
     void setHashLimit(const HashLimit &limit);
+    /// The same of tags.
+    void setTagLimit(const TagLimit &limit);
+    void setTags(const std::vector<NamedTag> &tags, const std::vector<PlaceNode> &nodes);
+    /// All rows that the trees count.
+    std::uint64_t records() const { return m_model.places().records; }
     void setReadOnly(bool readOnly) { m_readOnly = readOnly; }
 
     bool eventFilter(QObject *watched, QEvent *event) override;
@@ -39,8 +44,15 @@ class PlacesPane final : public QWidget {
   signals:
     void choiceMade(const nv::PlaceChoice &choice);
     void hashLimitMade(const nv::HashLimit &limit);
-    /// The ticks of the place's rows are to be set or taken.
-    void tagWanted(const nv::PlaceLimit &limit, bool tagged);
+    void tagLimitMade(const nv::TagLimit &limit);
+    /// The ticks of the places' rows are to be set or taken.
+    void tickWanted(const nv::PlaceChoice &places, bool ticked);
+    /// The places' rows are to get a tag, or to lose it.
+    void tagWanted(const nv::PlaceChoice &places, qint64 tagID, bool isSet);
+    /// They are to get a tag that is to be made.
+    void newTagWanted(const nv::PlaceChoice &places);
+    /// The places are others than before.
+    void filled();
 
   private:
     QWidget *newTop();
@@ -52,8 +64,15 @@ class PlacesPane final : public QWidget {
     void leaveOut(const PlaceLimit &limit);
     void choose(const PlaceChoice &choice);
     void chooseHashSets(const HashLimit &limit);
+    void chooseTags(const TagLimit &limit);
+    TagLimit tagsOf(const PlaceLimit &limit) const;
     void addPlaceActions(const PlaceLimit &limit);
     void addHashSetActions(const PlaceLimit &limit);
+    void addTagActions(const PlaceLimit &limit);
+    void addRowActions(const PlaceLimit &limit);
+    QMenu *addTagMenu(const char *name, const QString &text, const PlaceChoice &places, bool isSet);
+    bool pressTagKey(int key);
+    void openAtFirst();
     QAction *addAction(const char *name, const QString &text, const std::function<void()> &command);
     void activate(const QModelIndex &index, bool adds);
     std::optional<PlaceLimit> limitAt(const QModelIndex &index) const;
@@ -65,6 +84,7 @@ class PlacesPane final : public QWidget {
     QSortFilterProxyModel m_found;
     PlaceChoice m_choice;
     HashLimit m_hashLimit;
+    TagLimit m_tagLimit;
     QLineEdit *m_filter = nullptr;
     QTreeView *m_tree = nullptr;
     QLabel *m_chosen = nullptr;

@@ -3,6 +3,8 @@
 #include "base/DisplayText.h"
 #include "platform/qt/Icons.h"
 #include "platform/qt/QtText.h"
+#include "ui/views/HitCountsForm.h"
+#include "ui/views/SearchNames.h"
 
 #include <QBoxLayout>
 #include <QGuiApplication>
@@ -20,8 +22,10 @@ namespace {
 
 constexpr std::size_t kMostNames = 12; ///< of kinds, and of hosts
 
-QString quoted(const std::string &name) {
-    return QStringLiteral("\"%1\"").arg(toQt(name).replace(u'"', QStringLiteral("\"\"")));
+/// In quotation marks, whatever it is.
+QString conditionOf(ClauseKind kind, const std::string &name) {
+    const QString quoted = toQt(name).replace(u'"', QStringLiteral("\"\""));
+    return toQt(operatorWord(kind)) + u'"' + quoted + u'"';
 }
 
 /// Red that is read on either ground.
@@ -41,7 +45,8 @@ SearchBar::SearchBar(QWidget *parent) : QWidget(parent) {
     m_text->setToolTip(
         tr("Looks through addresses, titles, hosts, notes and facts while you type;\n"
            "with Enter through the text of pages and headers too.\n"
-           "\"phrase\"  -word  host:  browser:  kind:  before:  after:  /expression/"));
+           "\"phrase\"  -word  host:  browser:  kind:  tag:  hashset:  before:  after:  "
+           "/expression/"));
     m_text->setClearButtonEnabled(true);
     m_text->addAction(icon("find"), QLineEdit::LeadingPosition);
     m_text->setMinimumWidth(200);
@@ -68,7 +73,10 @@ SearchBar::SearchBar(QWidget *parent) : QWidget(parent) {
     row->addWidget(m_hits);
     row->addWidget(m_message, 2);
     row->addStretch();
+    m_names = new SearchNames(*m_text);
+    connect(m_names, &SearchNames::chosen, this, &SearchBar::nameChosen);
     connect(m_text, &QLineEdit::textEdited, this, &SearchBar::typed);
+    connect(m_text, &QLineEdit::textEdited, this, &SearchBar::edited);
     connect(m_text, &QLineEdit::returnPressed, this, [this] { emit entered(m_text->text()); });
     // Its cross doesn't count as an edit.
     connect(m_text, &QLineEdit::textChanged, this, [this](const QString &text) {
@@ -86,6 +94,21 @@ QString SearchBar::text() const {
 void SearchBar::setText(const QString &text) {
     const QSignalBlocker quiet(m_text);
     m_text->setText(text);
+}
+
+void SearchBar::putText(const QString &text, int cursor) {
+    setText(text);
+    m_text->setCursorPosition(cursor);
+    emit typed(text);
+    emit edited();
+}
+
+int SearchBar::cursor() const {
+    return m_text->cursorPosition();
+}
+
+void SearchBar::offerNames(const NamedCounts &names) {
+    m_names->offer(m_text->hasFocus() || hasBoxFocus() ? names : NamedCounts());
 }
 
 void SearchBar::focusBox() {
@@ -129,7 +152,7 @@ void SearchBar::changeEvent(QEvent *event) {
         QMetaObject::invokeMethod(this, &SearchBar::showTone, Qt::QueuedConnection);
 }
 
-void SearchBar::addCounts(const QString &title, const QString &word, const NamedCounts &counts) {
+void SearchBar::addCounts(const QString &title, ClauseKind kind, const NamedCounts &counts) {
     if (counts.empty())
         return;
     m_menu->addSection(title);
@@ -139,26 +162,38 @@ void SearchBar::addCounts(const QString &title, const QString &word, const Named
         QAction *entry = m_menu->addAction(
             QStringLiteral("%1\t%L2").arg(shown.replace(u'&', QStringLiteral("&&"))).arg(rows));
         entry->setEnabled(!name.empty());
-        const QString condition = word + quoted(name);
+        const QString condition = conditionOf(kind, name);
         connect(entry, &QAction::triggered, this, [this, condition] { addCondition(condition); });
     }
     if (counts.size() > kMostNames)
-        m_menu->addAction(tr("and %L1 more").arg(counts.size() - kMostNames))->setEnabled(false);
+        m_menu->addAction(tr("All %L1...").arg(counts.size()), this,
+                          [this, title, kind, counts] { chooseFrom(title, kind, counts); });
+}
+
+void SearchBar::chooseFrom(const QString &title, ClauseKind kind, const NamedCounts &counts) {
+    HitCountsForm form(tr("Hits %1").arg(title.toLower()), counts, window());
+    form.exec();
+    if (const auto name = form.chosen(); name && form.result() == QDialog::Accepted)
+        addCondition(conditionOf(kind, *name));
 }
 
 void SearchBar::showCounts(const FoundCounts &counts) {
     m_menu->clear();
-    addCounts(tr("By kind"), QStringLiteral("kind:"), counts.byKind);
-    addCounts(tr("By host"), QStringLiteral("host:"), counts.byHost);
+    addCounts(tr("By kind"), ClauseKind::kind, counts.byKind);
+    addCounts(tr("By host"), ClauseKind::host, counts.byHost);
     emit menuWanted();
     m_hits->setEnabled(!m_menu->isEmpty());
 }
 
-/// Down and Escape lead out of the box.
+/// Down and Escape lead out of the box, unless names are offered.
 bool SearchBar::eventFilter(QObject *watched, QEvent *event) {
+    if (event->type() == QEvent::FocusOut)
+        m_names->offer({});
     if (event->type() != QEvent::KeyPress)
         return QWidget::eventFilter(watched, event);
     const int key = static_cast<QKeyEvent *>(event)->key();
+    if (m_names->takeKey(key))
+        return true;
     if (key == Qt::Key_Escape && !m_text->text().isEmpty()) {
         m_text->clear();
         return true;

@@ -11,6 +11,8 @@ class QToolButton;
 
 namespace nv {
 
+class SearchNames;
+
 /// The box of the search, what is wrong with it or came of it, and a menu of what was found, by
 /// kind and by host.
 class SearchBar final : public QWidget {
@@ -22,6 +24,9 @@ class SearchBar final : public QWidget {
     QString text() const;
     /// Without telling of it.
     void setText(const QString &text);
+    /// The same as if it had been typed.
+    void putText(const QString &text, int cursor);
+    int cursor() const;
     void focusBox();
     bool hasBoxFocus() const;
     /// Adds a condition to the box, and tells of it as if it had been entered.
@@ -32,11 +37,17 @@ class SearchBar final : public QWidget {
     void showMessage(const QString &text, Tone tone = Tone::plain);
     void showCounts(const FoundCounts &counts);
     void clearCounts() { showCounts({}); }
+    /// Below the box; none take the list away.
+    void offerNames(const NamedCounts &names);
     /// An entry of the menu, below the counts.
     QMenu &menu() { return *m_menu; }
 
   signals:
     void typed(const QString &text);
+    /// A letter has come or gone: names may be offered.
+    void edited();
+    /// One of those that were offered.
+    void nameChosen(const QString &name);
     void entered(const QString &text);
     /// The examiner goes from the box to the rows.
     void left();
@@ -49,12 +60,14 @@ class SearchBar final : public QWidget {
 
   private:
     void showTone();
-    void addCounts(const QString &title, const QString &word, const NamedCounts &counts);
+    void addCounts(const QString &title, ClauseKind kind, const NamedCounts &counts);
+    void chooseFrom(const QString &title, ClauseKind kind, const NamedCounts &counts);
 
     QLineEdit *m_text = nullptr;
     QLabel *m_message = nullptr;
     QToolButton *m_hits = nullptr;
     QMenu *m_menu = nullptr;
+    SearchNames *m_names = nullptr;
     Tone m_tone = Tone::plain; ///< of the message
 };
 

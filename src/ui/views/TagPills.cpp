@@ -49,6 +49,11 @@ QColor textOn(const QColor &color) {
     return luminance(color) > kMiddle ? Qt::black : Qt::white;
 }
 
+QString menuText(const NamedTag &tag) {
+    constexpr std::size_t kMost = 60; // characters
+    return toQt(displayText(tag.name, kMost)).replace(u'&', QStringLiteral("&&"));
+}
+
 QIcon tagIcon(const NamedTag &tag) {
     constexpr int kSize = 16;
     QPixmap picture(kSize, kSize);

@@ -16,6 +16,8 @@ class UrlModel;
 /// A tag's colour, and the one of black and white that can be read on it.
 QColor tagColor(const NamedTag &tag);
 QColor textOn(const QColor &color);
+/// The name as an entry of a menu, where "&" is a mnemonic.
+QString menuText(const NamedTag &tag);
 /// A round spot of the colour, for lists and menus.
 QIcon tagIcon(const NamedTag &tag);
 

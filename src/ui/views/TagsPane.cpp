@@ -12,8 +12,6 @@
 #include <QPushButton>
 #include <QTreeWidget>
 
-#include <algorithm>
-
 namespace nv {
 
 namespace {
@@ -66,7 +64,7 @@ TagsPane::TagsPane(QWidget *parent) : QWidget(parent) {
     connect(m_list, &QTreeWidget::itemSelectionChanged, this, &TagsPane::enableButtons);
     connect(m_list, &QTreeWidget::itemActivated, this, &TagsPane::showRows);
     setTags({}, {});
-    setLimit(std::nullopt);
+    setLimit({});
 }
 
 QPushButton *TagsPane::newButton(const char *name, const QString &text) {
@@ -133,17 +131,15 @@ std::optional<std::int64_t> TagsPane::currentTag() const {
                 : std::nullopt;
 }
 
-QString TagsPane::nameOf(std::int64_t tagID) const {
-    const auto found = std::ranges::find(m_tags, tagID, &NamedTag::tagID);
-    return found == m_tags.end() ? QString() : shown(found->name);
-}
-
-void TagsPane::setLimit(std::optional<std::int64_t> tagID) {
-    m_limit->setVisible(tagID.has_value());
-    m_limit->setText(tagID ? tr("The table shows rows tagged \"%1\" only.").arg(nameOf(*tagID))
-                           : QString());
-    m_all->setVisible(tagID.has_value());
-    m_show->setVisible(!tagID.has_value());
+void TagsPane::setLimit(const TagLimit &limit) {
+    const bool isLimited = !limit.isEmpty();
+    m_limit->setVisible(isLimited);
+    m_limit->setText(
+        isLimited
+            ? tr("The table shows rows tagged \"%1\" only.").arg(toQt(tagLimitText(m_tags, limit)))
+            : QString());
+    m_all->setVisible(isLimited);
+    m_show->setVisible(!isLimited);
 }
 
 void TagsPane::enableButtons() {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "db/NamedTags.h"
+#include "views/TagLimit.h"
 
 #include <QWidget>
 
@@ -23,8 +23,8 @@ class TagsPane final : public QWidget {
 
     /// What is current stays so, when it is still there.
     void setTags(const std::vector<NamedTag> &tags, const TagCounts &counts);
-    /// The tag to whose rows the table is limited; nothing for none.
-    void setLimit(std::optional<std::int64_t> tagID);
+    /// The tags to whose rows the table is limited.
+    void setLimit(const TagLimit &limit);
     std::optional<std::int64_t> currentTag() const;
 
   signals:
@@ -42,7 +42,6 @@ class TagsPane final : public QWidget {
     QPushButton *newButton(const char *name, const QString &text);
     void enableButtons();
     void showRows();
-    QString nameOf(std::int64_t tagID) const;
 
     std::vector<NamedTag> m_tags;
     QTreeWidget *m_list = nullptr;

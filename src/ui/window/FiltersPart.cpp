@@ -125,20 +125,17 @@ const MarksBox *FiltersPart::addMarks(FilterForm &form) const {
     const UrlTable *table = m_bench.table->table();
     if (!table || !m_bench.isProjectOpen())
         return nullptr;
-    std::optional<std::int64_t> tagID;
-    if (table->tags)
-        tagID = table->tags->tagIDs.front();
     auto *marks =
-        new MarksBox({NamedTags(m_bench.project()).list(), foundHashSets(m_bench.project())}, tagID,
-                     table->hashSets);
+        new MarksBox({NamedTags(m_bench.project()).list(), foundHashSets(m_bench.project())},
+                     table->tags.value_or(TagLimit()), table->hashSets);
     form.addMarks(*marks);
     return marks;
 }
 
 void FiltersPart::takeMarks(const MarksBox &marks) {
-    const auto tagID = marks.tagID();
+    const TagLimit tags = marks.tags();
     const HashLimit sets = marks.hashSets();
-    emit m_bench.tagLimitChosen(tagID ? QVariant(qint64{*tagID}) : QVariant());
+    emit m_bench.tagLimitChosen(tags.isEmpty() ? QVariant() : QVariant::fromValue(tags));
     emit m_bench.hashLimitChosen(sets.isEmpty() ? QVariant() : QVariant::fromValue(sets));
 }
 

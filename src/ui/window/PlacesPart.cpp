@@ -39,7 +39,7 @@ PlacesPart::PlacesPart(Workbench &bench) : m_bench(bench), m_pane(new PlacesPane
     connect(&bench, &Workbench::projectOpened, this,
             [this] { m_pane->setReadOnly(m_bench.program.state.projectDB.isReadOnly()); });
     connect(&bench, &Workbench::projectClosing, this, [this] {
-        m_loader.stop();
+        m_look.stop();
         m_countedTo = kNotCounted;
         m_pane->setPlaces({});
         m_pane->setChoice({});
@@ -58,12 +58,8 @@ void PlacesPart::connectPane() {
     connect(m_bench.actions.refresh, &QAction::triggered, this, countAgain);
     connect(&m_bench, &Workbench::hashSetsMatched, this, countAgain);
     connect(m_bench.table, &TableTab::statusChanged, this, &PlacesPart::loadIfStale);
-    connect(&m_loader, &PlacesLoader::loaded, this,
-            [this](const std::shared_ptr<Places> &places, const QString &failure) {
-                show(std::move(*places), failure);
-            });
     connect(m_pane, &PlacesPane::choiceMade, this, &PlacesPart::limitTo);
-    connect(m_pane, &PlacesPane::tagWanted, this, &PlacesPart::tag);
+    connect(m_pane, &PlacesPane::tickWanted, this, &PlacesPart::tick);
 }
 
 void PlacesPart::showPane(bool shown) {
@@ -110,7 +106,13 @@ void PlacesPart::loadIfStale() {
         return;
     m_countedTo = last;
     m_pane->showNote(tr("Counting..."));
-    m_loader.start(m_bench.program.state.projectDB.filePath);
+    const auto places = std::make_shared<Places>();
+    m_look.start(
+        m_bench.program.state.projectDB.filePath,
+        [places](SQLite::Database &project, TaskMonitor &task) {
+            return loadPlaces(project, task, *places);
+        },
+        [this, places](const QString &failure) { show(std::move(*places), failure); });
 }
 
 void PlacesPart::show(Places places, const QString &failure) {
@@ -139,17 +141,17 @@ void PlacesPart::limitTo(const PlaceChoice &choice) const {
     });
 }
 
-void PlacesPart::tag(const PlaceLimit &limit, bool tagged) {
+void PlacesPart::tick(const PlaceChoice &places, bool ticked) {
     if (!m_bench.mayWrite())
         return;
     m_bench.runTask({"TICKING ROWS", "", "", ""}, [&](TaskMonitor &task) {
-        FoundRows found;
-        const IdQuery rows = placeQuery(m_bench.project(), {{limit}, {}});
-        if (findRows(m_bench.project(), rows, RecordFilters(), task, found) == Walk::Finished &&
-            setTagged(m_bench.project(), m_bench.program.log, found.ids, tagged, task))
-            noteMarking(m_bench.program, {.isSet = tagged,
-                                          .rows = static_cast<std::int64_t>(found.ids.size()),
-                                          .which = placeText(limit)});
+        RowIds rows;
+        UnreadRows unread;
+        if (placeRows(m_bench.project(), places, task, rows, unread) == Walk::Finished &&
+            setTagged(m_bench.project(), m_bench.program.log, rows, ticked, task))
+            noteMarking(m_bench.program, {.isSet = ticked,
+                                          .rows = static_cast<std::int64_t>(rows.size()),
+                                          .which = placeText(places)});
     });
     m_bench.reload();
 }

@@ -1,7 +1,8 @@
 #pragma once
 
-#include "ui/window/PlacesLoader.h"
+#include "ui/window/ProjectLook.h"
 #include "ui/window/Workbench.h"
+#include "views/Places.h"
 
 #include <cstdint>
 
@@ -29,11 +30,11 @@ class PlacesPart final : public QObject, public Limiter {
     void loadIfStale();
     void show(Places places, const QString &failure);
     void limitTo(const PlaceChoice &choice) const;
-    void tag(const PlaceLimit &limit, bool tagged);
+    void tick(const PlaceChoice &places, bool ticked);
 
     Workbench &m_bench;
     PlacesPane *m_pane;
-    PlacesLoader m_loader;
+    ProjectLook m_look;
     std::int64_t m_countedTo = -1; ///< highest record that the tree knows; -1 before it was made
 };
 

@@ -7,6 +7,7 @@
 #include "platform/qt/QtText.h"
 #include "search/IndexFile.h"
 #include "ui/views/SearchBar.h"
+#include "ui/window/SearchHelp.h"
 #include "ui/window/SearchHits.h"
 #include "ui/window/SearchProgress.h"
 
@@ -55,8 +56,9 @@ QAction *newAction(QMainWindow &window, const char *name, const QString &text, c
 } // namespace
 
 SearchPart::SearchPart(Workbench &bench)
-    : m_bench(bench), m_bar(new SearchBar), m_hits(new SearchHits(bench)),
-      m_progress(new SearchProgress) {
+    : m_bench(bench), m_bar(new SearchBar), m_help(new SearchHelp(bench, *m_bar)),
+      m_hits(new SearchHits(bench)), m_progress(new SearchProgress) {
+    m_help->setParent(this);
     m_hits->setParent(this);
     bench.table->limitRow().insertWidget(0, m_bar, 1);
     if (auto *window = qobject_cast<QMainWindow *>(&bench.window)) {
@@ -169,7 +171,7 @@ void SearchPart::start(const QString &text, SearchScope scope) {
         goesOn = isQuick(parseSearch(fromQt(text))) || scope == SearchScope::all;
     });
     if (fault)
-        return m_bar->showMessage(toQt(*fault), SearchBar::Tone::fault);
+        return m_help->showFault(text, toQt(*fault));
     if (!goesOn)
         return m_bar->showMessage(tr("Three letters at least, or Enter"));
     m_bar->showMessage(scope == SearchScope::all ? tr("Searching...") : QString());
@@ -181,6 +183,7 @@ void SearchPart::look(const QString &text, SearchScope scope) {
         return;
     m_wanted = {text, scope, nullptr};
     m_bar->clearCounts();
+    m_help->forget();
     m_settle.stop();
     m_found.reset();
     const auto failure = failureOf(m_bench.program.log, kProcedure, [&] {
@@ -203,6 +206,7 @@ void SearchPart::drop() {
     m_wanted = {};
     m_bar->showMessage({});
     m_bar->clearCounts();
+    m_help->forget();
     if (!m_search)
         return;
     m_bench.run(kProcedure, [this] {
@@ -301,8 +305,10 @@ void SearchPart::takeRows() {
         search.ids = std::exchange(m_found, nullptr);
         const bool same =
             m_search && *m_search == search && m_search->ids && *m_search->ids == *search.ids;
-        if (m_isWhole)
+        if (m_isWhole) {
             tellRows(m_unread);
+            m_help->explain(m_wanted.text, search.ids->empty());
+        }
         if (same && m_isWhole && m_bench.table->table()->ofSearch == m_search->ids)
             return;
         setLimit(QVariant::fromValue(search));
@@ -342,6 +348,7 @@ void SearchPart::setLimit(const QVariant &limit) {
         m_bar->setText(m_wanted.text);
         m_bar->showMessage({});
         m_bar->clearCounts();
+        m_help->forget();
     }
 }
 

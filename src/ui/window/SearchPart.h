@@ -13,6 +13,7 @@ class QMainWindow;
 namespace nv {
 
 class SearchBar;
+class SearchHelp;
 class SearchHits;
 class SearchProgress;
 
@@ -71,6 +72,7 @@ class SearchPart final : public QObject, public Limiter {
 
     Workbench &m_bench;
     SearchBar *m_bar = nullptr;
+    SearchHelp *m_help = nullptr;
     SearchHits *m_hits = nullptr;
     SearchProgress *m_progress = nullptr;
     QTimer m_pause;                          ///< after a letter

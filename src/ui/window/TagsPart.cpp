@@ -6,6 +6,7 @@
 #include "base/Trap.h"
 #include "platform/qt/Icons.h"
 #include "platform/qt/QtText.h"
+#include "ui/views/PlacesPane.h"
 #include "ui/views/TagForm.h"
 #include "ui/views/TagPills.h"
 #include "ui/views/TagsPane.h"
@@ -26,18 +27,16 @@ constexpr std::string_view kProcedure = "MainForm.ShowTags()";
 constexpr std::size_t kAtOnce = 2000; // rows whose tags are written or asked without a task
 constexpr std::size_t kKeys = 9;
 
-/// "&" is a mnemonic in menus.
-QString literal(const std::string &name) {
-    constexpr std::size_t kMost = 60; // characters
-    return toQt(displayText(name, kMost)).replace(u'&', QStringLiteral("&&"));
-}
-
 QAction *newAction(const char *name, const QString &text, QObject *owner,
                    const QKeySequence &keys = {}) {
     auto *action = new QAction(text, owner);
     action->setObjectName(QLatin1String(name));
     action->setShortcut(keys);
     return action;
+}
+
+QVariant variantOf(const TagLimit &limit) {
+    return limit.isEmpty() ? QVariant() : QVariant::fromValue(limit);
 }
 
 } // namespace
@@ -58,7 +57,8 @@ class TagStep final : public QUndoCommand {
     bool m_isDone = false;
 };
 
-TagsPart::TagsPart(Workbench &bench) : m_bench(bench), m_pane(new TagsPane) {
+TagsPart::TagsPart(Workbench &bench)
+    : m_bench(bench), m_pane(new TagsPane), m_places(bench.dataArea->findChild<PlacesPane *>()) {
     bench.dataArea->addWidget(m_pane);
     bench.dataArea->setStretchFactor(bench.dataArea->count() - 1, 0);
     addMenu();
@@ -66,6 +66,7 @@ TagsPart::TagsPart(Workbench &bench) : m_bench(bench), m_pane(new TagsPane) {
     m_pane->setVisible(m_show->isChecked());
     connect(m_show, &QAction::toggled, this, &TagsPart::showPane);
     connectPane();
+    connectPlaces();
     connect(&bench.table->grid(), &UrlGrid::tagKeyPressed, this, &TagsPart::pressKey);
     connect(&bench, &Workbench::projectOpened, this, &TagsPart::takeProject);
     connect(&bench, &Workbench::tagLimitChosen, this, &TagsPart::setLimit);
@@ -75,7 +76,9 @@ TagsPart::TagsPart(Workbench &bench) : m_bench(bench), m_pane(new TagsPane) {
         m_history.clear();
         m_tags.clear();
         m_pane->setTags({}, {});
-        m_pane->setLimit(std::nullopt);
+        m_pane->setLimit({});
+        m_places->setTags({}, {});
+        m_places->setTagLimit({});
         m_bench.tags->setEnabled(false);
     });
 }
@@ -96,12 +99,14 @@ void TagsPart::addMenu() {
 }
 
 void TagsPart::connectPane() {
-    connect(m_pane, &TagsPane::newRequested, this, [this] { makeNew(false); });
+    connect(m_pane, &TagsPane::newRequested, this, &TagsPart::makeNew);
     connect(m_pane, &TagsPane::editRequested, this, &TagsPart::edit);
     connect(m_pane, &TagsPane::deleteRequested, this, &TagsPart::remove);
     connect(m_pane, &TagsPane::moveRequested, this, &TagsPart::move);
-    connect(m_pane, &TagsPane::rowsRequested, this, [this](qint64 tagID) { limitTo(tagID); });
-    connect(m_pane, &TagsPane::allRowsRequested, this, [this] { limitTo(std::nullopt); });
+    connect(m_pane, &TagsPane::rowsRequested, this, [this](qint64 tagID) {
+        limitTo({{tagID}, false});
+    });
+    connect(m_pane, &TagsPane::allRowsRequested, this, [this] { limitTo({}); });
 }
 
 void TagsPart::takeProject() {
@@ -117,26 +122,24 @@ void TagsPart::showPane(bool shown) {
 
 QVariant TagsPart::limit() const {
     const UrlTable *table = m_bench.table->table();
-    return table && table->tags ? QVariant(qint64{table->tags->tagIDs.front()}) : QVariant();
+    return table && table->tags ? QVariant::fromValue(*table->tags) : QVariant();
 }
 
 void TagsPart::setLimit(const QVariant &limit) {
     UrlTable *table = m_bench.table->table();
     if (!table)
         return;
-    std::optional<std::int64_t> tagID;
-    if (limit.isValid())
-        tagID = limit.toLongLong();
-    table->tags = tagID ? std::optional(TagLimit{{*tagID}, false}) : std::nullopt;
-    m_pane->setLimit(tagID);
+    const auto tags = limit.value<TagLimit>();
+    table->tags = tags.isEmpty() ? std::nullopt : std::optional(tags);
+    m_pane->setLimit(tags);
+    m_places->setTagLimit(tags);
 }
 
 std::vector<LimitChip> TagsPart::chips() const {
     const QVariant chosen = limit();
     if (!chosen.isValid())
         return {};
-    const NamedTag *tag = find(chosen.toLongLong());
-    return {{tr("Tag: %1").arg(tag ? toQt(displayText(tag->name)) : tr("(deleted)")), {}}};
+    return {{tr("Tag: %1").arg(toQt(tagLimitText(m_tags, chosen.value<TagLimit>()))), {}}};
 }
 
 void TagsPart::fill() {
@@ -147,6 +150,7 @@ void TagsPart::fill() {
         NamedTags tags(m_bench.project());
         m_tags = tags.list();
         m_pane->setTags(m_tags, tags.counts());
+        fillPlaces();
     });
 }
 
@@ -160,7 +164,7 @@ void TagsPart::addTagActions(const RowIds &rows) {
     Unwatched task;
     for (std::size_t at = 0; at < m_tags.size(); ++at) {
         const NamedTag tag = m_tags[at];
-        QString text = literal(tag.name);
+        QString text = menuText(tag);
         if (at < kKeys)
             text += u'\t' + QString::number(at + 1);
         QAction *action =
@@ -181,7 +185,10 @@ void TagsPart::fillMenu() {
     m_bench.tags->clear();
     addTagActions(rows);
     m_bench.tags->addSeparator();
-    QAction *make = m_bench.tags->addAction(tr("&New Tag..."), this, [this] { makeNew(true); });
+    QAction *make = m_bench.tags->addAction(tr("&New Tag..."), this, [this] {
+        if (const auto made = makeNew())
+            flip(*made);
+    });
     make->setObjectName(QStringLiteral("actNewTag"));
     m_bench.tags->addSeparator();
     m_bench.tags->addAction(m_show);
@@ -217,15 +224,19 @@ void TagsPart::flip(const NamedTag &tag) {
             if (have)
                 change = tagRows(m_bench.program, order, rows, task);
         });
-        if (!change)
-            return m_bench.showNotice(tr("No row was tagged."));
-        const QString notice = toQt(taggedText(order, *change));
-        if (!change->isNothing()) {
-            m_history.add(std::move(*change));
-            m_bench.limits.history().push(new TagStep(*this));
-        }
-        showChanged(notice);
+        take(order, std::move(change));
     });
+}
+
+void TagsPart::take(const TagOrder &order, std::optional<TagChange> change) {
+    if (!change)
+        return m_bench.showNotice(tr("No row was tagged."));
+    const QString notice = toQt(taggedText(order, *change));
+    if (!change->isNothing()) {
+        m_history.add(std::move(*change));
+        m_bench.limits.history().push(new TagStep(*this));
+    }
+    showChanged(notice);
 }
 
 QString TagsPart::textOf(const TagChange &change, bool isBack) const {
@@ -269,21 +280,20 @@ void TagsPart::showChanged(const QString &notice) {
     m_bench.showNotice(notice);
 }
 
-void TagsPart::makeNew(bool givesIt) {
+std::optional<NamedTag> TagsPart::makeNew() {
     if (!m_bench.isProjectOpen() || !m_bench.mayWrite())
-        return;
+        return std::nullopt;
     const auto place = static_cast<std::int64_t>(m_tags.size()) + 1;
     TagForm form(
         {.tagID = 0, .name = {}, .color = firstTagColor(place), .position = place, .note = {}},
         m_tags, &m_bench.window);
     form.exec();
     if (form.result() != QDialog::Accepted)
-        return;
+        return std::nullopt;
     std::optional<NamedTag> made;
     m_bench.run("MainForm.MakeTag()", [&] { made = makeTag(m_bench.program, form.tag()); });
     fill();
-    if (made && givesIt)
-        flip(*made);
+    return made;
 }
 
 void TagsPart::edit(std::int64_t tagID) {
@@ -314,10 +324,11 @@ void TagsPart::remove(std::int64_t tagID) {
         deleteTag(m_bench.program, tag);
         showChanged(tr("\"%1\" was deleted.").arg(toQt(displayText(tag.name))));
     });
-    const UrlTable *table = m_bench.table->table();
-    if (table && table->tags && !find(tag.tagID) &&
-        std::ranges::find(table->tags->tagIDs, tag.tagID) != table->tags->tagIDs.end())
-        limitTo(std::nullopt);
+    if (const UrlTable *table = m_bench.table->table(); table && table->tags && !find(tag.tagID)) {
+        TagLimit rest = *table->tags;
+        std::erase(rest.tagIDs, tag.tagID);
+        limitTo(rest);
+    }
     // Which rows had it is lost with the tag: no step before it can be taken back.
     if (!find(tag.tagID)) {
         m_history.clear();
@@ -343,13 +354,13 @@ void TagsPart::move(std::int64_t tagID, int steps) {
     });
 }
 
-void TagsPart::limitTo(std::optional<std::int64_t> tagID) {
-    UrlTable *table = m_bench.table->table();
+void TagsPart::limitTo(const TagLimit &limit) {
+    const UrlTable *table = m_bench.table->table();
     if (!table)
         return;
-    const QVariant before = limit();
-    setLimit(tagID ? QVariant(qint64{*tagID}) : QVariant());
-    if (limit() != before)
+    const auto before = table->tags;
+    setLimit(variantOf(limit));
+    if (table->tags != before)
         m_bench.run("MainForm.LimitTags()", [this] { m_bench.table->narrow(); });
 }
 

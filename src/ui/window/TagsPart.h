@@ -12,6 +12,7 @@ class QAction;
 
 namespace nv {
 
+class PlacesPane;
 class TagsPane;
 
 /// Named tags in the main window: the list beside the table, the menu of the chosen rows, the keys
@@ -34,8 +35,10 @@ class TagsPart final : public QObject, public Limiter {
 
     void addMenu();
     void connectPane();
+    void connectPlaces();
     void takeProject();
     void fill();
+    void fillPlaces();
     void fillMenu();
     void addTagActions(const RowIds &rows);
     void showPane(bool shown);
@@ -43,6 +46,10 @@ class TagsPart final : public QObject, public Limiter {
     /// Gives the chosen rows the n-th tag, or takes it away when all of them have it.
     void pressKey(int digit);
     void flip(const NamedTag &tag);
+    /// Gives the rows of places a tag, or takes it away.
+    void tagPlaces(const PlaceChoice &places, const NamedTag &tag, bool isSet);
+    /// What has come of an order; nothing when it was cancelled.
+    void take(const TagOrder &order, std::optional<TagChange> change);
     /// Runs what changes tags of `rows` rows; long work shows itself and can be cancelled.
     void work(std::size_t rows, const std::function<void(TaskMonitor &)> &change) const;
     void undo();
@@ -51,15 +58,16 @@ class TagsPart final : public QObject, public Limiter {
     void showChanged(const QString &notice);
     QString textOf(const TagChange &change, bool isBack) const;
 
-    void makeNew(bool givesIt);
+    std::optional<NamedTag> makeNew();
     void edit(std::int64_t tagID);
     void remove(std::int64_t tagID);
     void move(std::int64_t tagID, int steps);
-    void limitTo(std::optional<std::int64_t> tagID);
+    void limitTo(const TagLimit &limit);
     const NamedTag *find(std::int64_t tagID) const;
 
     Workbench &m_bench;
     TagsPane *m_pane = nullptr;
+    PlacesPane *m_places = nullptr;
     QAction *m_show = nullptr;
     std::vector<NamedTag> m_tags; ///< as of the last look
     TagHistory m_history;

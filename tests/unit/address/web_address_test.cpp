@@ -232,6 +232,10 @@ TEST(DomainNames, takesMappingsOfUnicodeToday) {
     EXPECT_EQ(asciiDomain("\xE1\xBA\x9E.com"), "xn--zca.com");
     EXPECT_EQ(asciiDomain("look\xE1\xA0\x8Eout.net"), "lookout.net");
     EXPECT_EQ(asciiDomain("XN--A"), "xn--a");
+    EXPECT_EQ(readableDomain("www.XN--bcher-kva.de"), "www.b\u00FCcher.de");
+    for (const char *name : {"www.example", "", "xn--a", "xn--.de"})
+        EXPECT_EQ(readableDomain(name), std::nullopt) << name;
+    EXPECT_EQ(readableDomain(repeated("xn--bcher-kva.", 2000)), std::nullopt);
     EXPECT_EQ(asciiDomain(repeated("\xC3\xA9", 2000)), std::nullopt);
 }
 

@@ -1,14 +1,19 @@
 #include "SearchedProject.h"
+#include "base/Digest.h"
 #include "base/Files.h"
 #include "search/KeywordRun.h"
 #include "search/KeywordTexts.h"
 #include "search/SearchFailure.h"
 
+#include <fstream>
 #include <random>
+#include <sys/stat.h>
+#include <thread>
 
 namespace nv::test {
 namespace {
 
+namespace fs = std::filesystem;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
@@ -38,6 +43,8 @@ TEST(KeywordList, readsTermsPhrasesAndExpressions) {
         ElementsAre("1:tide", "4:low water", "5:\"spring tide\"", "6:/t.de/"));
     EXPECT_THAT(termsOf("a;b\n/half\n\"\"\n"), ElementsAre("1:a;b", "2:/half", "3:\"\""));
     EXPECT_THAT(termsOf("tide\n/t/", PlainTerms::wholeWords), ElementsAre("1:\"tide\"", "2:/t/"));
+    EXPECT_THAT(termsOf("tide\rlow water\r\r# no\n\rmoon"),
+                ElementsAre("1:tide", "2:low water", "6:moon"));
     EXPECT_THAT(termsOf("Z\xFCrich"), ElementsAre("1:Z\xC3\xBCrich"));
 }
 
@@ -50,9 +57,13 @@ TEST(KeywordList, takesEachTermOnce) {
 TEST(KeywordList, namesTheLineThatItCannotRead) {
     EXPECT_THAT(failureOf("tide\n/a(/\n"), HasSubstr("\"list.txt\" line 2: the expression /a(/"));
     EXPECT_THAT(failureOf("\n\"--\"\n"), HasSubstr("line 2: \"--\" has no word in it"));
+    EXPECT_THAT(failureOf("ok\nt" + std::string("\0i\0", 3)),
+                HasSubstr("line 2: there are zero bytes in it: text in UTF-8, in UTF-16 with"));
     EXPECT_THAT(failureOf("ok\n" + std::string(3000, 'a')), HasSubstr("line 2: the term has 3000"));
     EXPECT_THAT(failureOf("# nothing\n\n"), HasSubstr("holds no terms"));
-    EXPECT_THAT(failureOf(""), HasSubstr("holds no terms"));
+    EXPECT_THAT(failureOf(""),
+                HasSubstr("\"list.txt\" is empty: a line for each term was expected"));
+    EXPECT_THAT(failureOf("# nothing\n"), HasSubstr("\"whole words\" or /expression/"));
 }
 
 TEST(KeywordList, readsFilesInUtf16) {
@@ -64,6 +75,25 @@ TEST(KeywordList, readsFilesInUtf16) {
     EXPECT_EQ(list.terms[0].text, "tide");
     EXPECT_EQ(list.terms[1].text, "\u00FCx");
     EXPECT_THROW(readKeywords(folder.path() / "none.txt"), FileFailure);
+}
+
+TEST(KeywordList, readsAPipeToItsEnd) {
+    const TempFolder folder;
+    const fs::path pipe = folder.path() / "pipe";
+    ASSERT_EQ(::mkfifo(pipe.c_str(), 0600), 0);
+    std::string text = "\xEF\xBB\xBFtide\r\n";
+    for (int term = 0; term < 20'000; ++term)
+        text += fmt::format("term{}\r\n", term); // more than a pipe holds at once
+    std::thread writer([&] { std::ofstream(pipe, std::ios::binary) << text; });
+    const KeywordList list = readKeywords(pipe);
+    writer.join();
+    EXPECT_EQ(list.terms.size(), 20'001u);
+    EXPECT_EQ(list.terms.front().text, "tide");
+    EXPECT_EQ(list.hashes.size, text.size());
+    EXPECT_EQ(list.file, pipe.string());
+    const fs::path file = folder.write("list.txt", text);
+    EXPECT_EQ(list.hashes, *hashesOfFile(file));
+    EXPECT_EQ(readKeywords(file).hashes, list.hashes);
 }
 
 TEST(TermAutomaton, findsWhatLookingForEachFinds) {
@@ -125,6 +155,17 @@ TEST(KeywordTexts, findsTermsWordsAndExpressionsInEitherCase) {
         << "an expression that matches nothing at all has no hits";
     EXPECT_THAT(inText("ide\ntide\n\"ide\"", "tide"), ElementsAre("ide 1 at 1+3", "tide 1 at 0+4"));
     EXPECT_THAT(inText("tide", ""), IsEmpty());
+}
+
+TEST(KeywordTexts, findsLettersWithMarksHoweverTheyAreCoded) {
+    EXPECT_THAT(inText("M\u00FCller\n\"mu\u0308ller\"", "mu\u0308ller M\u00FCLLER"),
+                ElementsAre("M\u00FCller 2 at 0+8", "mu\u0308ller 2 at 0+8"));
+}
+
+TEST(KeywordTexts, findsWholeWordsOfScriptsWithoutSpaces) {
+    EXPECT_THAT(inText("\"\u5929\u6C14\"\n\"tide\"", "\u4ECA\u5929\u5929\u6C14\u5F88\u597D tides"),
+                ElementsAre("\u5929\u6C14 1 at 6+6"));
+    EXPECT_THAT(inText("\"tide\"", "\u5929tide\u6C14 tides"), ElementsAre("tide 1 at 3+4"));
 }
 
 struct KeywordRunTest : testing::Test, SearchedProject {

@@ -66,7 +66,7 @@ TEST(SearchQuery, readsWordsPhrasesAndWhatIsLeftOut) {
     EXPECT_EQ(lineOf("\"tide tables\" -\"low water\" -moon"), "tide tables|-low water|-moon");
     EXPECT_EQ(lineOf("\"say \"\"so\"\" now\""), "say \"so\" now");
     EXPECT_EQ(lineOf("\"typed so far"), "typed so far");
-    EXPECT_EQ(lineOf("- tide"), "-|tide") << "a minus that stands alone is looked for";
+    EXPECT_EQ(lineOf("- tide"), "*-|tide") << "a minus that stands alone is looked for";
     EXPECT_EQ(lineOf("a-b"), "a-b");
 }
 
@@ -76,7 +76,8 @@ TEST(SearchQuery, readsStarsAsParts) {
     EXPECT_EQ(lineOf("*tide*"), "*tide");
     EXPECT_EQ(lineOf("ti*de"), "ti*de") << "within a word it is a sign like others";
     EXPECT_EQ(lineOf("\"tide*\""), "tide*");
-    EXPECT_EQ(lineOf("**"), "**");
+    EXPECT_EQ(lineOf("**"), "***") << "signs alone are parts, as they are no words";
+    EXPECT_EQ(lineOf("\u5929\u6C14*"), "*\u5929\u6C14") << "without spaces there are no beginnings";
 }
 
 TEST(SearchQuery, readsOperatorsInEitherCase) {
@@ -91,7 +92,7 @@ TEST(SearchQuery, takesAnExpressionForOneAndAPathForText) {
     EXPECT_EQ(lineOf("/ti[dk]e/"), "/ti[dk]e/");
     EXPECT_EQ(lineOf("/a b/ -/c\\/d/ e"), "/a b/|-/c\\/d/|e");
     EXPECT_EQ(lineOf("/folder/page.html"), "/folder/page.html");
-    EXPECT_EQ(lineOf("//"), "//");
+    EXPECT_EQ(lineOf("//"), "*//");
     EXPECT_EQ(lineOf("/a/b/ c"), "/a/b/|c");
 }
 
@@ -103,6 +104,43 @@ TEST(SearchQuery, saysWhatItCannotRead) {
     EXPECT_THAT(failureOf("after:yesterday"), HasSubstr("\"after:yesterday\": a date such as"));
     EXPECT_THAT(failureOf("/a(b/"), HasSubstr("the expression /a(b/ can't be read: missing"));
     EXPECT_THAT(failureOf("/(a)\\1/"), HasSubstr("can't be read"));
+}
+
+TEST(SearchQuery, saysAtWhichLetterItCannotBeRead) {
+    EXPECT_THAT(failureOf("\u00FCber before:2011-13"),
+                HasSubstr("letter 13: \"before:2011-13\": a date such as 2011, 2011-03"));
+    EXPECT_THAT(failureOf("tide -/a(b/"), HasSubstr("letter 7: the expression /a(b/"));
+    EXPECT_THAT(failureOf("after:"), HasSubstr("needs a value behind it: a date such as"));
+}
+
+TEST(SearchQuery, tellsInWhichOperatorSomebodyWrites) {
+    const std::string text = "tide -host:\"low water\" kind:ca";
+    const auto host = operatorAt(text, 14);
+    ASSERT_TRUE(host);
+    EXPECT_EQ(host->kind, ClauseKind::host);
+    EXPECT_EQ(host->value, "low water");
+    EXPECT_EQ(text.substr(host->at, host->length), "\"low water\"");
+    const auto kind = operatorAt(text, text.size());
+    ASSERT_TRUE(kind);
+    EXPECT_EQ(kind->kind, ClauseKind::kind);
+    EXPECT_EQ(kind->value, "ca");
+    EXPECT_EQ(operatorAt("kind:", 5)->value, "");
+    EXPECT_EQ(operatorAt("host:\"a b", 9)->value, "a b");
+    for (const std::size_t place : {0, 4, 7})
+        EXPECT_FALSE(operatorAt(text, place)) << place;
+    EXPECT_FALSE(operatorAt("\"host:a\"", 7));
+    EXPECT_FALSE(operatorAt("", 0));
+    EXPECT_FALSE(operatorAt("kind:a b", 8));
+}
+
+TEST(SearchQuery, aValueIsWrittenSoThatItIsReadAgain) {
+    for (const char *value : {"a.example", "Chrome Cache", "say \"a\"", "\"", "caf\u00E9"}) {
+        const SearchQuery query = parseSearch("host:" + operatorValue(value));
+        ASSERT_EQ(query.clauses.size(), 1u) << value;
+        EXPECT_EQ(query.clauses.front().text, value);
+    }
+    EXPECT_EQ(operatorWord(ClauseKind::kind), "kind:");
+    EXPECT_EQ(operatorWord(ClauseKind::text), "");
 }
 
 TEST(SearchQuery, refusesDatesThatAreNone) {
@@ -120,7 +158,7 @@ TEST(SearchQuery, hasAnEndWhateverIsTyped) {
     EXPECT_THAT(failureOf(many), HasSubstr("more than 64 words"));
     EXPECT_NE(failureOf("/" + std::string(9'000, '(') + "/"), "");
     EXPECT_NE(failureOf("/((a{1000}){1000}){1000}/"), "");
-    EXPECT_EQ(lineOf("\"" + std::string(5, '"')), std::string(2, '"'));
+    EXPECT_EQ(lineOf("\"" + std::string(5, '"')), "*\"\"");
     EXPECT_EQ(lineOf(std::string_view("a\0b", 3)), "a|b");
     EXPECT_EQ(lineOf("Z\xFCrich"), "Z\xC3\xBCrich") << "bytes of Windows-1252 are text too";
 }

@@ -1,4 +1,5 @@
 #include "MadeProject.h"
+#include "db/RecordTags.h"
 #include "support/TestDoubles.h"
 #include "views/PlaceLimit.h"
 #include "views/Places.h"
@@ -69,6 +70,10 @@ struct PlacesTest : testing::Test, test::MadeProject {
             expectCountsHold(node.children, limit);
         }
     }
+    NamedTag addTag(const std::string &name) {
+        return NamedTags(db()).add(
+            {.tagID = 0, .name = name, .color = {}, .position = 0, .note = {}});
+    }
     void addUsual() {
         addRow({"ada", "Edge", "Default", "Chrome Cache", "www.harbour.co.uk"});
         addRow({"ada", "Edge", "Default", "Chrome History", "Mail.Harbour.co.uk"});
@@ -113,6 +118,33 @@ TEST_F(PlacesTest, kindsStandBelowTheirGroup) {
                 ElementsAre("History 2", "-CHROME HISTORY 2", "Cache 1", "-CHROME CACHE 1",
                             "Cookies 2", "-CHROME COOKIE 1", "-FIREFOX COOKIE 1", "Other 1",
                             "-OF ANOTHER PROGRAM 1"));
+}
+
+TEST_F(PlacesTest, tagsStandInTheirOrderAndRowsWithoutAnyBehindThem) {
+    addUsual();
+    EXPECT_THAT(linesOf(load().tags), ElementsAre("(untagged) 6"));
+    const NamedTag later = addTag("Later");
+    const NamedTag important = addTag("Important");
+    addTag("Never");
+    RecordTags(db()).set(later.tagID, RowIds{1, 2}, "", task);
+    RecordTags(db()).set(important.tagID, RowIds{2, 5}, "", task);
+    EXPECT_THAT(linesOf(load().tags),
+                ElementsAre("Later 2", "Important 2", "Never 0", "(untagged) 3"));
+    expectCountsHold(places.tags, {});
+    EXPECT_EQ(rowsOf({{{{{PlaceField::Tag, "Later"}}}, {{{PlaceField::Tag, "Important"}}}}, {}}),
+              (RowIds{1, 2, 5}));
+    EXPECT_THAT(rowsOf({{{{{PlaceField::Tag, "Of nobody"}}}}, {}}), IsEmpty());
+}
+
+TEST_F(PlacesTest, theRowsOfPlacesAreFoundForWhoeverMarksThem) {
+    addUsual();
+    RowIds rows;
+    UnreadRows unread;
+    const PlaceChoice chosen{{{{{PlaceField::Person, "bob"}}}, {{{PlaceField::Host, "1.2.3.4"}}}},
+                             {}};
+    EXPECT_EQ(placeRows(db(), chosen, task, rows, unread), Walk::Finished);
+    EXPECT_EQ(rows, (RowIds{4, 5, 6}));
+    EXPECT_THAT(unread, IsEmpty());
 }
 
 TEST_F(PlacesTest, aLevelOfWhichNothingIsKnownIsLeftOut) {

@@ -93,6 +93,25 @@ TEST_F(TagLimitTest, aProjectWithoutTagsHasTheColumnEmpty) {
     EXPECT_EQ(table.find({"x", {UrlColumn::TagNames}}, 0, task).end, FindEnd::notThere);
 }
 
+TEST_F(TagLimitTest, tagsAreFlippedAndPutIntoWords) {
+    const std::vector<NamedTag> tags = {
+        {.tagID = 3, .name = "Important", .color = {}, .position = 1, .note = {}},
+        {.tagID = 7, .name = "Later", .color = {}, .position = 2, .note = {}}};
+    TagLimit limit = tagLimitOf(tags, "Later");
+    EXPECT_EQ(limit, (TagLimit{{7}, false}));
+    EXPECT_TRUE(tagLimitOf(tags, "Of nobody").isEmpty());
+    flipAll(limit, tagLimitOf(tags, ""));
+    flipAll(limit, tagLimitOf(tags, "Important"));
+    EXPECT_EQ(tagLimitText(tags, limit), "Later or Important or (untagged)");
+    EXPECT_TRUE(hasAll(limit, tagLimitOf(tags, "")));
+    flipAll(limit, tagLimitOf(tags, ""));
+    flipAll(limit, tagLimitOf(tags, "Later"));
+    EXPECT_EQ(limit, (TagLimit{{3}, false}));
+    EXPECT_FALSE(hasAll(limit, tagLimitOf(tags, "Later")));
+    EXPECT_FALSE(hasAll(limit, tagLimitOf(tags, "Of nobody")));
+    EXPECT_EQ(tagLimitText({}, limit), "(deleted)");
+}
+
 struct TagHistoryTest : TagLimitTest {
     TagChange set(std::int64_t tag, const RowIds &ids) {
         return *RecordTags(project.db()).set(tag, ids, {}, task);

@@ -1,4 +1,4 @@
-#include "ui/window/PlacesLoader.h"
+#include "ui/window/ProjectLook.h"
 
 #include "base/NoLog.h"
 #include "base/Trap.h"
@@ -6,6 +6,8 @@
 #include "platform/qt/QtText.h"
 
 #include <SQLiteCpp/Database.h>
+
+#include <utility>
 
 namespace nv {
 
@@ -26,16 +28,17 @@ class StoppedTask final : public TaskMonitor {
 
 } // namespace
 
-PlacesLoader::~PlacesLoader() {
+ProjectLook::~ProjectLook() {
     stop();
 }
 
-void PlacesLoader::start(const std::filesystem::path &project) {
+void ProjectLook::start(const std::filesystem::path &project, Read read, Done done) {
     stop();
-    m_thread = std::thread([this, project, turn = m_turn] { work(project, turn); });
+    m_thread = std::thread([this, project, read = std::move(read), done = std::move(done),
+                            turn = m_turn] { work(project, read, done, turn); });
 }
 
-void PlacesLoader::stop() {
+void ProjectLook::stop() {
     ++m_turn;
     m_stops = true;
     if (m_thread.joinable())
@@ -43,23 +46,23 @@ void PlacesLoader::stop() {
     m_stops = false;
 }
 
-void PlacesLoader::work(const std::filesystem::path &project, int turn) {
-    auto places = std::make_shared<Places>();
+void ProjectLook::work(const std::filesystem::path &project, const Read &read, const Done &done,
+                       int turn) {
     Walk walk = Walk::Cancelled;
     NoLog unheard; // the log is the window's: what went wrong is told there
-    const auto failure = failureOf(unheard, "PlacesLoader.work()", [&] {
+    const auto failure = failureOf(unheard, "ProjectLook.work()", [&] {
         const auto database = connectToProject(project, Access::read);
         StoppedTask task(m_stops);
-        walk = loadPlaces(*database, task, *places);
+        walk = read(*database, task);
     });
     QMetaObject::invokeMethod(
         this,
-        [this, turn, places, failure, walk] {
+        [this, turn, done, failure, walk] {
             if (turn != m_turn)
                 return;
             m_thread.join();
             if (walk == Walk::Finished || failure)
-                emit loaded(places, toQt(failure.value_or(std::string())));
+                done(toQt(failure.value_or(std::string())));
         },
         Qt::QueuedConnection);
 }
