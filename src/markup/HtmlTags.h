@@ -20,8 +20,8 @@ class HtmlTags {
   public:
     explicit HtmlTags(std::string_view html) : m_html(html) {}
 
-    /// False at the end of the page, where a tag without its ">" is none. To `text` is added what is
-    /// passed over and is neither comment nor declaration, each "<" of it as "&lt;".
+    /// False at the end of the page, where a tag without its ">" is none. To `text` is added what
+    /// is passed over and is neither comment nor declaration, each "<" of it as "&lt;".
     bool next(HtmlTag &tag, std::string *text = nullptr);
     /// Passes over the text of `name` (a script, a style, a title), in which nothing is a tag.
     void skipText(std::string_view name);

@@ -24,10 +24,15 @@ constexpr std::uint64_t kIdAt = 68;
 constexpr std::uint32_t kApplicationId = 0x4E565331; // "NVS1"
 /// Another number makes each index anew: count it up when what is indexed changes.
 constexpr std::uint32_t kForm = 2;
-constexpr int kHashBytes = 32 << 20;
-/// So many pieces of an index lie side by side before they are made one, which takes a fifth of the
-/// making less than with the usual four.
-constexpr int kPieces = 16;
+/// Texts that are gathered before they are written as a piece of the index.
+constexpr int kHashBytes = 64 << 20;
+/// So many pieces lie side by side before they are made one, which takes a third of the making; a
+/// search asks each of them.
+constexpr int kPieces = 64; // FTS5 takes no more
+/// Then all are made one at once, however long it takes, and what they took up stays in the file as
+/// free pages. Up to there, pieces are made one a little with each that is added, and the pages of
+/// those that are done are used again: so it must lie far above.
+constexpr int kMostPieces = 512;
 
 /// Values are cut into runs of three letters, so that any part is found; texts into words. No text
 /// is kept: hits are read from the project.
@@ -44,7 +49,8 @@ constexpr const char *kTables =
 /// What is looked up lies together and is read once: more of it in memory than some of its inner
 /// pages makes no search quicker.
 constexpr int kCacheOfReaders = 8 << 10; // KB
-constexpr int kCacheOfMakers = 64 << 10;
+/// FTS5 gathers what is to be written itself, and writes each page once.
+constexpr int kCacheOfMakers = 16 << 10;
 
 std::unique_ptr<SQLite::Database> connected(const fs::path &file, int flags, int cache,
                                             int patience) {
@@ -112,10 +118,14 @@ std::unique_ptr<SQLite::Database> make(const fs::path &file) {
                                kApplicationId, kForm));
     database->exec(kTables);
     for (const char *table : {"Brief", "Words"})
-        database->exec(fmt::format("INSERT INTO {0} ({0}, rank) VALUES ('hashsize', {1}), "
-                                   "('automerge', {2})",
-                                   table, kHashBytes, kPieces));
+        gatherMuch(*database, table);
     return database;
+}
+
+void gatherMuch(SQLite::Database &index, const std::string &table) {
+    index.exec(fmt::format("INSERT INTO {0} ({0}, rank) VALUES ('hashsize', {1}), "
+                           "('automerge', {2}), ('crisismerge', {3})",
+                           table, kHashBytes, kPieces, kMostPieces));
 }
 
 std::unique_ptr<SQLite::Database> open(const fs::path &file, bool forWriting, int patience) {

@@ -35,6 +35,9 @@ constexpr int kUsualPatience = 10'000; // milliseconds
 std::unique_ptr<SQLite::Database> open(const std::filesystem::path &file, bool forWriting,
                                        int patience = kUsualPatience);
 
+/// Lets a new FTS5 table gather much before it writes, and write it once.
+void gatherMuch(SQLite::Database &index, const std::string &table);
+
 /// The fact by which an index holds: stampOf() the project that it was made of.
 inline constexpr const char *kStamp = "stamp";
 

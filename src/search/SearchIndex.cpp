@@ -248,9 +248,11 @@ IndexEnd SearchIndex::fill(SQLite::Database &index, TaskMonitor &task, IndexNews
         const bool fillsParts = parts && known != "whole";
         SQLite::Transaction transaction(index, SQLite::TransactionBehavior::IMMEDIATE);
         index_file::setFact(index, index_file::kStamp, {});
-        if (fillsParts)
+        if (fillsParts) {
             index.exec("DROP TABLE IF EXISTS Parts; CREATE VIRTUAL TABLE Parts USING fts5(Page, "
                        "Headers, content='', columnsize=0, tokenize='trigram')");
+            index_file::gatherMuch(index, "Parts");
+        }
         IndexFill fill(m_project, index, parts || known == "whole", fillsParts);
         const bool whole = fill.run(task);
         if (fillsParts)

@@ -28,7 +28,7 @@ class LocalSeconds {
     bool m_enableDSTChanges;
     /// Of hours since 1970; none for those in which it changes.
     std::unordered_map<std::int64_t, std::optional<std::int64_t>> m_offsets;
-    std::int64_t m_lastHour = 0;
+    std::int64_t m_lastHour = 0;              ///< its first second
     std::optional<std::int64_t> m_lastOffset; ///< of that hour
 };
 

@@ -119,13 +119,13 @@ Walk walkRows(SQLite::Database &project, const RowIds &ids, UrlColumn column, Ta
 }
 
 /// The same by an index, in any order.
-NarrowWalk walkIndex(SQLite::Database &project, const RowIds &ids, UrlColumn column,
+NarrowWalk walkIndex(SQLite::Database &project, const RowIds &ids, UrlColumn column, NarrowIds told,
                      TaskMonitor &task, const Look &look) {
     if (isGathered(column))
         return NarrowWalk::Impossible;
     const bool isType = factsOf(column).rule == CellRule::Type;
     TypeWords types;
-    return walkNarrow(project, {sourceOf(column)}, ids, task, [&](const NarrowRow &row) {
+    return walkNarrow(project, {sourceOf(column)}, ids, told, task, [&](const NarrowRow &row) {
         look(row.id(), isType ? std::string_view(types.of(row.text(0))) : row.text(0));
     });
 }
@@ -251,11 +251,12 @@ NarrowWalk walkDates(SQLite::Database &project, const RowIds &ids, const ColumnL
                      TaskMonitor &task, RowIds &out) {
     if (limit != ColumnLimit{.column = limit.column, .dates = limit.dates})
         return NarrowWalk::Impossible;
-    return walkNarrow(project, {sourceOf(limit.column)}, ids, task, [&](const NarrowRow &row) {
-        const auto days = row.number(0);
-        if (!days || !holds(limit.dates->within, *days))
-            out.push_back(row.id());
-    });
+    return walkNarrow(project, {sourceOf(limit.column)}, ids, NarrowIds::told, task,
+                      [&](const NarrowRow &row) {
+                          const auto days = row.number(0);
+                          if (!days || !holds(limit.dates->within, *days))
+                              out.push_back(row.id());
+                      });
 }
 
 } // namespace
@@ -268,8 +269,9 @@ Walk keepByColumn(SQLite::Database &project, const ColumnLimit &limit, TaskMonit
         if (!test.meets(value))
             out.push_back(id);
     };
-    const NarrowWalk byIndex = limit.dates ? walkDates(project, ids, limit, task, out)
-                                           : walkIndex(project, ids, limit.column, task, look);
+    const NarrowWalk byIndex =
+        limit.dates ? walkDates(project, ids, limit, task, out)
+                    : walkIndex(project, ids, limit.column, NarrowIds::told, task, look);
     if (byIndex == NarrowWalk::Cancelled)
         return Walk::Cancelled;
     if (byIndex == NarrowWalk::Impossible) {
@@ -285,7 +287,7 @@ Walk countValues(SQLite::Database &project, const RowIds &ids, UrlColumn column,
                  TaskMonitor &task, CountedValues &counted) {
     ValueCounts known;
     const NarrowWalk byIndex =
-        walkIndex(project, ids, column, task,
+        walkIndex(project, ids, column, NarrowIds::untold, task,
                   [&](std::int32_t, std::string_view value) { known.add(value); });
     if (byIndex == NarrowWalk::Cancelled || (byIndex == NarrowWalk::Finished && !known.isCut())) {
         counted = known.most(most);

@@ -55,35 +55,53 @@ bool hasColumns(SQLite::Database &project, const NarrowIndex &index) {
 
 using Look = std::function<void(const NarrowRow &)>;
 
+/// The rows that are wanted: all from the first id to the last one, or those whose bits are set.
+struct Wanted {
+    IdRange range;
+    std::optional<IdBits> bits;
+
+    bool has(std::int64_t id) const {
+        return bits ? bits->has(id) : id >= range.first && id <= range.last;
+    }
+};
+
 /// Who is shown the rows of a statement.
 struct Looker {
     const Look &look;
-    const IdBits &wanted;
+    const Wanted &wanted;
+    NarrowIds told;
+    std::size_t shown = 0;
 };
 
+constexpr std::string_view kEnds = "(SELECT min(URL_ID) FROM URLs), (SELECT max(URL_ID) FROM URLs)";
 constexpr const char *kFunction = "nv_look";
 constexpr const char *kLooker = "nv::Looker"; ///< what the first argument points to
 
 /// Who looks: asked of the first row, since to compare the pointer's name takes long.
 /// Null when somebody else calls the function.
-const Looker *lookerOf(sqlite3_context *context, sqlite3_value *first) {
-    void *room = sqlite3_aggregate_context(context, sizeof(const Looker *)); // zeros at first
+Looker *lookerOf(sqlite3_context *context, sqlite3_value *first) {
+    void *room = sqlite3_aggregate_context(context, sizeof(Looker *)); // zeros at first
     if (room == nullptr)
         return nullptr;
-    auto *kept = static_cast<const Looker **>(room);
+    auto *kept = static_cast<Looker **>(room);
     if (*kept == nullptr)
-        *kept = static_cast<const Looker *>(sqlite3_value_pointer(first, kLooker));
+        *kept = static_cast<Looker *>(sqlite3_value_pointer(first, kLooker));
     return *kept;
 }
 
 /// SQLite calls this for each row, which takes a third of the time of a step of the statement. The
 /// statement ends with the first failure.
 void showRow(sqlite3_context *context, int, sqlite3_value **values) {
-    const Looker *looker = lookerOf(context, *values);
-    if (looker == nullptr || !looker->wanted.has(sqlite3_value_int64(values[1])))
+    Looker *looker = lookerOf(context, *values);
+    if (looker == nullptr)
         return;
+    const bool isTold = looker->told == NarrowIds::told;
+    if (isTold && !looker->wanted.has(sqlite3_value_int64(values[1])))
+        return;
+    ++looker->shown;
+    const NarrowRow row(isTold ? values[1] : nullptr, values + (isTold ? 2 : 1));
     NoLog unheard; // who reads the rows themselves tells
-    const auto failure = failureOf(unheard, {}, [&] { looker->look(NarrowRow(values)); });
+    const auto failure = failureOf(unheard, {}, [&] { looker->look(row); });
     if (failure)
         sqlite3_result_error(context, failure->c_str(), -1);
 }
@@ -103,11 +121,12 @@ RawStatement prepared(SQLite::Database &project, const std::string &sql) {
     return RawStatement(statement);
 }
 
+/// With the least and the greatest id of the rows that it shows.
 RawStatement lookStatement(SQLite::Database &project, const NarrowIndex &index,
-                           const Columns &columns) {
-    const std::string sql =
-        fmt::format("SELECT {}(?1, URL_ID, {}) FROM URLs INDEXED BY {} WHERE {}", kFunction,
-                    fmt::join(columns, ", "), index.name, kAllRows);
+                           const Columns &columns, NarrowIds told) {
+    const std::string sql = fmt::format("SELECT {}(?1, {}{}), {} FROM URLs INDEXED BY {} WHERE {}",
+                                        kFunction, told == NarrowIds::told ? "URL_ID, " : "",
+                                        fmt::join(columns, ", "), kEnds, index.name, kAllRows);
     if (auto statement = prepared(project, sql))
         return statement;
     // To replace a function that is there fails while a statement is at work.
@@ -126,7 +145,7 @@ bool hasUtf8(SQLite::Database &project) {
 
 /// Which rows are wanted; nothing when looking each of them up costs less than the whole index, or
 /// when one is wanted twice.
-std::optional<IdBits> wantedOf(SQLite::Database &project, const RowIds &ids) {
+std::optional<Wanted> wantedOf(SQLite::Database &project, const RowIds &ids) {
     constexpr std::int64_t kPart = 8; // of all rows
     const std::int64_t last = project.execAndGet("SELECT max(URL_ID) FROM URLs").getInt64();
     if (ids.empty() || last / kPart > static_cast<std::int64_t>(ids.size()))
@@ -136,24 +155,49 @@ std::optional<IdBits> wantedOf(SQLite::Database &project, const RowIds &ids) {
     if (range.isWideFor(ids.size()))
         return std::nullopt;
     IdBits bits(ids, range);
-    return bits.count() == ids.size() ? std::optional(std::move(bits)) : std::nullopt;
+    if (bits.count() != ids.size())
+        return std::nullopt;
+    if (range.size() == ids.size())
+        return Wanted{range, std::nullopt};
+    return Wanted{range, std::move(bits)};
+}
+
+/// Whether these are all rows from the least id of the table to its greatest.
+bool areAll(SQLite::Database &project, const Wanted &wanted) {
+    if (wanted.bits)
+        return false;
+    SQLite::Statement ends(project, fmt::format("SELECT {}", kEnds));
+    return ends.executeStep() && ends.getColumn(0).getInt64() == wanted.range.first &&
+           ends.getColumn(1).getInt64() == wanted.range.last;
+}
+
+/// Rows whose ids weren't told are those that were wanted when they are as many and have the same
+/// ends: no two have the same id. Others may have come or gone since they were listed.
+bool areWanted(const Looker &looker, sqlite3_stmt *ends) {
+    const IdRange &range = looker.wanted.range;
+    return looker.told == NarrowIds::told ||
+           (looker.shown == range.size() && sqlite3_column_int64(ends, 1) == range.first &&
+            sqlite3_column_int64(ends, 2) == range.last);
 }
 
 NarrowWalk walkIndex(SQLite::Database &project, const NarrowIndex &index, const Columns &columns,
-                     const RowIds &ids, TaskMonitor &task, const Look &look) {
+                     const RowIds &ids, NarrowIds told, TaskMonitor &task, const Look &look) {
     const auto wanted = wantedOf(project, ids);
     if (!wanted || !hasUtf8(project))
         return NarrowWalk::Impossible;
-    const RawStatement statement = lookStatement(project, index, columns);
+    if (told == NarrowIds::untold && !areAll(project, *wanted))
+        told = NarrowIds::told;
+    const RawStatement statement = lookStatement(project, index, columns, told);
     if (!statement)
         return NarrowWalk::Impossible;
-    Looker looker{look, *wanted};
+    Looker looker{look, *wanted, told};
     sqlite3_bind_pointer(statement.get(), 1, &looker, kLooker, nullptr);
     const StatementWatch watch(project, task);
     const int answer = sqlite3_step(statement.get());
     if (watch.cancelled())
         return NarrowWalk::Cancelled;
-    return answer == SQLITE_ROW ? NarrowWalk::Finished : NarrowWalk::Impossible;
+    return answer == SQLITE_ROW && areWanted(looker, statement.get()) ? NarrowWalk::Finished
+                                                                      : NarrowWalk::Impossible;
 }
 
 } // namespace
@@ -175,18 +219,18 @@ IndexState ensureNarrowIndexes(SQLite::Database &project, TaskMonitor &task) {
 }
 
 std::int32_t NarrowRow::id() const {
-    return sqlite3_value_int(m_values[1]);
+    return m_id != nullptr ? sqlite3_value_int(m_id) : 0;
 }
 
 std::string_view NarrowRow::text(std::size_t column) const {
-    sqlite3_value *value = m_values[column + 2];
+    sqlite3_value *value = m_columns[column];
     // As bytes it isn't copied for a zero behind it; numbers become a text all the same.
     const void *bytes = sqlite3_value_blob(value); // before the length, which it settles
     return {static_cast<const char *>(bytes), static_cast<std::size_t>(sqlite3_value_bytes(value))};
 }
 
 std::optional<double> NarrowRow::number(std::size_t column) const {
-    sqlite3_value *value = m_values[column + 2];
+    sqlite3_value *value = m_columns[column];
     const int type = sqlite3_value_type(value);
     return type == SQLITE_FLOAT || type == SQLITE_INTEGER
                ? std::optional(sqlite3_value_double(value))
@@ -194,12 +238,12 @@ std::optional<double> NarrowRow::number(std::size_t column) const {
 }
 
 NarrowWalk walkNarrow(SQLite::Database &project, const Columns &columns, const RowIds &ids,
-                      TaskMonitor &task, const Look &look) {
+                      NarrowIds told, TaskMonitor &task, const Look &look) {
     const NarrowIndex *index = indexWith(columns);
     NarrowWalk walk = NarrowWalk::Impossible;
     NoLog unheard; // who reads the rows themselves tells
     if (index != nullptr && failureOf(unheard, {}, [&] {
-            walk = walkIndex(project, *index, columns, ids, task, look);
+            walk = walkIndex(project, *index, columns, ids, told, task, look);
         }))
         return NarrowWalk::Impossible;
     return walk;

@@ -24,7 +24,8 @@ IndexState ensureNarrowIndexes(SQLite::Database &project, TaskMonitor &task);
 /// A row as an index has it, as long as it is shown.
 class NarrowRow {
   public:
-    explicit NarrowRow(sqlite3_value **values) : m_values(values) {}
+    NarrowRow(sqlite3_value *id, sqlite3_value **columns) : m_id(id), m_columns(columns) {}
+    /// 0 where ids aren't told.
     std::int32_t id() const;
     /// Of the columns in the order in which they were asked for, from 0; empty for no value.
     std::string_view text(std::size_t column) const;
@@ -32,8 +33,12 @@ class NarrowRow {
     std::optional<double> number(std::size_t column) const;
 
   private:
-    sqlite3_value **m_values; ///< after the id and what the function needs
+    sqlite3_value *m_id;
+    sqlite3_value **m_columns;
 };
+
+/// Whether who looks asks for the ids of the rows: of all rows it takes a third less without.
+enum class NarrowIds : std::uint8_t { told, untold };
 
 using Columns = std::vector<std::string_view>;
 
@@ -47,7 +52,8 @@ enum class NarrowWalk {
 /// Shows what an index holds of these rows, in no order that the caller may count on. Rows that
 /// aren't there aren't shown. `look` mustn't use the connection.
 NarrowWalk walkNarrow(SQLite::Database &project, const Columns &columns, const RowIds &ids,
-                      TaskMonitor &task, const std::function<void(const NarrowRow &)> &look);
+                      NarrowIds told, TaskMonitor &task,
+                      const std::function<void(const NarrowRow &)> &look);
 
 /// Shows each value of a column, or one of those that differ in case only, and how many of all rows
 /// have it, by an index. False when that can't be: what was shown is worth nothing then.

@@ -12,7 +12,6 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <limits>
 #include <map>
 #include <numeric>
 #include <optional>
@@ -116,6 +115,31 @@ Date dateIn(const SQLite::Column &column) {
     return column.isFloat() || column.isInteger() ? Date::fromDays(column.getDouble()) : Date();
 }
 
+/// Those with most events first, whatever the order in which they were read.
+void orderParts(TimedEvents &events) {
+    std::vector<std::uint64_t> counts(events.parts.size());
+    for (const std::uint8_t part : events.part)
+        ++counts[part];
+    std::vector<std::size_t> order(events.parts.size());
+    std::iota(order.begin(), order.end(), 0);
+    std::ranges::sort(order, [&](std::size_t one, std::size_t other) {
+        return counts[one] != counts[other] ? counts[one] > counts[other]
+                                            : events.parts[one] < events.parts[other];
+    });
+    if (std::ranges::is_sorted(order))
+        return;
+    std::vector<std::string> names;
+    names.reserve(order.size());
+    std::vector<std::uint8_t> places(order.size());
+    for (const std::size_t part : order) {
+        places[part] = static_cast<std::uint8_t>(names.size());
+        names.push_back(std::move(events.parts[part]));
+    }
+    events.parts = std::move(names);
+    for (std::uint8_t &part : events.part)
+        part = places[part];
+}
+
 /// The rows one after the other, as they lie in the project.
 Walk eventsOfRows(SQLite::Database &project, const RowIds &ids, TimeStack stack,
                   LocalSeconds &clock, TaskMonitor &task, TimedEvents &events) {
@@ -143,25 +167,9 @@ Walk eventsOfRows(SQLite::Database &project, const RowIds &ids, TimeStack stack,
         if (failureOf(unheard, {}, [&] { take(id); }))
             events.unread.insert(id);
     }
+    if (!parts.areFull())
+        orderParts(events);
     return Walk::Finished;
-}
-
-/// Parts stand in the order in which the rows have them, whatever the order in which they were
-/// read. `firsts` are the least ids of each.
-void orderParts(const std::vector<std::int32_t> &firsts, TimedEvents &events) {
-    std::vector<std::size_t> order(events.parts.size());
-    std::iota(order.begin(), order.end(), 0);
-    std::ranges::sort(order, {}, [&](std::size_t part) { return firsts[part]; });
-    std::vector<std::string> names;
-    names.reserve(order.size());
-    std::vector<std::uint8_t> places(order.size());
-    for (const std::size_t part : order) {
-        places[part] = static_cast<std::uint8_t>(names.size());
-        names.push_back(std::move(events.parts[part]));
-    }
-    events.parts = std::move(names);
-    for (std::uint8_t &part : events.part)
-        part = places[part];
 }
 
 Columns columnsFor(TimeStack stack) {
@@ -181,28 +189,26 @@ std::optional<Walk> eventsOfIndex(SQLite::Database &project, const RowIds &ids, 
                                   LocalSeconds &clock, TaskMonitor &task, TimedEvents &events) {
     const Columns columns = columnsFor(stack);
     Parts parts(stack, events.parts);
-    std::vector<std::int32_t> firsts(kMostParts, std::numeric_limits<std::int32_t>::max());
     events.seconds.reserve(ids.size());
     events.part.reserve(ids.size());
     const auto text = [&](const NarrowRow &row, std::size_t column) {
         return column < columns.size() ? row.text(column) : std::string_view();
     };
-    const NarrowWalk walk = walkNarrow(project, columns, ids, task, [&](const NarrowRow &row) {
+    const auto take = [&](const NarrowRow &row) {
         const auto days = row.number(0);
         const auto second = clock.of(days ? Date::fromDays(*days) : Date());
         events.undated += second ? 0 : 1;
         if (!second)
             return;
-        const std::uint8_t part = parts.of(text(row, 1), text(row, 2));
-        firsts[part] = std::min(firsts[part], row.id());
-        events.part.push_back(part);
+        events.part.push_back(parts.of(text(row, 1), text(row, 2)));
         events.seconds.push_back(*second);
-    });
+    };
+    const NarrowWalk walk = walkNarrow(project, columns, ids, NarrowIds::untold, task, take);
     if (walk == NarrowWalk::Cancelled)
         return Walk::Cancelled;
     if (walk == NarrowWalk::Impossible || parts.areFull())
         return std::nullopt;
-    orderParts(firsts, events);
+    orderParts(events);
     return Walk::Finished;
 }
 
@@ -319,6 +325,34 @@ TimeSpan TimeBars::spanOf(std::size_t from, std::size_t to) const {
     return {start(from), start(to)};
 }
 
+namespace {
+
+/// In which bar events lie: those that follow each other are often of the same hour, and minute.
+class BarPlace {
+  public:
+    explicit BarPlace(const TimeBars &bars) : m_bars(bars) {}
+    void goTo(std::int64_t second) {
+        if (m_known.holds(second))
+            return;
+        const TimeUnit least = std::max(m_bars.unit, TimeUnit::hour);
+        const std::int64_t slot = slotOf(second, least);
+        m_known = {startOf(slot, least), startOf(slot + 1, least)};
+        m_bar =
+            static_cast<std::size_t>((slotOf(second, m_bars.unit) - m_bars.first) / m_bars.step);
+        m_hour = static_cast<std::size_t>(hourOf(second));
+    }
+    std::size_t bar() const { return m_bar; }
+    std::size_t hour() const { return m_hour; }
+
+  private:
+    const TimeBars &m_bars;
+    TimeSpan m_known; ///< all of it is of that bar and hour
+    std::size_t m_bar = 0;
+    std::size_t m_hour = 0;
+};
+
+} // namespace
+
 TimeBars barsOf(const TimedEvents &events, TimeUnit unit, const TimeSpan &span,
                 std::size_t mostBars) {
     TimeBars bars;
@@ -334,14 +368,15 @@ TimeBars barsOf(const TimedEvents &events, TimeUnit unit, const TimeSpan &span,
     if (unit <= TimeUnit::day)
         bars.hours.resize(bars.count);
     const TimeSpan shown = bars.spanOf(0, bars.count);
+    BarPlace place(bars);
     for (std::size_t at = 0; at < events.seconds.size(); ++at) {
         const std::int64_t second = events.seconds[at];
         if (!shown.holds(second))
             continue;
-        const auto bar = static_cast<std::size_t>((slotOf(second, unit) - bars.first) / bars.step);
-        ++bars.counts[bar * bars.parts + events.part[at]];
+        place.goTo(second);
+        ++bars.counts[place.bar() * bars.parts + events.part[at]];
         if (!bars.hours.empty())
-            ++bars.hours[bar].at(static_cast<std::size_t>(hourOf(second)));
+            ++bars.hours[place.bar()].at(place.hour());
     }
     return bars;
 }

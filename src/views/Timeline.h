@@ -27,9 +27,11 @@ enum class TimeStack : std::uint8_t {
 struct TimedEvents {
     EventSeconds seconds;           ///< by the zone's clock
     std::vector<std::uint8_t> part; ///< of each event, a place in `parts`
-    std::vector<std::string> parts; ///< one, without a name, when nothing is divided
-    std::uint64_t undated = 0;      ///< rows without a date
-    UnreadRows unread;              ///< rows that can't be read
+    /// Those with most events first; one, without a name, when nothing is divided. The last one is
+    /// what shares it when there are more than a byte tells apart.
+    std::vector<std::string> parts;
+    std::uint64_t undated = 0; ///< rows without a date
+    UnreadRows unread;         ///< rows that can't be read
 };
 
 /// The rows of `ids`, whose order is of no matter. A cancel leaves those that were read. Throws

@@ -253,6 +253,46 @@ TEST_F(SearchIndexTest, takesProjectsOfEarlierBuilds) {
     EXPECT_THAT(found("browser:edge"), IsEmpty());
 }
 
+/// What is merged at once leaves as much free room in the file as it took up.
+TEST_F(SearchIndexTest, leavesLittleRoomFreeWhereManyPiecesWereMerged) {
+    const fs::path made = folder.path() / "made.search";
+    const auto index = index_file::make(made);
+    // A piece for some tens of rows, in place of one for some hundred thousand.
+    index->exec("INSERT INTO Brief (Brief, rank) VALUES ('hashsize', 20000)");
+    index->exec("BEGIN; WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < "
+                "20000) INSERT INTO Brief (rowid, Text) SELECT i, 'http://host' || (i % 97) || "
+                "'/page/' || (i * 7919 % 20011) || '?q=' || (i * 31) FROM n; COMMIT");
+    const auto pages = [&](const char *which) {
+        return index->execAndGet(fmt::format("PRAGMA {}", which)).getInt64();
+    };
+    EXPECT_GT(pages("page_count"), 100);
+    EXPECT_LT(pages("freelist_count") * 5, pages("page_count"));
+    EXPECT_EQ(
+        index->execAndGet("SELECT count(*) FROM Brief WHERE Brief MATCH '\"/page/\"'").getInt(),
+        20'000);
+    EXPECT_EQ(
+        index->execAndGet("SELECT count(*) FROM Brief WHERE Brief MATCH '\"host96/\"'").getInt(),
+        20'000 / 97);
+}
+
+/// Each change that is brought in is one more.
+TEST_F(SearchIndexTest, findsAllInMorePiecesThanLieSideBySide) {
+    updated();
+    for (int change = 1; change <= 150; ++change) {
+        const int row = change % 20 + 1;
+        connection().exec(
+            fmt::format("UPDATE URLs SET Notes = 'note{}.', HTMLBody = 'text{} of number{}' WHERE "
+                        "URL_ID = {}",
+                        change, change, row, row));
+        ASSERT_THAT(found(fmt::format("note{}.", change)), ElementsAre(row));
+        ASSERT_FALSE(news.madeAnew);
+    }
+    EXPECT_EQ(found("note13").size(), 9u) << "of the last 20: 131 to 139";
+    EXPECT_THAT(found("text150"), ElementsAre(11));
+    EXPECT_THAT(found("text130"), IsEmpty());
+    EXPECT_EQ(found("number1").size(), 1u);
+}
+
 TEST_F(SearchIndexTest, serves100000Rows) {
     connection().exec(
         "WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < 100000) "

@@ -134,7 +134,7 @@ struct NarrowIndexTest : testing::Test {
         expectSame(quick, slow);
     }
     NarrowWalk walk(SQLite::Database &db, const Columns &columns, const RowIds &ids) {
-        return walkNarrow(db, columns, ids, task, [](const NarrowRow &) {});
+        return walkNarrow(db, columns, ids, NarrowIds::told, task, [](const NarrowRow &) {});
     }
     std::vector<int> rootsOfIndexes() {
         SQLite::Statement root(project.db(), "SELECT rootpage FROM sqlite_master WHERE name IN "
@@ -196,6 +196,37 @@ TEST_F(NarrowIndexTest, tellsOfTheRowsThatAreAskedFor) {
         << "few are quicker looked up";
     EXPECT_EQ(walk(project.db(), {"Host"}, {}), NarrowWalk::Impossible);
     EXPECT_EQ(walk(project.db(), {"Host", "CacheType"}, all()), NarrowWalk::Impossible);
+}
+
+TEST_F(NarrowIndexTest, tellsOfAllRowsWithoutTheirIds) {
+    addMany(300);
+    index();
+    const RowIds ids = idsOf("SELECT URL_ID FROM URLs ORDER BY Host DESC");
+    std::size_t shown = 0;
+    std::size_t named = 0;
+    const auto walked = [&] {
+        shown = named = 0;
+        return walkNarrow(project.db(), {"Host"}, ids, NarrowIds::untold, task,
+                          [&](const NarrowRow &row) {
+                              ++shown;
+                              named += row.id() != 0 ? 1 : 0;
+                          });
+    };
+    EXPECT_EQ(walked(), NarrowWalk::Finished);
+    EXPECT_EQ(shown, 300U);
+    EXPECT_EQ(named, 0U);
+    expectSameAsTheRows(ids);
+    // Another program takes a row away that was listed.
+    const auto other = connectToProject(project.project.filePath, Access::write);
+    other->exec("DELETE FROM URLs WHERE URL_ID = 150");
+    EXPECT_EQ(walked(), NarrowWalk::Impossible);
+    expectSameAsTheRows(ids);
+    // And brings one that wasn't: there are as many as are listed.
+    other->exec("INSERT INTO URLs (Host) VALUES ('late.example')");
+    EXPECT_EQ(walked(), NarrowWalk::Finished);
+    EXPECT_EQ(shown, 299U);
+    EXPECT_EQ(named, 299U);
+    expectSameAsTheRows(ids);
 }
 
 TEST_F(NarrowIndexTest, ordersPartsAndCutsTooManyAsTheRowsDo) {
@@ -336,7 +367,7 @@ TEST_F(NarrowIndexTest, endsAtTheFirstRowThatFails) {
     addMany(20);
     index();
     std::size_t shown = 0;
-    EXPECT_EQ(walkNarrow(project.db(), {"Host"}, all(), task,
+    EXPECT_EQ(walkNarrow(project.db(), {"Host"}, all(), NarrowIds::told, task,
                          [&](const NarrowRow &) {
                              ++shown;
                              throw std::runtime_error("a row that makes no sense");

@@ -133,6 +133,48 @@ TEST_F(TimelineTest, aProgramThatRecoveredRowsIsNoBrowser) {
     EXPECT_THAT(events(TimeStack::browser).parts, ElementsAre("Unknown"));
 }
 
+TEST_F(TimelineTest, partsWithMostEventsStandFirst) {
+    add({2011, 3, 1, 12, 0, 0}, "Opera Cookies", "b");
+    for (int day = 1; day <= 3; ++day)
+        add({2011, 3, day, 12, 0, 0}, "Chrome Cache", "c");
+    add({2011, 3, 5, 12, 0, 0}, "Chrome History", "a");
+    const TimedEvents loaded = events(TimeStack::kind);
+    EXPECT_THAT(loaded.parts, ElementsAre("Cache", "Cookies", "History"));
+    const auto slots = slotsOf(loaded, TimeUnit::day, wholeSpan(loaded));
+    ASSERT_EQ(slots.size(), 4U);
+    EXPECT_THAT(slots[0].counts, ElementsAre(1, 1, 0));
+    EXPECT_THAT(slots[3].counts, ElementsAre(0, 0, 1));
+    EXPECT_THAT(events(TimeStack::browser).parts, ElementsAre("c", "a", "b"));
+}
+
+/// What events side by side have in common isn't worked out for each of them.
+TEST_F(TimelineTest, barsHoldWhatLiesInThem) {
+    for (const CivilTime &time :
+         {CivilTime{1969, 12, 31, 22, 59, 59}, CivilTime{1969, 12, 31, 23, 0, 0},
+          CivilTime{1969, 12, 31, 23, 59, 59}, CivilTime{1970, 1, 1, 0, 0, 0},
+          CivilTime{2011, 3, 27, 0, 59, 59}, CivilTime{2011, 3, 27, 1, 0, 0},
+          CivilTime{2011, 10, 30, 0, 59, 59}, CivilTime{2011, 10, 30, 1, 0, 0},
+          CivilTime{2011, 10, 30, 0, 0, 0}, CivilTime{1969, 12, 31, 22, 59, 58}})
+        add(time);
+    const TimedEvents loaded = events();
+    const TimeSpan whole = wholeSpan(loaded);
+    for (const TimeUnit unit :
+         {TimeUnit::year, TimeUnit::month, TimeUnit::day, TimeUnit::hour, TimeUnit::minute}) {
+        const TimeBars bars = barsOf(loaded, unit, whole, 1'000'000);
+        std::vector<std::uint32_t> wanted(bars.count);
+        std::vector<DayHours> hours(unit <= TimeUnit::day ? bars.count : 0);
+        for (std::size_t at = 0; at < loaded.seconds.size(); ++at) {
+            const auto bar = static_cast<std::size_t>(
+                (slotOf(loaded.seconds[at], unit) - bars.first) / bars.step);
+            ++wanted.at(bar);
+            if (!hours.empty())
+                ++hours[bar].at(static_cast<std::size_t>(hourOf(loaded.seconds[at])));
+        }
+        EXPECT_EQ(bars.counts, wanted) << static_cast<int>(unit);
+        EXPECT_EQ(bars.hours, hours) << static_cast<int>(unit);
+    }
+}
+
 TEST_F(TimelineTest, manyBrowsersShareTheLastPart) {
     for (int number = 0; number < 200; ++number)
         add({2011, 3, 1, 12, 0, 0}, "Chrome History", ("b" + std::to_string(number)).c_str());
