@@ -33,11 +33,11 @@ UChar32 characterAt(std::string_view text, std::size_t &at) {
 /// Marks that stand over or under the letter before them.
 bool isAccent(UChar32 character) {
     constexpr UChar32 kFirst = 0x300;
-    constexpr UChar32 kLast = 0x331;
+    constexpr UChar32 kLast = 0x36F;
     return character >= kFirst && character <= kLast;
 }
 
-UChar32 withoutAccent(UChar32 character) {
+UChar32 plainLetter(UChar32 character) {
     UErrorCode error = U_ZERO_ERROR;
     const icu::Normalizer2 *form = icu::Normalizer2::getNFDInstance(error);
     icu::UnicodeString parts;
@@ -50,12 +50,26 @@ UChar32 withoutAccent(UChar32 character) {
     return letter;
 }
 
+/// In one case and without its accents, in whatever script.
+UChar32 asCompared(UChar32 character) {
+    constexpr UChar32 kTold = 0x3000; // letters with accents stand before
+    static const std::vector<UChar32> told = [] {
+        std::vector<UChar32> letters;
+        letters.reserve(kTold);
+        for (UChar32 each = 0; each < kTold; ++each)
+            letters.push_back(u_foldCase(plainLetter(each), U_FOLD_CASE_DEFAULT));
+        return letters;
+    }();
+    return character < kTold ? told[static_cast<std::size_t>(character)]
+                             : u_foldCase(plainLetter(character), U_FOLD_CASE_DEFAULT);
+}
+
 void appendOfWord(std::string &word, UChar32 character) {
     constexpr UChar32 kAsciiEnd = 0x80;
     if (character < kAsciiEnd)
         word.push_back(lowerAscii(static_cast<char>(character)));
     else if (!isAccent(character))
-        append(word, u_foldCase(withoutAccent(character), U_FOLD_CASE_DEFAULT));
+        append(word, asCompared(character));
 }
 
 bool isLetter(UChar32 character) {
@@ -194,13 +208,11 @@ const std::string &wordText(const std::string &text, std::string &buffer) {
     if (isAscii(text))
         return text;
     buffer.clear();
-    for (std::size_t at = 0; at < text.size();) {
-        const std::size_t from = at;
-        if (isSpaceless(characterAt(text, at)))
+    for (std::size_t at = 0; at < text.size();)
+        if (const UChar32 character = characterAt(text, at); isSpaceless(character))
             buffer.push_back(' ');
         else
-            buffer.append(text, from, at - from);
-    }
+            appendOfWord(buffer, character);
     return buffer;
 }
 

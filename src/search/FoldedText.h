@@ -61,8 +61,9 @@ bool hasLetters(std::string_view text);
 /// Whether it can't be looked for by words: it has letters of a script that writes them without
 /// spaces or with endings, such as Chinese, Thai, Korean, or it has none at all.
 bool isWithoutWords(std::string_view text);
-/// The text as its words are indexed, with blanks for letters of those scripts: the text itself, or
-/// one that lies in `buffer`.
+/// The text as its words are indexed: in one case, without accents, and with blanks for letters of
+/// those scripts. It is the text itself where that makes no difference to the index, or lies in
+/// `buffer`.
 const std::string &wordText(const std::string &text, std::string &buffer);
 
 } // namespace nv

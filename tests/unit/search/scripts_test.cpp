@@ -60,6 +60,29 @@ TEST_F(ScriptsTest, findsLettersWithMarksHoweverTheyAreCoded) {
     EXPECT_EQ(match.marksIn("mu\u0308ller and m\u00FCller", 10).size(), 2U);
 }
 
+/// The index knows the accents of Latin letters alone, and takes others off only where they stand
+/// apart.
+TEST_F(ScriptsTest, wordsOfPagesAreComparedWithoutAccentsInAllScripts) {
+    const auto russian = add({{"HTMLBody", "\u041D\u043E\u0432\u044B\u0439 \u0440\u0430\u0439\u043E"
+                                           "\u043D, \u0435\u0449\u0451"}});
+    const auto apart = add({{"HTMLBody", "\u043D\u043E\u0432\u044B\u0438\u0306"}});
+    const auto greek =
+        add({{"HTMLBody", "\u0391\u03B8\u03AE\u03BD\u03B1 \u0391\u0398\u0397\u039D\u0391"}});
+    const auto german = add({{"MetaData", "X-City: D\u00FCsseldorf Stra\u00DFe"}});
+    EXPECT_THAT(found("\u043D\u043E\u0432\u044B\u0439"), ElementsAre(russian, apart));
+    EXPECT_THAT(found("\u043D\u043E\u0432\u044B\u0438\u0306"), ElementsAre(russian, apart));
+    EXPECT_THAT(found("\"\u043D\u043E\u0432\u044B\u0439 \u0440\u0430\u0439\u043E\u043D\""),
+                ElementsAre(russian));
+    EXPECT_THAT(found("\u0435\u0449\u0435"), ElementsAre(russian)) << "as people write it";
+    EXPECT_THAT(found("\u0440\u0430\u0439*"), ElementsAre(russian));
+    EXPECT_THAT(found("-\u0440\u0430\u0439\u043E\u043D \u043D\u043E\u0432\u044B\u0439"),
+                ElementsAre(apart));
+    EXPECT_THAT(found("\u03B1\u03B8\u03B7\u03BD\u03B1"), ElementsAre(greek));
+    EXPECT_THAT(found("\u0391\u0398\u0389\u039D\u0391"), ElementsAre(greek));
+    EXPECT_THAT(found("dusseldorf"), ElementsAre(german));
+    EXPECT_THAT(found("stra\u00DFe"), ElementsAre(german));
+}
+
 /// Readers of caches give no parameters of their own, and where somebody came from says it too.
 TEST_F(ScriptsTest, findsWhatFormsPutIntoAddresses) {
     const auto cached = add({{"URL", "https://find.example/?q=how+to+moor+a+b%C3%B6at"}});
