@@ -114,7 +114,7 @@ void ReportTest::aReportIsMadeOfTheRowsInView() {
     QVERIFY(notice().contains(QStringLiteral("index-history.htm")));
     QVERIFY(m_form->findChild<QAction *>(QStringLiteral("actOpenReportFolder"))->isEnabled());
     make(1, [](ReportForm &form) {
-        QVERIFY(child<QLabel>(form, "labTypeKinds").text().contains(QStringLiteral("left out")));
+        QVERIFY(child<QLabel>(form, "labTypeKinds").text().contains(QStringLiteral("card too")));
     });
     QVERIFY(page("index-cache.htm").find("This is a HISTORY record.") != std::string::npos);
 }

@@ -110,6 +110,7 @@ void ReportForm::addWhat(QFormLayout &form) {
     form.addRow(QString(), m_explanation);
     m_kinds = named<QLabel>("labTypeKinds", {});
     m_kinds->setWordWrap(true);
+    m_kinds->setMinimumHeight(fontMetrics().lineSpacing()); // the form is as high without its text
     form.addRow(QString(), m_kinds);
     addRows(form);
     m_ascending = named<QRadioButton>("opSortAscending", tr("&Oldest first"));
@@ -350,9 +351,9 @@ void ReportForm::followType() {
                         "rows with a list beside them. What is redacted isn't handed over.")
                   : QString());
     // The words above are those that examiners know, and promise less than the report holds.
-    m_kinds->setText(tr("Rows that are neither aren't left out: they have a card too, with the "
-                        "default thumbnail in place of a preview."));
-    m_kinds->setVisible(graphical);
+    m_kinds->setText(graphical ? tr("Rows that are neither have a card too, with the default "
+                                    "thumbnail.")
+                               : QString());
     m_thumbnail->setPlaceholderText(tabular ? tr(" [Tabular Default]")
                                             : tr(" [Graphical Default]"));
     for (QWidget *widget : {m_audit, m_links, m_timeRebuilt, m_useThumbnail})

@@ -1,4 +1,3 @@
-#include "platform/qt/Icons.h"
 #include "ui/views/PlacesPane.h"
 #include "ui/views/TagPills.h"
 
@@ -63,7 +62,7 @@ void PlacesPane::addTagActions(const PlaceLimit &limit) {
 
 QMenu *PlacesPane::addTagMenu(const char *name, const QString &text, const PlaceChoice &places,
                               bool isSet) {
-    QMenu *menu = m_menu->addMenu(icon("tag"), text);
+    QMenu *menu = m_menu->addMenu(text);
     menu->setObjectName(QLatin1String(name));
     std::size_t number = 0;
     for (const NamedTag &tag : m_model.tags()) {
