@@ -18,7 +18,7 @@ struct Message {
     /// The answer when nobody is there to give one.
     Answer unattended = Answer::Ok;
     /// What its buttons say in place of "Yes" and "No", with "&" before a letter; may be empty.
-    std::string yes = {};
+    std::string yes = {}; ///< where it isn't, Enter takes it
     std::string no = {};
 };
 

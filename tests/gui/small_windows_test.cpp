@@ -1,3 +1,4 @@
+#include "app/messages/ReportMessages.h"
 #include "platform/qt/Icons.h"
 #include "platform/qt/QtExaminer.h"
 #include "support/TempFolder.h"
@@ -26,6 +27,7 @@ class SmallWindowsTest : public QObject {
   private slots:
     void aMessageIsABoxNamedByItsIdWithPlainText();
     void escapeAnswersNo();
+    void buttonsSayWhatTheyDoWhereTheMessageSaysSo();
     void tipsAreLinesOfTheFileAndFollowEachOther();
     void theTickOfTheTipsIsWrittenAtOnce();
     void aMissingTipFileShowsNoTips();
@@ -66,6 +68,23 @@ void SmallWindowsTest::escapeAnswersNo() {
     QCOMPARE(examiner.ask({"exit-program", "Exit Program", "Are you sure?", Choices::YesNo,
                            Tone::Information, Answer::Yes}),
              Answer::No);
+}
+
+void SmallWindowsTest::buttonsSayWhatTheyDoWhereTheMessageSaysSo() {
+    QtExaminer examiner;
+    const Message message = messages::reportNotPublished(2, "/tmp/<b>page</b>.htm");
+    whenAsked([](QMessageBox &box) {
+        QCOMPARE(box.button(QMessageBox::Yes)->text(), QStringLiteral("&Publish..."));
+        QCOMPARE(box.button(QMessageBox::No)->text(), QStringLiteral("&Leave It"));
+        QCOMPARE(box.defaultButton(), box.button(QMessageBox::Yes));
+        QVERIFY(box.text().startsWith(QStringLiteral("2 reports")));
+        QVERIFY(box.text().contains(QStringLiteral("<b>page</b>")));
+        QTest::keyClick(&box, Qt::Key_Escape);
+    });
+    QCOMPARE(examiner.ask(message), Answer::Cancel);
+    whenAsked(
+        [](QMessageBox &box) { QTest::mouseClick(box.button(QMessageBox::No), Qt::LeftButton); });
+    QCOMPARE(examiner.ask(message), Answer::No);
 }
 
 void SmallWindowsTest::tipsAreLinesOfTheFileAndFollowEachOther() {

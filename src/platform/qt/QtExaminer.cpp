@@ -83,7 +83,7 @@ Answer QtExaminer::ask(const Message &message) {
          {std::pair(QMessageBox::Yes, message.yes), std::pair(QMessageBox::No, message.no)})
         if (!text.empty() && box.button(button))
             box.button(button)->setText(toQt(text));
-    box.setDefaultButton(buttonOf(message.unattended));
+    box.setDefaultButton(message.yes.empty() ? buttonOf(message.unattended) : QMessageBox::Yes);
     if (message.choices == Choices::YesNo)
         box.setEscapeButton(QMessageBox::No);
     const int button = box.exec();

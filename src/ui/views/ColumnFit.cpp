@@ -77,12 +77,28 @@ int headingWidth(QHeaderView &header, int section) {
     return width;
 }
 
-/// Of a cell that holds a picture or a tick.
-int cellWidth(const QTableView &grid, const QModelIndex &cell) {
+/// Of a cell that its delegate draws: a picture, a tick or the pills of tags.
+int drawnWidth(const QTableView &grid, const QModelIndex &cell) {
     QStyleOptionViewItem option;
     option.initFrom(&grid);
     option.decorationSize = QSize(1, 1) * grid.style()->pixelMetric(QStyle::PM_SmallIconSize);
     return grid.itemDelegateForIndex(cell)->sizeHint(option, cell).width();
+}
+
+int cellWidth(const QTableView &grid, const QModelIndex &cell) {
+    const QString text = cell.data().toString();
+    return UrlModel::columnOf(cell.column()) == UrlColumn::TagNames && !text.isEmpty()
+               ? drawnWidth(grid, cell)
+               : grid.fontMetrics().horizontalAdvance(text) + marginsOf(grid);
+}
+
+int mostOf(UrlColumn column, const QTableView &grid) {
+    return boundsOf(column).most * grid.fontMetrics().averageCharWidth();
+}
+
+/// All of its cells are as wide as each other.
+bool hasOneWidth(UrlColumn column) {
+    return column == UrlColumn::Tag || column == UrlColumn::Icon;
 }
 
 } // namespace
@@ -98,18 +114,12 @@ int ColumnFit::twips(int pixels, const QTableView &grid) {
 int ColumnFit::wanted(const UrlModel &model, UrlColumn column, const QTableView &grid) const {
     const int section = UrlModel::sectionOf(column);
     int width = headingWidth(*grid.horizontalHeader(), section);
-    if (column == UrlColumn::Tag || column == UrlColumn::Icon)
-        return model.rowCount() > 0 ? std::max(width, cellWidth(grid, model.index(0, section)))
+    if (hasOneWidth(column))
+        return model.rowCount() > 0 ? std::max(width, drawnWidth(grid, model.index(0, section)))
                                     : width;
-    const QFontMetrics metrics = grid.fontMetrics();
-    for (const int row : rowsToMeasure(model.rowCount())) {
-        const QModelIndex cell = model.index(row, section);
-        const QString text = cell.data().toString();
-        width = std::max(width, column == UrlColumn::TagNames && !text.isEmpty()
-                                    ? cellWidth(grid, cell)
-                                    : metrics.horizontalAdvance(text) + marginsOf(grid));
-    }
-    return std::min(width, boundsOf(column).most * metrics.averageCharWidth());
+    for (const int row : rowsToMeasure(model.rowCount()))
+        width = std::max(width, cellWidth(grid, model.index(row, section)));
+    return std::min(width, mostOf(column, grid));
 }
 
 void ColumnFit::measure(const UrlModel &model, const TableLayout &layout, const QTableView &grid) {
@@ -117,6 +127,37 @@ void ColumnFit::measure(const UrlModel &model, const TableLayout &layout, const 
         if (layout.isFitted(column))
             m_wanted.at(indexOf(column)) = wanted(model, column, grid);
     m_measured = true;
+}
+
+bool ColumnFit::widen(const UrlModel &model, const TableLayout &layout, const QTableView &grid) {
+    bool isWider = false;
+    for (const UrlColumn column : layout.shownColumns()) {
+        if (!layout.isFitted(column) || boundsOf(column).least > 0)
+            continue;
+        int &before = m_wanted.at(indexOf(column));
+        const int now = wanted(model, column, grid);
+        isWider |= now > before;
+        before = std::max(before, now);
+    }
+    return isWider;
+}
+
+bool ColumnFit::widen(const UrlModel &model, const TableLayout &layout, const QTableView &grid,
+                      int first, int last) {
+    bool isWider = false;
+    for (const UrlColumn column : layout.shownColumns()) {
+        if (!layout.isFitted(column) || hasOneWidth(column) || boundsOf(column).least > 0)
+            continue;
+        int &wanted = m_wanted.at(indexOf(column));
+        const int most = mostOf(column, grid);
+        for (int row = first; row <= last && wanted < most; ++row) {
+            const int width =
+                std::min(cellWidth(grid, model.index(row, UrlModel::sectionOf(column))), most);
+            isWider |= width > wanted;
+            wanted = std::max(wanted, width);
+        }
+    }
+    return isWider;
 }
 
 bool ColumnFit::yields(const TableLayout &layout, UrlColumn column) const {

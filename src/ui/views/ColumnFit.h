@@ -18,6 +18,12 @@ class ColumnFit {
   public:
     /// Looks at a few screens of rows.
     void measure(const UrlModel &model, const TableLayout &layout, const QTableView &grid);
+    /// Looks at rows from `first` to `last` (0-based), which have come into sight: columns that
+    /// don't give way are to hold them too. True when one has to be wider than before.
+    bool widen(const UrlModel &model, const TableLayout &layout, const QTableView &grid, int first,
+               int last);
+    /// The same for all rows, whose texts have changed: looks at a few screens of them.
+    bool widen(const UrlModel &model, const TableLayout &layout, const QTableView &grid);
     bool isMeasured() const { return m_measured; }
     /// Pixels of each shown column, fitted or not, in `room` pixels.
     using Widths = std::array<int, kTableColumnCount>;

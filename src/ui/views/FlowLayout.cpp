@@ -35,15 +35,23 @@ int FlowLayout::gap() const {
                : 0;
 }
 
+int FlowLayout::leastWidth(const QLayoutItem &item) const {
+    return m_shrinks ? item.minimumSize().width() : item.sizeHint().width();
+}
+
 std::vector<FlowLayout::Line> FlowLayout::linesFor(int width) const {
     std::vector<Line> lines;
+    int least = 0; // of the line in hand
     for (QLayoutItem *item : m_items) {
         if (item->isEmpty())
             continue;
         const QSize size = item->sizeHint();
-        if (lines.empty() || lines.back().width + gap() + size.width() > width)
+        if (lines.empty() || least + gap() + leastWidth(*item) > width) {
             lines.emplace_back();
+            least = 0;
+        }
         Line &line = lines.back();
+        least += (line.items.empty() ? 0 : gap()) + leastWidth(*item);
         line.width += (line.items.empty() ? 0 : gap()) + size.width();
         line.height = std::max(line.height, size.height());
         line.items.push_back(item);
@@ -89,15 +97,41 @@ void FlowLayout::setGeometry(const QRect &place) {
     }
 }
 
+/// Wide ones give way first, so that short texts stay whole: none is wider than the widest cap with
+/// which all of them fit.
+std::vector<int> FlowLayout::widthsIn(const Line &line, int room) const {
+    const auto widthAt = [this](const QLayoutItem &item, int cap) {
+        const int wanted = item.sizeHint().width();
+        return std::clamp(cap, std::min(leastWidth(item), wanted), wanted);
+    };
+    int cap = line.width;
+    int fits = 0;
+    for (int above = cap; m_shrinks && line.width > room && above - fits > 1;) {
+        cap = fits + (above - fits) / 2;
+        int all = gap() * (static_cast<int>(line.items.size()) - 1);
+        for (const QLayoutItem *item : line.items)
+            all += widthAt(*item, cap);
+        (all > room ? above : fits) = cap;
+        cap = fits;
+    }
+    std::vector<int> widths;
+    widths.reserve(line.items.size());
+    for (const QLayoutItem *item : line.items)
+        widths.push_back(widthAt(*item, cap));
+    return widths;
+}
+
 void FlowLayout::placeLine(const Line &line, const QRect &place) const {
     // What a line leaves free goes to its last widget that can use it.
     const auto grows =
         std::ranges::find_if(line.items.rbegin(), line.items.rend(), [](const QLayoutItem *item) {
             return item->expandingDirections() & Qt::Horizontal;
         });
+    const std::vector<int> widths = widthsIn(line, place.width());
     int left = place.left();
-    for (QLayoutItem *item : line.items) {
-        QSize size = item->sizeHint();
+    for (std::size_t at = 0; at < line.items.size(); ++at) {
+        QLayoutItem *item = line.items[at];
+        QSize size(widths[at], item->sizeHint().height());
         if (grows != line.items.rend() && item == *grows)
             size.rwidth() += place.width() - line.width;
         size = size.boundedTo(item->maximumSize());

@@ -17,6 +17,9 @@ class FlowLayout final : public QLayout {
     FlowLayout(const FlowLayout &) = delete;
     FlowLayout &operator=(const FlowLayout &) = delete;
 
+    /// Widgets get narrower, down to their least width, before one of them takes another line.
+    void setShrinking(bool shrinks) { m_shrinks = shrinks; }
+
     void addItem(QLayoutItem *item) override;
     int count() const override { return static_cast<int>(m_items.size()); }
     QLayoutItem *itemAt(int index) const override;
@@ -35,10 +38,13 @@ class FlowLayout final : public QLayout {
         int height = 0;
     };
     int gap() const;
+    int leastWidth(const QLayoutItem &item) const;
+    std::vector<int> widthsIn(const Line &line, int room) const;
     std::vector<Line> linesFor(int width) const;
     void placeLine(const Line &line, const QRect &place) const;
 
     std::vector<QLayoutItem *> m_items; ///< owned
+    bool m_shrinks = false;
 };
 
 } // namespace nv

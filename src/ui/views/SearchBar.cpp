@@ -12,6 +12,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QMenu>
+#include <QScopedValueRollback>
 #include <QToolButton>
 
 #include <algorithm>
@@ -80,7 +81,7 @@ SearchBar::SearchBar(QWidget *parent) : QWidget(parent) {
     connect(m_text, &QLineEdit::returnPressed, this, [this] { emit entered(m_text->text()); });
     // Its cross doesn't count as an edit.
     connect(m_text, &QLineEdit::textChanged, this, [this](const QString &text) {
-        if (text.isEmpty())
+        if (text.isEmpty() && !m_isSet)
             emit typed(text);
     });
     clearCounts();
@@ -91,8 +92,9 @@ QString SearchBar::text() const {
     return m_text->text();
 }
 
+/// The box has to hear of it itself, or its cross would stay.
 void SearchBar::setText(const QString &text) {
-    const QSignalBlocker quiet(m_text);
+    const QScopedValueRollback quiet(m_isSet, true);
     m_text->setText(text);
 }
 
@@ -127,6 +129,7 @@ void SearchBar::addCondition(const QString &condition) {
 
 void SearchBar::showMessage(const QString &text, Tone tone) {
     m_tone = tone;
+    m_isHint = false;
     showTone();
     m_message->setText(text);
     m_message->setToolTip(Qt::convertFromPlainText(text));
@@ -135,6 +138,11 @@ void SearchBar::showMessage(const QString &text, Tone tone) {
         text.isEmpty() ? tr("Addresses, titles, hosts, notes and facts while you type; pages and "
                             "headers too with Enter")
                        : text);
+}
+
+void SearchBar::showHint() {
+    showMessage(tr("Type what to look for: a word, a \"phrase\", host:name"));
+    m_isHint = true;
 }
 
 /// One colour of its own, since the others are the theme's, which may change.
@@ -187,8 +195,11 @@ void SearchBar::showCounts(const FoundCounts &counts) {
 
 /// Down and Escape lead out of the box, unless names are offered.
 bool SearchBar::eventFilter(QObject *watched, QEvent *event) {
-    if (event->type() == QEvent::FocusOut)
+    if (event->type() == QEvent::FocusOut) {
         m_names->offer({});
+        if (m_isHint)
+            showMessage({});
+    }
     if (event->type() != QEvent::KeyPress)
         return QWidget::eventFilter(watched, event);
     const int key = static_cast<QKeyEvent *>(event)->key();
@@ -200,6 +211,8 @@ bool SearchBar::eventFilter(QObject *watched, QEvent *event) {
     }
     if (key != Qt::Key_Down && key != Qt::Key_Escape)
         return QWidget::eventFilter(watched, event);
+    if (m_isHint)
+        showMessage({});
     emit left();
     return true;
 }

@@ -35,6 +35,8 @@ class SearchBar final : public QWidget {
     enum class Tone { plain, fault };
     /// Stands beside the box; an empty text takes it away.
     void showMessage(const QString &text, Tone tone = Tone::plain);
+    /// What can be typed, until something is or the keys go elsewhere.
+    void showHint();
     void showCounts(const FoundCounts &counts);
     void clearCounts() { showCounts({}); }
     /// Below the box; none take the list away.
@@ -69,6 +71,8 @@ class SearchBar final : public QWidget {
     QMenu *m_menu = nullptr;
     SearchNames *m_names = nullptr;
     Tone m_tone = Tone::plain; ///< of the message
+    bool m_isHint = false;     ///< the message is one
+    bool m_isSet = false;      ///< the text changes, but nobody typed it
 };
 
 } // namespace nv

@@ -89,7 +89,7 @@ void TableTab::connectParts() {
     connect(m_queries, &QComboBox::activated, this, &TableTab::loadURLs);
     connect(m_host, &QLineEdit::returnPressed, this, &TableTab::takeHost);
     connect(m_host, &QLineEdit::textChanged, this, [this](const QString &text) {
-        if (text.isEmpty())
+        if (text.isEmpty() && m_knownHost != text)
             takeHost();
     });
     connect(m_layouts, &LayoutBar::chosen, this, &TableTab::takeLayout);
@@ -182,9 +182,8 @@ void TableTab::takeHost() {
 }
 
 void TableTab::setHost(const QString &host) {
-    const QSignalBlocker quiet(m_host);
+    m_knownHost = host; // first: an emptied box isn't the examiner's then
     m_host->setText(host);
-    m_knownHost = host;
 }
 
 /// What was typed counts with any load, also without Enter: the others must know of it.
@@ -214,7 +213,7 @@ void TableTab::loadURLs() {
 void TableTab::narrow(Narrowed which) {
     if (!m_table)
         return;
-    const auto current = m_grid->currentUrl();
+    const auto current = m_grid->currentSpot();
     LoadResult result = LoadResult::Failed;
     const auto work = [&](TaskMonitor &task) { result = m_table->narrow(task); };
     Unwatched nobody;
@@ -224,13 +223,11 @@ void TableTab::narrow(Narrowed which) {
         work(nobody);
     if (result == LoadResult::Failed)
         return m_examiner.tell(loadFailure(m_table->failure()));
-    showRows();
-    if ((!current || !m_grid->setCurrentUrl(*current)) && m_table->rowCount() > 0)
-        m_grid->setCurrentUrl(m_table->idAt(0));
+    showRows(current);
     if (which == Narrowed::interim)
         return emit statusChanged();
     countTagged();
-    if (m_grid->currentUrl() != current)
+    if (m_grid->currentUrl() != (current ? std::optional(current->id) : std::nullopt))
         emit currentUrlChanged();
     emit rowsLoaded();
 }
@@ -256,14 +253,11 @@ void TableTab::sortByColumn(UrlColumn column, SortDirection direction) {
 }
 
 LoadResult TableTab::reload(const std::function<LoadResult(TaskMonitor &)> &work) {
-    const auto current = m_grid->currentUrl();
+    const auto current = m_grid->currentSpot();
     LoadResult result = LoadResult::Failed;
     m_runTask({}, [&](TaskMonitor &task) { result = work(task); });
     m_sort = m_table->sort;
-    showRows();
-    // Rows without a current one would leave every pane empty.
-    if ((!current || !m_grid->setCurrentUrl(*current)) && m_table->rowCount() > 0)
-        m_grid->setCurrentUrl(m_table->idAt(0));
+    showRows(current);
     m_ticks.forget();
     countTagged();
     emit currentUrlChanged();
@@ -272,7 +266,8 @@ LoadResult TableTab::reload(const std::function<LoadResult(TaskMonitor &)> &work
     return result;
 }
 
-void TableTab::showRows() {
+/// Rows without a current one would leave every pane empty.
+void TableTab::showRows(const std::optional<UrlGrid::Spot> &current) {
     m_model.rowsChanged();
     m_grid->fitToRows();
     m_grid->showSort(m_table->columnSort());
@@ -280,6 +275,8 @@ void TableTab::showRows() {
                        m_table->isLimited() ? EmptyPage::HiddenBy::others
                                             : EmptyPage::HiddenBy::filters);
     m_pages->setCurrentWidget(m_table->rowCount() > 0 ? static_cast<QWidget *>(m_grid) : m_empty);
+    if ((!current || !m_grid->goTo(*current)) && m_table->rowCount() > 0)
+        m_grid->setCurrentUrl(m_table->idAt(0));
 }
 
 void TableTab::countTagged() {

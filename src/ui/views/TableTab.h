@@ -122,7 +122,7 @@ class TableTab final : public QWidget {
     void sortByColumn(UrlColumn column, SortDirection direction);
     /// Runs a load or a sort and shows what came of it, with the same record as the current one.
     LoadResult reload(const std::function<LoadResult(TaskMonitor &)> &work);
-    void showRows();
+    void showRows(const std::optional<UrlGrid::Spot> &current);
     void showHeaderMenu(UrlColumn column, const QPoint &place);
     void takeLayout();
     void forgetSort();

@@ -6,10 +6,12 @@
 
 #include <QGuiApplication>
 #include <QKeyEvent>
+#include <QPainter>
 #include <QResizeEvent>
 #include <QScrollBar>
 
 #include <algorithm>
+#include <utility>
 
 namespace nv {
 
@@ -42,6 +44,18 @@ UrlGrid::UrlGrid(UrlModel &model, QWidget *parent)
     connectHeader();
     applyLayout();
     connect(this, &QTableView::clicked, this, &UrlGrid::clickCell);
+    watchSight();
+}
+
+/// Once for all that comes at a time, and after the rows have their places.
+void UrlGrid::watchSight() {
+    m_sight.setSingleShot(true);
+    m_sight.setInterval(0);
+    connect(&m_sight, &QTimer::timeout, this, &UrlGrid::widenToSight);
+    const auto soon = qOverload<>(&QTimer::start);
+    connect(verticalScrollBar(), &QScrollBar::valueChanged, &m_sight, soon);
+    connect(&m_model, &QAbstractItemModel::dataChanged, &m_sight, soon);
+    connect(&m_model, &QAbstractItemModel::modelReset, &m_sight, soon);
 }
 
 void UrlGrid::setUpHeader() {
@@ -109,11 +123,35 @@ void UrlGrid::applyWidths() {
 }
 
 void UrlGrid::fitToRows() {
-    if (!m_fitIsDue || m_model.rowCount() == 0)
+    if (m_model.rowCount() == 0)
+        return;
+    const QString zone =
+        m_model
+            .headerData(UrlModel::sectionOf(UrlColumn::LocalDate), Qt::Horizontal, Qt::DisplayRole)
+            .toString();
+    const bool isOtherZone = std::exchange(m_zone, zone) != zone;
+    if (m_fitIsDue)
+        m_fit.measure(m_model, m_layout, *this);
+    else if (!isOtherZone || !m_fit.widen(m_model, m_layout, *this))
         return;
     m_fitIsDue = false;
-    m_fit.measure(m_model, m_layout, *this);
     applyWidths();
+}
+
+/// A value that stands in few rows isn't among those that were measured, and a zone, a tag or a
+/// note may make texts longer. Columns only grow, and only with rows that have just come.
+void UrlGrid::widenToSight() {
+    const int first = rowAt(0);
+    if (first < 0 || !m_fit.isMeasured() || !isVisible())
+        return;
+    const int last = std::min(first + rowsInSight(), m_model.rowCount() - 1);
+    if (m_fit.widen(m_model, m_layout, *this, first, last))
+        applyWidths();
+}
+
+/// A part of one counts.
+int UrlGrid::rowsInSight() const {
+    return viewport()->height() / std::max(1, verticalHeader()->defaultSectionSize()) + 1;
 }
 
 void UrlGrid::fitColumn(UrlColumn column) {
@@ -162,9 +200,33 @@ bool UrlGrid::staysInSight(UrlColumn column) const {
 }
 
 void UrlGrid::resizeEvent(QResizeEvent *event) {
+    const QModelIndex current = currentIndex();
+    const int top = current.isValid() ? rowViewportPosition(current.row()) : -1;
+    const bool wasInSight = top >= 0 && top < event->oldSize().height();
     PinnedGrid::resizeEvent(event);
     if (m_fit.isMeasured() && event->oldSize().width() != event->size().width())
         applyWidths();
+    m_sight.start();
+    // Chips and the bar of time take lines of the table away.
+    if (wasInSight && event->size().height() < event->oldSize().height())
+        scrollTo(current);
+}
+
+/// The style's own frame of the current cell can't be told from the ground of a chosen row; but
+/// keys are the column's too.
+void UrlGrid::paintEvent(QPaintEvent *event) {
+    PinnedGrid::paintEvent(event);
+    const QModelIndex current = currentIndex();
+    if (!current.isValid() || !hasFocus())
+        return;
+    QPainter painter(viewport());
+    if (const int covered = pinnedHeader().stuckWidth();
+        !pinnedHeader().stuckColumn(current.column()))
+        painter.setClipRect(isRightToLeft() ? viewport()->rect().adjusted(0, 0, -covered, 0)
+                                            : viewport()->rect().adjusted(covered, 0, 0, 0));
+    painter.setPen(palette().color(selectionModel()->isSelected(current) ? QPalette::HighlightedText
+                                                                         : QPalette::Text));
+    painter.drawRect(visualRect(current).adjusted(1, 1, -2, -2));
 }
 
 void UrlGrid::requestSort(int section) {
@@ -216,8 +278,25 @@ bool UrlGrid::setCurrentUrl(UrlId id) {
     const int section = currentIndex().isValid() ? currentIndex().column()
                                                  : std::max(0, pinnedHeader().sectionAt(0));
     const int sideways = horizontalScrollBar()->value();
+    executeDelayedItemsLayout(); // the scroll bar may still be that of fewer rows
     setCurrentIndex(m_model.index(static_cast<int>(*place), section));
     horizontalScrollBar()->setValue(sideways); // another row, but the columns that were looked at
+    return true;
+}
+
+std::optional<UrlGrid::Spot> UrlGrid::currentSpot() const {
+    const auto id = currentUrl();
+    if (!id)
+        return std::nullopt;
+    const int above = currentIndex().row() - verticalScrollBar()->value();
+    return Spot{*id, above + 1 < rowsInSight() ? above : -1};
+}
+
+bool UrlGrid::goTo(const Spot &spot) {
+    if (!setCurrentUrl(spot.id))
+        return false;
+    const int above = spot.rowsAbove >= 0 ? spot.rowsAbove : (rowsInSight() - 1) / 2;
+    verticalScrollBar()->setValue(currentIndex().row() - above);
     return true;
 }
 
@@ -252,8 +331,21 @@ void UrlGrid::keyPressEvent(QKeyEvent *event) {
     else if (const int digit = event->key() - Qt::Key_0;
              digit >= 1 && digit <= 9 && (event->modifiers() & ~Qt::KeypadModifier) == 0)
         emit tagKeyPressed(digit);
+    else if (event->key() == Qt::Key_Up && event->modifiers() == Qt::AltModifier)
+        askForHeaderMenu();
     else
         PinnedGrid::keyPressEvent(event);
+}
+
+/// Of the current cell's column, below its heading.
+void UrlGrid::askForHeaderMenu() {
+    const QModelIndex current = currentIndex();
+    if (!current.isValid())
+        return;
+    scrollTo(current);
+    const int left = std::max(0, visualRect(current).left());
+    emit headerMenuRequested(UrlModel::columnOf(current.column()),
+                             viewport()->mapToGlobal(QPoint(left, 0)));
 }
 
 /// With Ctrl the toolkit would go to the first or last row and leave the old one chosen.

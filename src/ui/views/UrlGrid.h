@@ -6,6 +6,8 @@
 #include "ui/views/UrlModel.h"
 #include "views/TableLayout.h"
 
+#include <QTimer>
+
 #include <optional>
 
 namespace nv {
@@ -25,7 +27,8 @@ class UrlGrid final : public PinnedGrid {
     /// Makes the column as wide as what it holds, and keeps it so.
     void fitColumn(UrlColumn column);
     void fitAllColumns();
-    /// Gives fitted columns their widths when there are rows for the first time in this layout.
+    /// Gives fitted columns their widths when there are rows for the first time in this layout, and
+    /// more where the dates are those of another zone.
     void fitToRows();
     /// Shows by which column the rows are sorted, if by one.
     void showSort(const std::optional<ColumnSort> &sort);
@@ -33,8 +36,17 @@ class UrlGrid final : public PinnedGrid {
     std::optional<UrlId> currentUrl() const;
     /// The records of the chosen rows, or that of the current one when none is chosen.
     RowIds selectedUrls() const;
-    /// Makes the row of this record the current one, when it is in the list.
+    /// Makes the row of this record the current one and shows it, when it is in the list.
     bool setCurrentUrl(UrlId id);
+    /// The current record, and how many rows stand above it in sight; less than 0 when it isn't in
+    /// sight itself.
+    struct Spot {
+        UrlId id = UrlId::none;
+        int rowsAbove = 0;
+    };
+    std::optional<Spot> currentSpot() const;
+    /// Makes its record the current one where it stood, or in the middle, when it is in the list.
+    bool goTo(const Spot &spot);
 
     /// Flips the tick of the current row, and gives all selected rows the same.
     void flipSelectedTags(TaskMonitor &task);
@@ -56,6 +68,7 @@ class UrlGrid final : public PinnedGrid {
 
   protected:
     void keyPressEvent(QKeyEvent *event) override;
+    void paintEvent(QPaintEvent *event) override;
     void currentChanged(const QModelIndex &current, const QModelIndex &previous) override;
     QItemSelectionModel::SelectionFlags selectionCommand(const QModelIndex &index,
                                                          const QEvent *event) const override;
@@ -66,16 +79,22 @@ class UrlGrid final : public PinnedGrid {
     void connectHeader();
     void applyLayout();
     void applyWidths();
+    void watchSight();
+    void widenToSight();
+    int rowsInSight() const;
     bool staysInSight(UrlColumn column) const;
     void requestSort(int section);
     void takeMove(int section, int to);
     void takeWidth(int section, int pixels);
     void clickCell(const QModelIndex &cell);
+    void askForHeaderMenu();
 
     UrlModel &m_model;
     TableLayout m_layout;
     ColumnFit m_fit;
     bool m_fitIsDue = true;
+    QString m_zone;          ///< heading of the dates when they were measured
+    QTimer m_sight;          ///< other rows have come into sight, or other texts
     bool m_applying = false; ///< the header changes because the layout did
 };
 

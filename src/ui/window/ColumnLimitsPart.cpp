@@ -5,6 +5,7 @@
 #include "ui/views/ColumnLimitForm.h"
 #include "ui/views/ColumnsForm.h"
 
+#include <QMainWindow>
 #include <QMenu>
 
 #include <algorithm>
@@ -69,7 +70,40 @@ QVariant variantOf(const ColumnLimits &limits) {
 
 ColumnLimitsPart::ColumnLimitsPart(Workbench &bench) : m_bench(bench) {
     connect(bench.table, &TableTab::headerMenuComesUp, this, &ColumnLimitsPart::addToMenu);
+    if (auto *window = qobject_cast<QMainWindow *>(&bench.window))
+        addAction(*window);
     bench.limits.add(*this);
+}
+
+/// The key is the table's own: in a box with choices it opens those.
+void ColumnLimitsPart::addAction(QMainWindow &window) {
+    auto *action = new QAction(tr("&Only Rows with..."), &window);
+    action->setObjectName(QStringLiteral("actLimitCurrentColumn"));
+    action->setShortcut(Qt::ALT | Qt::Key_Down);
+    action->setShortcutContext(Qt::WidgetShortcut);
+    action->setToolTip(tr("Show only rows with some values of the column of the current cell, to "
+                          "which Left and Right lead (%1)")
+                           .arg(action->shortcut().toString(QKeySequence::NativeText)));
+    action->setEnabled(false);
+    m_bench.table->grid().addAction(action);
+    if (auto *menu = window.findChild<QMenu *>(QStringLiteral("menuView")))
+        menu->insertAction(m_bench.actions.columns, action);
+    connect(action, &QAction::triggered, this,
+            [this] { m_bench.run("MainForm.LimitColumn()", [this] { chooseOfCurrent(); }); });
+    connect(&m_bench, &Workbench::projectOpened, action, [action] { action->setEnabled(true); });
+    connect(&m_bench, &Workbench::projectClosing, action, [action] { action->setEnabled(false); });
+}
+
+void ColumnLimitsPart::chooseOfCurrent() {
+    const QModelIndex current = m_bench.table->grid().currentIndex();
+    if (!current.isValid())
+        return m_bench.showNotice(tr("No row is there: take a limit away first."));
+    const UrlColumn column = UrlModel::columnOf(current.column());
+    if (valuesOf(column) == ColumnValues::none)
+        return m_bench.showNotice(
+            tr("Rows can't be limited by the column \"%1\": Left and Right lead to others.")
+                .arg(columnTitle(column)));
+    choose(column);
 }
 
 void ColumnLimitsPart::addToMenu(QMenu &menu, UrlColumn column) {

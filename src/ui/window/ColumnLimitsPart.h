@@ -2,6 +2,7 @@
 
 #include "ui/window/Workbench.h"
 
+class QMainWindow;
 class QMenu;
 
 namespace nv {
@@ -20,6 +21,8 @@ class ColumnLimitsPart final : public QObject, public Limiter {
     bool asksAgain() const override { return false; }
 
   private:
+    void addAction(QMainWindow &window);
+    void chooseOfCurrent();
     void addToMenu(QMenu &menu, UrlColumn column);
     void choose(UrlColumn column);
     void put(UrlColumn column, const std::optional<ColumnLimit> &limit);

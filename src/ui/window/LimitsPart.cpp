@@ -27,6 +27,7 @@ LimitsPart::LimitsPart(Workbench &bench) : m_bench(bench), m_bar(new ChipBar) {
         m_bench.run("MainForm.LiftLimits()", [this] { m_bench.limits.liftAll(); });
     };
     connect(m_bar, &ChipBar::allLifted, this, liftAll);
+    connect(m_bar, &ChipBar::left, this, [this] { m_bench.table->grid().setFocus(); });
     connect(m_liftAll, &QAction::triggered, this, liftAll);
     connect(bench.table, &TableTab::showAllRequested, this, liftAll);
     connect(bench.table, &TableTab::rowsLoaded, this, [this] {
@@ -36,7 +37,9 @@ LimitsPart::LimitsPart(Workbench &bench) : m_bench(bench), m_bar(new ChipBar) {
     connect(bench.table, &TableTab::statusChanged, this, &LimitsPart::showCount);
     connect(&bench.limits, &Limits::loadWanted, this, &LimitsPart::load);
     connect(&bench.limits, &Limits::changed, this, &LimitsPart::showChips);
+    connect(&bench, &Workbench::projectOpened, m_goTo, [this] { m_goTo->setEnabled(true); });
     connect(&bench, &Workbench::projectClosing, this, [this] {
+        m_goTo->setEnabled(false);
         m_countedTo = 0;
         m_bench.limits.forget();
     });
@@ -63,6 +66,11 @@ void LimitsPart::addActions(QMainWindow &window) {
                          Qt::CTRL | Qt::SHIFT | Qt::Key_Z);
     m_liftAll = make("actClearLimits", tr("Clear All &Limits"),
                      tr("Show all rows: takes every limit away"), {});
+    m_goTo = make("actChips", tr("&Go to the Limits"),
+                  tr("Lead the keys to the limits above the table: arrows go along them, Delete "
+                     "takes one away"),
+                  Qt::CTRL | Qt::Key_L);
+    connect(m_goTo, &QAction::triggered, this, &LimitsPart::goToChips);
     connect(undo, &QAction::triggered, this, [this] {
         m_bench.run("MainForm.Undo()", [this] { m_bench.limits.history().undo(); });
     });
@@ -76,8 +84,14 @@ void LimitsPart::addActions(QMainWindow &window) {
         menu->insertActions(first, {undo, redo});
         menu->insertSeparator(first);
         menu->addSeparator();
-        menu->addAction(m_liftAll);
+        menu->addActions({m_goTo, m_liftAll});
     }
+}
+
+void LimitsPart::goToChips() {
+    m_bench.dataTabs->setCurrentWidget(m_bench.table);
+    if (!m_bar->focusChips())
+        m_bench.showNotice(tr("No limit is in force: all rows are shown."));
 }
 
 void LimitsPart::load(bool asksAgain) {

@@ -18,6 +18,7 @@ class LimitsPart final : public QObject {
 
   private:
     void addActions(QMainWindow &window);
+    void goToChips();
     void load(bool asksAgain);
     void countRecords();
     void showChips();
@@ -25,6 +26,7 @@ class LimitsPart final : public QObject {
 
     Workbench &m_bench;
     ChipBar *m_bar = nullptr;
+    QAction *m_goTo = nullptr;
     QAction *m_liftAll = nullptr;
     std::vector<Limits::Chip> m_chips; ///< as they are shown
     qint64 m_records = 0;              ///< of the project

@@ -64,7 +64,8 @@ MainActions::MainActions(QObject *o)
       hosts(make(o, "actHosts", tr("&Hosts"), "hosts", Qt::CTRL | Qt::Key_H)),
       time(make(o, "actTime", tr("Ti&me"), "time", Qt::CTRL | Qt::SHIFT | Qt::Key_T)),
       hideKnown(make(o, "actHideKnown", tr("Hide &Known Files"))),
-      columns(make(o, "actColumns", tr("&Columns..."), "columns", Qt::CTRL | Qt::Key_L)),
+      columns(
+          make(o, "actColumns", tr("&Columns..."), "columns", Qt::CTRL | Qt::SHIFT | Qt::Key_K)),
       viewers(make(o, "actViewers", tr("&Viewers"), "", Qt::Key_F4)),
       refresh(make(o, "actRefresh", tr("&Refresh"), "refresh", QKeySequence::Refresh)),
       baseFolder(make(o, "actBaseFolder", tr("&Base Folder..."), "folder")),

@@ -158,8 +158,10 @@ void SearchPart::type(const QString &text) {
 
 void SearchPart::enter(const QString &text) {
     m_pause.stop();
-    if (text.trimmed().isEmpty())
-        return drop();
+    if (text.trimmed().isEmpty()) {
+        drop();
+        return m_bar->showHint();
+    }
     start(text.trimmed(), SearchScope::all);
 }
 

@@ -272,10 +272,6 @@ void TagsPart::redo() {
 
 void TagsPart::showChanged(const QString &notice) {
     m_bench.refreshMarks();
-    UrlGrid &grid = m_bench.table->grid();
-    const TableLayout &layout = grid.tableLayout();
-    if (!layout.hidden(UrlColumn::TagNames) && layout.isFitted(UrlColumn::TagNames))
-        grid.fitColumn(UrlColumn::TagNames);
     fill();
     m_bench.showNotice(notice);
 }
