@@ -284,7 +284,7 @@ Walk keepByColumn(SQLite::Database &project, const ColumnLimit &limit, TaskMonit
 }
 
 Walk countValues(SQLite::Database &project, const RowIds &ids, UrlColumn column, std::size_t most,
-                 TaskMonitor &task, CountedValues &counted) {
+                 TaskMonitor &task, CountedValues &counted, const CountedSoFar &soFar) {
     ValueCounts known;
     const NarrowWalk byIndex =
         walkIndex(project, ids, column, NarrowIds::untold, task,
@@ -293,9 +293,18 @@ Walk countValues(SQLite::Database &project, const RowIds &ids, UrlColumn column,
         counted = known.most(most);
         return byIndex == NarrowWalk::Cancelled ? Walk::Cancelled : Walk::Finished;
     }
+    constexpr std::size_t kFirst = 10'000;
     ValueCounts counts;
-    const Walk walk = walkRows(project, ids, column, task,
-                               [&](std::int32_t, std::string_view value) { counts.add(value); });
+    std::size_t rows = 0;
+    std::size_t next = kFirst;
+    const Walk walk =
+        walkRows(project, ids, column, task, [&](std::int32_t, std::string_view value) {
+            counts.add(value);
+            if (++rows != next || !soFar)
+                return;
+            soFar(counts.most(most), rows);
+            next *= 2;
+        });
     counted = counts.most(most);
     return walk;
 }

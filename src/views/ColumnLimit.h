@@ -6,6 +6,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
 #include <utility>
@@ -41,8 +42,11 @@ struct CountedValues {
     std::vector<std::pair<std::string, std::int64_t>> values; ///< the most frequent first
     bool isCut = false;                                       ///< there are more than are counted
 };
+/// Hears what the first rows came to: after some thousand, then after twice as many each time.
+/// Rows that an index tells are counted before it hears of any.
+using CountedSoFar = std::function<void(const CountedValues &counted, std::size_t rows)>;
 /// Of these rows, at most `most` values. A cancel leaves those that were counted.
 Walk countValues(SQLite::Database &project, const RowIds &ids, UrlColumn column, std::size_t most,
-                 TaskMonitor &task, CountedValues &counted);
+                 TaskMonitor &task, CountedValues &counted, const CountedSoFar &soFar = {});
 
 } // namespace nv

@@ -168,6 +168,36 @@ BENCHMARK_CAPTURE(valuesOfAHeading, profile, UrlColumn::Profile)
     ->Unit(benchmark::kMillisecond)
     ->MeasureProcessCPUTime();
 
+BENCHMARK_CAPTURE(valuesOfAHeading, title, UrlColumn::WebpageTitle)
+    ->Unit(benchmark::kMillisecond)
+    ->MeasureProcessCPUTime();
+
+/// Until the first values are told.
+class UntilTold final : public TaskMonitor {
+  public:
+    bool isTold = false;
+
+    void describe(const TaskHeading &) override {}
+    bool advance(double) override { return !isTold; }
+    bool wantsStep() const override { return false; }
+    void show(const TaskStep &) override {}
+};
+
+void firstValuesOfAHeading(benchmark::State &state) {
+    measure(state, [](BenchDesk &on) {
+        UntilTold until;
+        CountedValues all;
+        std::size_t values = 0;
+        countValues(*on.project, on.table.idsOfQuery(), UrlColumn::WebpageTitle, 2000, until, all,
+                    [&](const CountedValues &counted, std::size_t) {
+                        values = counted.values.size();
+                        until.isTold = true;
+                    });
+        return values;
+    });
+}
+BENCHMARK(firstValuesOfAHeading)->Unit(benchmark::kMillisecond)->MeasureProcessCPUTime();
+
 void limitByAHeading(benchmark::State &state) {
     measure(state, [](BenchDesk &on) {
         RowIds ids = on.table.idsOfQuery();

@@ -2,12 +2,14 @@
 
 #include "gui/Desk.h"
 #include "platform/qt/QtText.h"
+#include "ui/views/ColumnLimitForm.h"
 #include "ui/views/TableTab.h"
 
 #include <QLabel>
 #include <QLineEdit>
 #include <QToolButton>
 
+#include <functional>
 #include <memory>
 
 namespace nv::test {
@@ -61,5 +63,18 @@ struct LimitedTable {
     MainForm form{desk.program, desk.dialogs};
     int all = 0;
 };
+
+/// Runs `act` on the dialog once it is there: values are counted before.
+inline void onForm(const std::function<void(ColumnLimitForm &)> &act) {
+    auto *timer = new QTimer(qApp);
+    QObject::connect(timer, &QTimer::timeout, timer, [timer, act] {
+        if (auto *form = qobject_cast<ColumnLimitForm *>(QApplication::activeModalWidget())) {
+            timer->stop();
+            timer->deleteLater();
+            act(*form);
+        }
+    });
+    timer->start(10);
+}
 
 } // namespace nv::test

@@ -1,6 +1,5 @@
 #include "gui/LimitedTable.h"
 #include "gui/PlacesTree.h"
-#include "ui/views/ColumnLimitForm.h"
 #include "ui/views/TimeStrip.h"
 
 #include <QListWidget>
@@ -11,23 +10,6 @@
 namespace nv {
 
 using namespace test;
-
-namespace {
-
-/// Runs `act` on the dialog once it is there: values are counted before.
-void onForm(const std::function<void(ColumnLimitForm &)> &act) {
-    auto *timer = new QTimer(qApp);
-    QObject::connect(timer, &QTimer::timeout, timer, [timer, act] {
-        if (auto *form = qobject_cast<ColumnLimitForm *>(QApplication::activeModalWidget())) {
-            timer->stop();
-            timer->deleteLater();
-            act(*form);
-        }
-    });
-    timer->start(10);
-}
-
-} // namespace
 
 class LimitsTest : public QObject {
     Q_OBJECT

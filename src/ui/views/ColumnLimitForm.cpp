@@ -8,11 +8,14 @@
 #include <QBoxLayout>
 #include <QDialogButtonBox>
 #include <QFormLayout>
+#include <QHash>
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
 #include <QLocale>
+#include <QProgressBar>
 #include <QPushButton>
+#include <QSet>
 
 #include <algorithm>
 
@@ -21,6 +24,7 @@ namespace nv {
 namespace {
 
 constexpr int kValueRole = Qt::UserRole;
+constexpr int kRowsRole = Qt::UserRole + 1;
 
 QString numberText(const std::optional<double> &number) {
     return number ? QString::number(*number, 'g', 15) : QString();
@@ -30,7 +34,7 @@ QString numberText(const std::optional<double> &number) {
 
 ColumnLimitForm::ColumnLimitForm(const CountedValues &counted, const ColumnLimit &now,
                                  const QString &title, const FormClock &clock, QWidget *parent)
-    : QDialog(parent), m_now(now), m_isCut(counted.isCut), m_clock(clock) {
+    : QDialog(parent), m_now(now), m_clock(clock) {
     setObjectName(QStringLiteral("ColumnLimitForm"));
     setWindowTitle(tr("Rows by \"%1\"").arg(title));
     auto *lines = new QFormLayout;
@@ -97,37 +101,162 @@ QWidget *ColumnLimitForm::newValues(const CountedValues &counted) {
     m_values->setObjectName(QStringLiteral("lstColumnValues"));
     m_values->setAccessibleName(tr("Values"));
     m_values->setUniformItemSizes(true);
-    for (const auto &[value, rows] : counted.values) {
-        const QString shown = value.empty() ? tr("(empty)") : toQt(displayText(value, 120));
-        auto *item = new QListWidgetItem(tr("%1  (%L2)").arg(shown).arg(rows), m_values);
-        item->setData(kValueRole, QByteArray::fromStdString(value));
-        const bool isIn =
-            !m_now.oneOf || std::ranges::find(*m_now.oneOf, value) != m_now.oneOf->end();
-        item->setCheckState(isIn ? Qt::Checked : Qt::Unchecked);
-    }
-    auto *search = newLine("txtColumnSearchValues", tr("Find a value"), {});
-    search->setPlaceholderText(tr("Find a value"));
+    m_search = newLine("txtColumnSearchValues", tr("Find a value"), {});
+    m_search->setPlaceholderText(tr("Find a value"));
     auto *all = new QPushButton(tr("Tick &All"));
     all->setObjectName(QStringLiteral("btnValuesAll"));
     auto *none = new QPushButton(tr("Tick &None"));
     none->setObjectName(QStringLiteral("btnValuesNone"));
-    connect(search, &QLineEdit::textChanged, this, &ColumnLimitForm::showListed);
+    connect(m_search, &QLineEdit::textChanged, this, &ColumnLimitForm::showListed);
     connect(all, &QPushButton::clicked, this, [this] { tickListed(true); });
     connect(none, &QPushButton::clicked, this, [this] { tickListed(false); });
     for (QPushButton *button : {all, none})
         button->setAutoDefault(false);
+    m_others = new QLabel(tr("These are the most frequent; there are others."));
+    m_others->setObjectName(QStringLiteral("labColumnOthers"));
     auto *box = new QWidget;
     auto *row = new QHBoxLayout;
-    row->addWidget(search, 1);
+    row->addWidget(m_search, 1);
     row->addWidget(all);
     row->addWidget(none);
     auto *column = new QVBoxLayout(box);
     column->setContentsMargins(0, 0, 0, 0);
     column->addLayout(row);
     column->addWidget(m_values, 1);
-    if (m_isCut)
-        column->addWidget(new QLabel(tr("These are the most frequent; there are others.")));
+    column->addWidget(m_others);
+    column->addWidget(newCounting());
+    list(counted);
     return box;
+}
+
+QWidget *ColumnLimitForm::newCounting() {
+    m_counting = new QWidget;
+    m_counting->setObjectName(QStringLiteral("columnCounting"));
+    m_counted = new QLabel;
+    m_counted->setObjectName(QStringLiteral("labColumnCounted"));
+    m_counted->setWordWrap(true);
+    m_progress = new QProgressBar;
+    m_progress->setObjectName(QStringLiteral("barColumnCounted"));
+    m_progress->setAccessibleName(tr("Rows counted"));
+    m_stop = new QPushButton(tr("&Stop Counting"));
+    m_stop->setObjectName(QStringLiteral("btnStopCounting"));
+    m_stop->setAutoDefault(false);
+    connect(m_stop, &QPushButton::clicked, this, &ColumnLimitForm::stopCounting);
+    auto *column = new QVBoxLayout(m_counting);
+    column->setContentsMargins(0, 0, 0, 0);
+    column->addWidget(m_counted);
+    auto *row = new QHBoxLayout;
+    row->addWidget(m_progress, 1);
+    row->addWidget(m_stop);
+    column->addLayout(row);
+    m_counting->hide();
+    return m_counting;
+}
+
+void ColumnLimitForm::addValue(const QByteArray &value, qint64 rows, Qt::CheckState state) {
+    const QString shown =
+        value.isEmpty() ? tr("(empty)") : toQt(displayText(value.toStdString(), 120));
+    // Both at once: addresses hold "%2" too.
+    auto *item = new QListWidgetItem(tr("%1  (%2)").arg(shown, QLocale().toString(rows)), m_values);
+    item->setData(kValueRole, value);
+    item->setData(kRowsRole, rows);
+    item->setCheckState(state);
+}
+
+/// Of a value that is listed for the first time.
+Qt::CheckState ColumnLimitForm::stateOfNew(const QByteArray &value) const {
+    const bool isIn = m_ticksNew.value_or(
+        !m_now.oneOf || std::ranges::find(*m_now.oneOf, value.toStdString()) != m_now.oneOf->end());
+    return isIn ? Qt::Checked : Qt::Unchecked;
+}
+
+/// What was chosen by hand stays, also what isn't among the most frequent any more or is hidden by
+/// other limits.
+void ColumnLimitForm::list(const CountedValues &counted) {
+    struct Listed {
+        qint64 rows;
+        Qt::CheckState state;
+    };
+    QHash<QByteArray, Listed> before;
+    for (int row = 0; row < m_values->count(); ++row) {
+        const QListWidgetItem *item = m_values->item(row);
+        before.insert(item->data(kValueRole).toByteArray(),
+                      {item->data(kRowsRole).toLongLong(), item->checkState()});
+    }
+    std::optional<QByteArray> current;
+    if (const QListWidgetItem *item = m_values->currentItem())
+        current = item->data(kValueRole).toByteArray();
+    m_values->clear();
+    QSet<QByteArray> listed;
+    for (const auto &[text, rows] : counted.values) {
+        const QByteArray value = QByteArray::fromStdString(text);
+        listed.insert(value);
+        const auto known = before.find(value);
+        addValue(value, rows, known == before.end() ? stateOfNew(value) : known->state);
+        if (known != before.end())
+            before.erase(known);
+        if (current == value)
+            m_values->setCurrentRow(m_values->count() - 1);
+    }
+    for (auto left = before.begin(); left != before.end(); ++left)
+        if (left->state != stateOfNew(left.key())) {
+            addValue(left.key(), left->rows, left->state);
+            listed.insert(left.key());
+        }
+    for (const std::string &ticked : m_now.oneOf.value_or(std::vector<std::string>()))
+        if (const QByteArray value = QByteArray::fromStdString(ticked); !listed.contains(value))
+            addValue(value, 0, stateOfNew(value));
+    m_others->setVisible(counted.isCut);
+    showListed(m_search->text());
+}
+
+void ColumnLimitForm::startCounting(qint64 rows) {
+    m_all = rows;
+    m_done = 0;
+    m_counted->setText(tr("Counting the values of %L1 rows...").arg(rows));
+    m_counting->show();
+}
+
+void ColumnLimitForm::showProgress(int hundredths) {
+    m_progress->setValue(hundredths);
+}
+
+void ColumnLimitForm::showCounted(const CountedValues &counted, qint64 rows) {
+    m_done = rows;
+    m_counted->setText(
+        tr("Counting: these are of the first %L1 of %L2 rows.").arg(rows).arg(m_all));
+    list(counted);
+}
+
+void ColumnLimitForm::endCounting(const CountedValues &counted, const QString &failure) {
+    if (failure.isEmpty()) {
+        m_all = 0;
+        m_counting->hide();
+        m_fault->hide();
+        return list(counted);
+    }
+    stopCounting();
+    m_fault->setText(tr("The values can't be counted: %1").arg(failure));
+    m_fault->show();
+}
+
+void ColumnLimitForm::stopCounting() {
+    m_progress->hide();
+    m_stop->hide();
+    m_counted->setText(tr("These are of the first %L1 of %L2 rows; the others aren't counted.")
+                           .arg(m_done)
+                           .arg(m_all));
+    emit countingStopped();
+}
+
+/// Of rows that aren't counted nobody knows the values.
+bool ColumnLimitForm::hidesWhatIsNotListed() const {
+    if (m_all == 0 || !m_ticksNew.value_or(!m_now.oneOf))
+        return false;
+    for (int row = 0; row < m_values->count(); ++row)
+        if (m_values->item(row)->checkState() != Qt::Checked)
+            return true;
+    return false;
 }
 
 void ColumnLimitForm::showListed(const QString &part) {
@@ -139,6 +268,8 @@ void ColumnLimitForm::showListed(const QString &part) {
 
 /// Of those that the search for a value leaves.
 void ColumnLimitForm::tickListed(bool ticked) {
+    if (m_search->text().isEmpty())
+        m_ticksNew = ticked;
     for (int row = 0; row < m_values->count(); ++row)
         if (QListWidgetItem *item = m_values->item(row); !item->isHidden())
             item->setCheckState(ticked ? Qt::Checked : Qt::Unchecked);
@@ -201,6 +332,9 @@ void ColumnLimitForm::accept() {
         fault = faultOfDates();
     else if (!readNumber(m_from, number) || !readNumber(m_to, number))
         fault = tr("A number such as 12 or 12.5 was expected.");
+    if (fault.isEmpty() && m_values && hidesWhatIsNotListed())
+        fault = tr("Rows aren't counted yet whose values would be hidden. Wait for them, or tick "
+                   "none and then those that you want.");
     if (fault.isEmpty())
         return QDialog::accept();
     m_fault->setText(fault);

@@ -4,6 +4,7 @@
 #include "platform/qt/QtText.h"
 #include "ui/views/ColumnLimitForm.h"
 #include "ui/views/ColumnsForm.h"
+#include "ui/window/ValueCounter.h"
 
 #include <QMainWindow>
 #include <QMenu>
@@ -15,6 +16,7 @@ namespace nv {
 namespace {
 
 constexpr std::size_t kMostListed = 2000; ///< values in the dialog
+constexpr std::size_t kMany = 200'000;    ///< rows whose values may take a while
 
 using ColumnLimits = std::vector<ColumnLimit>;
 
@@ -135,26 +137,35 @@ void ColumnLimitsPart::choose(UrlColumn column) {
     const bool isLimited = now != ColumnLimit{.column = column};
     const bool isListed = valuesOf(column) != ColumnValues::dates;
     const RowIds &ids = isLimited ? table->idsOfQuery() : table->ids();
-    Walk walk = isListed ? Walk::Cancelled : Walk::Finished;
+    const bool isLong = isListed && ids.size() >= kMany;
+    Walk walk = isListed && !isLong ? Walk::Cancelled : Walk::Finished;
     CountedValues counted;
-    if (isListed)
+    if (isListed && !isLong)
         m_bench.runTask({"COUNTING VALUES", "", "", ""}, [&](TaskMonitor &task) {
             walk = countValues(m_bench.project(), ids, column, kMostListed, task, counted);
         });
     if (walk == Walk::Cancelled)
         return;
-    // Values that are ticked now and that other limits hide stay in the list.
-    if (now.oneOf)
-        for (const std::string &value : *now.oneOf)
-            if (std::ranges::find(counted.values, value,
-                                  &std::pair<std::string, std::int64_t>::first) ==
-                counted.values.end())
-                counted.values.emplace_back(value, 0);
     const ProgramState &state = m_bench.program.state;
     ColumnLimitForm form(counted, now, columnTitle(column), {state.gmtZone, state.enableDSTChanges},
                          &m_bench.window);
+    ValueCounter counter;
+    if (isLong)
+        countInto(form, counter, ids, column);
     if (form.exec() == QDialog::Accepted)
         put(column, form.limit());
+}
+
+/// Values are seen and chosen while they are counted.
+void ColumnLimitsPart::countInto(ColumnLimitForm &form, ValueCounter &counter, const RowIds &ids,
+                                 UrlColumn column) {
+    connect(&counter, &ValueCounter::advanced, &form, &ColumnLimitForm::showProgress);
+    connect(&counter, &ValueCounter::counted, &form, &ColumnLimitForm::showCounted);
+    connect(&counter, &ValueCounter::finished, &form, &ColumnLimitForm::endCounting);
+    connect(&form, &ColumnLimitForm::countingStopped, &counter, &ValueCounter::stop);
+    connect(&form, &QDialog::finished, &counter, &ValueCounter::stop);
+    form.startCounting(static_cast<qint64>(ids.size()));
+    counter.start(m_bench.program.state.projectDB.filePath, ids, column, kMostListed);
 }
 
 void ColumnLimitsPart::put(UrlColumn column, const std::optional<ColumnLimit> &limit) {

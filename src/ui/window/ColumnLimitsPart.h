@@ -7,6 +7,9 @@ class QMenu;
 
 namespace nv {
 
+class ColumnLimitForm;
+class ValueCounter;
+
 /// Limits by what stands in a column, which the menus of the table's headings offer.
 class ColumnLimitsPart final : public QObject, public Limiter {
     Q_OBJECT
@@ -25,6 +28,8 @@ class ColumnLimitsPart final : public QObject, public Limiter {
     void chooseOfCurrent();
     void addToMenu(QMenu &menu, UrlColumn column);
     void choose(UrlColumn column);
+    void countInto(ColumnLimitForm &form, ValueCounter &counter, const RowIds &ids,
+                   UrlColumn column);
     void put(UrlColumn column, const std::optional<ColumnLimit> &limit);
 
     Workbench &m_bench;

@@ -4,29 +4,13 @@
 #include "base/Trap.h"
 #include "db/Connection.h"
 #include "platform/qt/QtText.h"
+#include "ui/window/StoppableTask.h"
 
 #include <SQLiteCpp/Database.h>
 
 #include <utility>
 
 namespace nv {
-
-namespace {
-
-/// Asked between two steps of the database.
-class StoppedTask final : public TaskMonitor {
-  public:
-    explicit StoppedTask(const std::atomic<bool> &stops) : m_stops(stops) {}
-    void describe(const TaskHeading &) override {}
-    bool advance(double) override { return !m_stops; }
-    bool wantsStep() const override { return false; }
-    void show(const TaskStep &) override {}
-
-  private:
-    const std::atomic<bool> &m_stops;
-};
-
-} // namespace
 
 ProjectLook::~ProjectLook() {
     stop();
@@ -52,7 +36,7 @@ void ProjectLook::work(const std::filesystem::path &project, const Read &read, c
     NoLog unheard; // the log is the window's: what went wrong is told there
     const auto failure = failureOf(unheard, "ProjectLook.work()", [&] {
         const auto database = connectToProject(project, Access::read);
-        StoppedTask task(m_stops);
+        StoppableTask task(m_stops);
         walk = read(*database, task);
     });
     QMetaObject::invokeMethod(

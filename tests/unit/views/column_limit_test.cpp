@@ -129,6 +129,32 @@ TEST_F(ColumnLimitTest, countsWhatStandsThere) {
     EXPECT_TRUE(counted.isCut);
 }
 
+TEST_F(ColumnLimitTest, tellsWhatTheFirstRowsCameTo) {
+    project.connection().exec(
+        "DELETE FROM URLs; WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i "
+        "< 45000) INSERT INTO URLs (URL_ID, WebPageTitle) SELECT i, CASE WHEN i <= 15000 THEN "
+        "'early' ELSE 'late' END FROM n");
+    RowIds ids;
+    EXPECT_EQ(collectIds(project.connection(), {"SELECT URL_ID FROM URLs ORDER BY URL_ID DESC", ""},
+                         task, ids),
+              Walk::Finished);
+    std::vector<std::size_t> rows;
+    std::vector<CountedValues> told;
+    CountedValues counted;
+    EXPECT_EQ(countValues(project.connection(), ids, UrlColumn::WebpageTitle, 10, task, counted,
+                          [&](const CountedValues &first, std::size_t number) {
+                              told.push_back(first);
+                              rows.push_back(number);
+                          }),
+              Walk::Finished);
+    EXPECT_THAT(rows, ElementsAre(10'000U, 20'000U, 40'000U));
+    ASSERT_EQ(told.size(), 3U);
+    EXPECT_THAT(told[0].values, ElementsAre(Pair("early", 10'000)));
+    EXPECT_THAT(told[1].values, ElementsAre(Pair("early", 15'000), Pair("late", 5'000)));
+    EXPECT_THAT(told[2].values, ElementsAre(Pair("late", 25'000), Pair("early", 15'000)));
+    EXPECT_THAT(counted.values, ElementsAre(Pair("late", 30'000), Pair("early", 15'000)));
+}
+
 TEST_F(ColumnLimitTest, columnsThatAreMadeOfSeveralHaveNone) {
     EXPECT_EQ(valuesOf(UrlColumn::Icon), ColumnValues::none);
     EXPECT_EQ(valuesOf(UrlColumn::TimeRebuilt), ColumnValues::none);
