@@ -76,7 +76,7 @@ BrowserPane::~BrowserPane() {
 }
 
 QWidget *BrowserPane::newLocationBar() {
-    m_back = new QPushButton(tr("&Back to Page"));
+    m_back = new QPushButton(tr("Bac&k to Page"));
     m_back->setObjectName(QStringLiteral("btnBrowserBack"));
     connect(m_back, &QPushButton::clicked, this, &BrowserPane::goBack);
     m_kind = newLabel("labBrowserKind");

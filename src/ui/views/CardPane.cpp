@@ -112,6 +112,7 @@ CardPane::CardPane(Load load, PropertiesPane &properties, QWidget *parent)
     m_scroll->setObjectName(QStringLiteral("cardScroll"));
     m_scroll->setWidgetResizable(true);
     m_scroll->setFrameShape(QFrame::NoFrame);
+    m_scroll->setMinimumHeight(3 * fontMetrics().lineSpacing());
     m_scroll->setFocusPolicy(Qt::NoFocus);
     m_scroll->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     m_scroll->setWidget(m_halves);

@@ -24,7 +24,7 @@ constexpr std::uint64_t kMostSeen = 4 * kHexRowBytes; ///< of marked bytes, in l
 enum Kind { anyCase, sameCase, asBytes }; ///< in the order of the box
 
 QString sourceText() {
-    return HexPane::tr("&Source file at this record's offset");
+    return HexPane::tr("Sou&rce file at this record's offset");
 }
 
 } // namespace
@@ -84,7 +84,7 @@ void HexPane::addPlace(FlowLayout &flow) {
     connect(m_offset, &QLineEdit::returnPressed, this, &HexPane::goToTyped);
     connect(m_source, &QPushButton::toggled, this, [this](bool source) {
         // A button that is down hardly looks it in some themes.
-        m_source->setText(source ? tr("&Back to the cached content") : sourceText());
+        m_source->setText(source ? tr("Back to the &cached content") : sourceText());
         emit sourceToggled();
     });
 }

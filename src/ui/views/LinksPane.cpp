@@ -13,6 +13,7 @@
 #include <QKeyEvent>
 #include <QLabel>
 #include <QPushButton>
+#include <QScrollBar>
 #include <QTableView>
 
 #include <algorithm>
@@ -125,6 +126,7 @@ void LinksPane::showRows(std::vector<LinkRow> rows) {
     m_model->setRows(std::move(rows));
     m_table->show();
     m_table->setCurrentIndex(m_model->index(0, LinksModel::Url));
+    m_table->horizontalScrollBar()->setValue(0); // a row is read from its begin
 }
 
 void LinksPane::showReason(const QString &text, bool offersAnalysis) {

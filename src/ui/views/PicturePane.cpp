@@ -37,7 +37,7 @@ PicturePane::PicturePane(QWidget *parent)
     m_picture->setScaledContents(true);
     m_area->setWidget(m_picture);
     m_area->viewport()->installEventFilter(this);
-    m_fullSize = new QCheckBox(tr("F&ull size"));
+    m_fullSize = new QCheckBox(tr("Full si&ze"));
     m_fullSize->setObjectName(QStringLiteral("chkNoResizePicture"));
     m_fullSize->setToolTip(tr("Show pictures in their own size; otherwise they fit the pane"));
     auto *smaller = new QPushButton(tr("Smaller"));

@@ -180,8 +180,10 @@ void PropertiesPane::showRecord(UrlId id) {
     m_properties = std::move(properties);
     const int top = m_list->verticalScrollBar()->value();
     fill();
-    if (isSame)
-        m_list->verticalScrollBar()->setValue(top);
+    if (!isSame)
+        return;
+    m_list->doItemsLayout(); // before it there is nothing to scroll
+    m_list->verticalScrollBar()->setValue(top);
 }
 
 bool PropertiesPane::isWanted(const Property &property) const {

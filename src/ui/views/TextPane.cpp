@@ -42,7 +42,7 @@ TextPane::TextPane(QWidget *parent)
     next->setObjectName(QStringLiteral("btnFindInText"));
     m_matchCase = new QCheckBox(tr("Match &case"));
     m_matchCase->setObjectName(QStringLiteral("chkTextCase"));
-    auto *wrap = new QCheckBox(tr("&Wrap lines"));
+    auto *wrap = new QCheckBox(tr("Wra&p lines"));
     wrap->setObjectName(QStringLiteral("chkWrap"));
     m_result = newLabel("labTextResult");
     m_charset = newLabel("labCharset");

@@ -4,6 +4,7 @@
 #include "ui/views/NoRow.h"
 #include "ui/window/PaneWindow.h"
 
+#include <QAbstractScrollArea>
 #include <QBoxLayout>
 #include <QEvent>
 #include <QShortcut>
@@ -98,6 +99,10 @@ void ViewerTabs::addKeys() {
 void ViewerTabs::addPane(QWidget &widget, RecordPane &pane, const QString &title,
                          const char *procedure) {
     m_panes.push_back({&widget, &pane, procedure});
+    // The toolkit asks for the height of a scroll bar, which a low window hasn't got.
+    for (auto *content : widget.findChildren<QAbstractScrollArea *>())
+        if (content->minimumHeight() == 0)
+            content->setMinimumHeight(3 * fontMetrics().lineSpacing());
     m_choosing = true;
     addTab(&widget, title);
     m_choosing = false;

@@ -1,19 +1,32 @@
 #include "views/explain/NoBytes.h"
 
+#include "base/Text.h"
 #include "views/SourcePath.h"
 #include "views/explain/MadeBy.h"
 #include "views/explain/RecordValues.h"
 
 #include <fmt/format.h>
 
+#include <algorithm>
+#include <array>
+
 namespace nv {
+
+namespace {
+
+/// Fields that the program makes where the format doesn't hold them.
+constexpr std::array<std::string_view, 3> kMayLie = {"ActionDateLocal", "CacheFileLastAccessed",
+                                                     "HistoryVersion"};
+
+} // namespace
 
 std::string whyNoBytes(SQLite::Database &project, UrlId id, const std::string &field) {
     const auto stored = storedRecordOf(project, id);
     if (!stored)
         return {};
     ValueOrigin value;
-    if (const MadeBy *made = madeBy(field)) {
+    const auto isField = [&field](std::string_view each) { return equalsNoCase(each, field); };
+    if (const MadeBy *made = madeBy(field); made && std::ranges::none_of(kMayLie, isField)) {
         value.check = made->check;
         value.rule = made->rule;
         return whyNoBytes(value);
