@@ -1,3 +1,4 @@
+#include "base/Base64.h"
 #include "base/Digest.h"
 #include "db/CaseTrail.h"
 #include "reports/PublishReport.h"
@@ -234,6 +235,16 @@ TEST_F(CaseReportTest, aValueGoesOutOfRebuiltPagesAndTheirParts) {
     const UrlId site =
         add("http://host/page.html",
             "<!DOCTYPE html><html><title>Inbox</title><img src=\"pic/logo.gif\" >"
+TEST_F(CaseReportTest, whatAnAddressHoldsInBase64IsRedacted) {
+    const std::string code = base64(viewOf("https://secretbank.example/of/quillon"));
+    addHistory("http://r.example/b64?d=" + code + "&n=1", 1);
+    const std::string html = redacted({"leave out host=secretbank.example", "blur value=quillon"});
+    EXPECT_EQ(filesWith(code.substr(0, 20)), 0u);
+    for (const char *name : {"history-1.htm", "cards-1.htm", "history.csv"})
+        EXPECT_THAT(file(name), HasSubstr("http://r.example/b64?d=[redacted]&")) << name;
+    EXPECT_THAT(html, Not(HasSubstr("<dt>Places in texts</dt><dd>0")));
+}
+
             "<p title=\"of Mara Quill\">For Mara&nbsp;Quill and mara quill</p></html> ");
     add("http://host/pic/logo.gif", "GIF89a by Mara Quill");
     add("http://host/note.txt", "a note of MARA QUILL, plain");
