@@ -23,7 +23,7 @@ constexpr std::uint64_t kFormAt = 60;
 constexpr std::uint64_t kIdAt = 68;
 constexpr std::uint32_t kApplicationId = 0x4E565331; // "NVS1"
 /// Another number makes each index anew: count it up when what is indexed changes.
-constexpr std::uint32_t kForm = 1;
+constexpr std::uint32_t kForm = 2;
 constexpr int kHashBytes = 32 << 20;
 /// So many pieces of an index lie side by side before they are made one, which takes a fifth of the
 /// making less than with the usual four.

@@ -1,5 +1,6 @@
 #include "search/SearchedRowReader.h"
 
+#include "address/RawAddress.h"
 #include "base/NoLog.h"
 #include "base/Text.h"
 #include "base/Trap.h"
@@ -27,8 +28,9 @@ bool hasColumn(SQLite::Database &project, const char *column) {
 /// In the order of take(). What a project of an earlier build has no column for is empty.
 std::string statementFor(SQLite::Database &project, RowTexts which) {
     std::string text = "SELECT URL_ID";
-    for (const char *column : {"URL", "WebPageTitle", "Host", "User", "Notes", "Referrer",
-                               "URLParameters", "CacheType", "ActionDateUTC", "Browser"})
+    for (const char *column :
+         {"URL", "WebPageTitle", "Host", "User", "Notes", "Referrer", "URLParameters",
+          "URLRawValue", "CacheType", "ActionDateUTC", "Browser"})
         text += fmt::format(", {}", hasColumn(project, column) ? column : "NULL");
     text += which == RowTexts::all ? ", HTMLBody, MetaData" : ", NULL, NULL";
     return text + fmt::format(" FROM URLs WHERE URL_ID >= ? AND URL_ID <= {} ORDER BY URL_ID",
@@ -53,21 +55,40 @@ void addLine(std::string &lines, std::string_view line) {
     lines.append(line);
 }
 
-/// What the address says to people, where that isn't what stands in it.
-void addTerms(SearchedRow &row, const std::string &parameters) {
+/// Names and values of an address with its escapes, a line each that doesn't stand in it without.
+void addParameters(std::string &terms, std::string_view parameters, const std::string &address) {
+    while (!parameters.empty()) {
+        const std::string_view piece = takeParameter(parameters);
+        if (piece.find_first_of("+%") == std::string_view::npos)
+            continue;
+        if (const std::string text = parameterText(piece); address.find(text) == std::string::npos)
+            addLine(terms, text);
+    }
+}
+
+/// What the address, or the value of a cookie or a form, says to people, where that isn't what
+/// stands in it. Without its escapes nobody knows what a "+" of an address was: both are found.
+void addTerms(SearchedRow &row, const std::string &parameters, std::string_view stored) {
     const std::string &address = row.at(SearchField::address);
     std::string &terms = row.at(SearchField::terms);
     terms.clear();
     if (address.find('%') != std::string::npos)
         if (const std::string decoded = percentDecode(address); decoded != address)
             addLine(terms, decoded);
+    const bool isOfAddress = address.find(parameters) != std::string::npos;
+    const auto raw = rawAddressOf(address, stored);
+    if (const auto parts = raw ? roughAddress(*raw) : std::nullopt) {
+        addParameters(terms, parts->query, address);
+        addParameters(terms, parts->fragment, address);
+        if (isOfAddress)
+            return;
+    }
     if (parameters.empty())
         return;
-    if (address.find(parameters) == std::string::npos)
+    if (!isOfAddress)
         addLine(terms, parameters);
     if (parameters.find_first_of("+%") != std::string::npos)
-        if (const std::string decoded = percentDecode(replaceAll(parameters, "+", " "));
-            decoded != parameters)
+        if (const std::string decoded = parameterText(parameters); decoded != parameters)
             addLine(terms, decoded);
 }
 
@@ -172,13 +193,14 @@ void SearchedRowReader::take() {
                                     SearchField::user, SearchField::notes, SearchField::referrer})
         assignText(m_row.at(field), m_rows.getColumn(at++));
     const std::string parameters = m_rows.getColumn(at++).getString();
+    const std::string stored = m_rows.getColumn(at++).getString();
     assignText(m_row.cacheType, m_rows.getColumn(at++));
     const SQLite::Column date = m_rows.getColumn(at++);
     m_row.actionDateUTC = date.isNull() ? Date() : Date::fromDays(date.getDouble());
     assignText(m_row.browser, m_rows.getColumn(at++));
     assignText(m_row.at(SearchField::page), m_rows.getColumn(at++));
     assignText(m_row.at(SearchField::headers), m_rows.getColumn(at++));
-    addTerms(m_row, parameters);
+    addTerms(m_row, parameters, stored);
     if (!m_facts.of(m_row.id, m_row.at(SearchField::facts)))
         m_unread.insert(m_row.id);
 }
