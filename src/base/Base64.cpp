@@ -1,11 +1,32 @@
 #include "base/Base64.h"
 
+#include <array>
+#include <cstdint>
+
 namespace nv {
 
 namespace {
 
 constexpr std::string_view kLetters =
     "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
+
+constexpr std::uint8_t kNoLetter = 64;
+using LetterValues = std::array<std::uint8_t, 256>;
+
+constexpr LetterValues valuesOf(Base64Letters letters) {
+    LetterValues values{};
+    values.fill(kNoLetter);
+    for (std::size_t at = 0; at < kLetters.size(); ++at)
+        values.at(static_cast<unsigned char>(kLetters[at])) = static_cast<std::uint8_t>(at);
+    if (letters == Base64Letters::ofEither) {
+        values.at('-') = values.at('+');
+        values.at('_') = values.at('/');
+    }
+    return values;
+}
+
+constexpr LetterValues kOfCode = valuesOf(Base64Letters::ofCode);
+constexpr LetterValues kOfEither = valuesOf(Base64Letters::ofEither);
 
 } // namespace
 
@@ -27,15 +48,16 @@ std::string base64(ByteView bytes) {
     return text;
 }
 
-std::string fromBase64(std::string_view text) {
+std::string fromBase64(std::string_view text, Base64Letters letters) {
+    const LetterValues &values = letters == Base64Letters::ofCode ? kOfCode : kOfEither;
     std::string bytes;
     unsigned held = 0;
     unsigned bits = 0;
     for (const char c : text.substr(0, text.find('='))) {
-        const std::size_t value = kLetters.find(c);
-        if (value == std::string_view::npos)
+        const unsigned value = values.at(static_cast<unsigned char>(c));
+        if (value == kNoLetter)
             continue;
-        held = (held << 6 | static_cast<unsigned>(value)) & 0xFFFFU;
+        held = (held << 6 | value) & 0xFFFFU;
         bits += 6;
         if (bits >= 8) {
             bits -= 8;

@@ -17,11 +17,11 @@ bool isText(const SearchClause &clause) {
     return clause.kind == ClauseKind::text || clause.kind == ClauseKind::expression;
 }
 
-bool isBefore(const SearchedRow &row, const SearchClause &clause) {
-    return row.actionDateUTC.has() && row.actionDateUTC < clause.date;
-}
-
 } // namespace
+
+bool isBefore(Date date, const SearchClause &clause) {
+    return date.has() && date.unixSeconds() < clause.date.unixSeconds();
+}
 
 bool isOfHost(std::string_view host, std::string_view asked) {
     if (foldedCase(host).find(asked) != std::string::npos)
@@ -131,9 +131,9 @@ bool RowMatch::meetsClause(std::size_t clause, const SearchedRow &row) {
     case ClauseKind::kind:
         return isOfKind(row.cacheType, folded);
     case ClauseKind::before:
-        return isBefore(row, asked);
+        return isBefore(row.actionDateUTC, asked);
     case ClauseKind::after:
-        return row.actionDateUTC.has() && !isBefore(row, asked);
+        return row.actionDateUTC.has() && !isBefore(row.actionDateUTC, asked);
     case ClauseKind::tag:
     case ClauseKind::hashSet:
         return std::ranges::binary_search(m_marked.at(clause), row.id);

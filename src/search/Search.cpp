@@ -46,7 +46,7 @@ class FactMatch {
     };
 
     static bool meets(Asked &asked, const RowFacts &row) {
-        const bool isEarlier = row.actionDateUTC.has() && row.actionDateUTC < asked.clause->date;
+        const bool isEarlier = isBefore(row.actionDateUTC, *asked.clause);
         switch (asked.clause->kind) {
         case ClauseKind::before:
             return isEarlier;

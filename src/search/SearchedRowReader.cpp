@@ -1,6 +1,7 @@
 #include "search/SearchedRowReader.h"
 
 #include "address/DomainNames.h"
+#include "address/RawAddress.h"
 #include "base/NoLog.h"
 #include "base/Text.h"
 #include "base/Trap.h"
@@ -28,8 +29,9 @@ bool hasColumn(SQLite::Database &project, const char *column) {
 /// In the order of take(). What a project of an earlier build has no column for is empty.
 std::string statementFor(SQLite::Database &project, RowTexts which) {
     std::string text = "SELECT URL_ID";
-    for (const char *column : {"URL", "WebPageTitle", "Host", "User", "Notes", "Referrer",
-                               "URLParameters", "CacheType", "ActionDateUTC", "Browser"})
+    for (const char *column :
+         {"URL", "WebPageTitle", "Host", "User", "Notes", "Referrer", "URLParameters",
+          "URLRawValue", "CacheType", "ActionDateUTC", "Browser"})
         text += fmt::format(", {}", hasColumn(project, column) ? column : "NULL");
     text += which == RowTexts::all ? ", HTMLBody, MetaData" : ", NULL, NULL";
     return text + fmt::format(" FROM URLs WHERE URL_ID >= ? AND URL_ID <= {} ORDER BY URL_ID",
@@ -58,7 +60,7 @@ void addDecoded(std::string &terms, const std::string &text, std::string_view co
     if (text.find_first_of(coded) == std::string::npos)
         return;
     const bool isForm = coded.find('+') != std::string_view::npos;
-    if (const std::string decoded = percentDecode(isForm ? replaceAll(text, "+", " ") : text);
+    if (const std::string decoded = isForm ? parameterText(text) : percentDecode(text);
         decoded != text)
         addLine(terms, decoded);
 }
@@ -69,9 +71,21 @@ std::string parametersIn(const std::string &address) {
     return at == std::string::npos ? std::string() : address.substr(at + 1);
 }
 
-/// What the address and the one before it say to people, where that isn't what stands in them. Not
-/// each reader cuts the parameters from an address.
-void addTerms(SearchedRow &row, const std::string &parameters) {
+/// Names and values of an address with its escapes, a line each that doesn't stand in it without.
+void addParameters(std::string &terms, std::string_view parameters, const std::string &address) {
+    while (!parameters.empty()) {
+        const std::string_view piece = takeParameter(parameters);
+        if (piece.find_first_of("+%") == std::string_view::npos)
+            continue;
+        if (const std::string text = parameterText(piece); address.find(text) == std::string::npos)
+            addLine(terms, text);
+    }
+}
+
+/// What the address, or the value of a cookie or a form, and the address before it say to people,
+/// where that isn't what stands in them. Without its escapes nobody knows what a "+" of an address
+/// was: both are found. Not each reader cuts the parameters from an address.
+void addTerms(SearchedRow &row, const std::string &parameters, std::string_view stored) {
     const std::string &address = row.at(SearchField::address);
     const std::string &referrer = row.at(SearchField::referrer);
     std::string &terms = row.at(SearchField::terms);
@@ -79,9 +93,17 @@ void addTerms(SearchedRow &row, const std::string &parameters) {
     if (const auto host = readableDomain(row.at(SearchField::host)))
         addLine(terms, *host);
     addDecoded(terms, address, "%");
-    if (!parameters.empty() && address.find(parameters) == std::string::npos)
+    const bool isOfAddress = address.find(parameters) != std::string::npos;
+    if (!isOfAddress)
         addLine(terms, parameters);
-    addDecoded(terms, parameters.empty() ? parametersIn(address) : parameters, "+%");
+    const auto raw = rawAddressOf(address, stored);
+    const auto parts = raw ? roughAddress(*raw) : std::nullopt;
+    if (parts) {
+        addParameters(terms, parts->query, address);
+        addParameters(terms, parts->fragment, address);
+    }
+    if (!parts || !isOfAddress)
+        addDecoded(terms, parameters.empty() ? parametersIn(address) : parameters, "+%");
     addDecoded(terms, referrer, "%");
     addDecoded(terms, parametersIn(referrer), "+%");
 }
@@ -187,13 +209,14 @@ void SearchedRowReader::take() {
                                     SearchField::user, SearchField::notes, SearchField::referrer})
         assignText(m_row.at(field), m_rows.getColumn(at++));
     const std::string parameters = m_rows.getColumn(at++).getString();
+    const std::string stored = m_rows.getColumn(at++).getString();
     assignText(m_row.cacheType, m_rows.getColumn(at++));
     const SQLite::Column date = m_rows.getColumn(at++);
     m_row.actionDateUTC = date.isNull() ? Date() : Date::fromDays(date.getDouble());
     assignText(m_row.browser, m_rows.getColumn(at++));
     assignText(m_row.at(SearchField::page), m_rows.getColumn(at++));
     assignText(m_row.at(SearchField::headers), m_rows.getColumn(at++));
-    addTerms(m_row, parameters);
+    addTerms(m_row, parameters, stored);
     if (!m_facts.of(m_row.id, m_row.at(SearchField::facts)))
         m_unread.insert(m_row.id);
 }

@@ -1,5 +1,8 @@
 #include "time/Date.h"
 
+#include "time/StoredDays.h"
+
+#include <algorithm>
 #include <cmath>
 
 namespace nv {
@@ -9,7 +12,6 @@ namespace {
 constexpr double kFirstDay = -657434; // 0100-01-01
 constexpr double kEndDay = 2958466;   // 10000-01-01
 constexpr double kSecondsPerDay = 86400;
-constexpr std::int64_t kUnixEpochDay = 25569;
 
 } // namespace
 
@@ -37,9 +39,15 @@ Date Date::fromUnixSeconds(std::int64_t seconds) {
     return fromDays(kUnixEpoch + static_cast<double>(seconds) / kSecondsPerDay);
 }
 
+/// The last 50 microseconds of a second are one moment: none is taken for the second that follows.
 Date Date::fromUnixMicroseconds(std::int64_t microseconds) {
-    constexpr double kMicrosecondsPerDay = kSecondsPerDay * 1e6;
-    return fromDays(kUnixEpoch + static_cast<double>(microseconds) / kMicrosecondsPerDay);
+    namespace c = std::chrono;
+    constexpr std::int64_t kLast = 999'950; // clear of what may be early (time/StoredDays.h)
+    const auto second = c::floor<c::seconds>(c::microseconds(microseconds));
+    const std::int64_t part = (c::microseconds(microseconds) - second).count();
+    return fromDays(kUnixEpoch + (static_cast<double>(second.count()) +
+                                  static_cast<double>(std::min(part, kLast)) / 1e6) /
+                                     kSecondsPerDay);
 }
 
 Date Date::fromTimePoint(std::chrono::system_clock::time_point point) {
@@ -47,10 +55,9 @@ Date Date::fromTimePoint(std::chrono::system_clock::time_point point) {
         std::chrono::floor<std::chrono::seconds>(point.time_since_epoch()).count());
 }
 
-/// A whole second stored as a fraction of a day may come back some microseconds early.
 std::int64_t Date::unixSeconds() const {
-    constexpr double kEarly = 0.0005; // seconds
-    return static_cast<std::int64_t>(std::floor((m_days - kUnixEpoch) * kSecondsPerDay + kEarly));
+    return static_cast<std::int64_t>(
+        std::floor((m_days - kUnixEpoch) * kSecondsPerDay + earlyBy(m_days)));
 }
 
 CivilTime Date::civil() const {
@@ -68,8 +75,9 @@ CivilTime Date::civil() const {
 }
 
 int Date::weekday() const {
-    const auto day = static_cast<std::int64_t>(std::floor(m_days)) - kUnixEpochDay;
-    const std::chrono::weekday weekday{std::chrono::sys_days{std::chrono::days{day}}};
+    namespace c = std::chrono;
+    const std::chrono::weekday weekday{
+        c::floor<c::days>(c::sys_seconds{c::seconds(unixSeconds())})};
     return static_cast<int>(weekday.c_encoding()) + 1;
 }
 

@@ -1,10 +1,12 @@
 #include "views/DecodedValues.h"
 
+#include "address/RawAddress.h"
 #include "base/Base64.h"
 #include "base/DisplayText.h"
 #include "base/Text.h"
 #include "time/DateFormat.h"
 #include "views/NumberTimes.h"
+#include "views/SnowflakeTimes.h"
 
 #include <algorithm>
 #include <cstdint>
@@ -64,44 +66,6 @@ std::string cutText(std::string text) {
     return std::string(beginningOf(text, kLongestDecodedValue)) + "\u2026";
 }
 
-/// Escapes and "+" undone.
-std::string parameterText(std::string_view text) {
-    return percentDecode(replaceAll(text, "+", " "));
-}
-
-/// What an address consists of, as it stands: odd ones of evidence count too.
-struct RoughAddress {
-    std::string_view host;
-    std::string_view path;
-    std::string_view query;
-    std::string_view fragment;
-};
-
-std::optional<RoughAddress> roughAddress(std::string_view text) {
-    const std::size_t scheme = text.find("://");
-    if (scheme == std::string_view::npos || scheme == 0 || scheme > 32 ||
-        !std::ranges::all_of(text.substr(0, scheme), [](char c) {
-            return isLetterOrDigit(c) || c == '+' || c == '-' || c == '.' || c == '@' || c == ':';
-        }))
-        return std::nullopt;
-    std::string_view rest = text.substr(scheme + 3);
-    RoughAddress parts;
-    const auto cutFrom = [&rest](char mark) {
-        const std::size_t at = rest.find(mark);
-        if (at == std::string_view::npos)
-            return std::string_view();
-        const std::string_view behind = rest.substr(at + 1);
-        rest = rest.substr(0, at);
-        return behind;
-    };
-    parts.fragment = cutFrom('#');
-    parts.query = cutFrom('?');
-    const std::size_t slash = std::min(rest.find('/'), rest.size());
-    parts.host = rest.substr(0, slash);
-    parts.path = rest.substr(slash);
-    return parts;
-}
-
 /// Text that base64 stands for; nothing unless all of it can be read. Shorter ones are mostly words
 /// that happen to be.
 std::optional<std::string> textOfBase64(std::string_view text) {
@@ -112,10 +76,7 @@ std::optional<std::string> textOfBase64(std::string_view text) {
             return isLetterOrDigit(c) || c == '+' || c == '/' || c == '-' || c == '_';
         }))
         return std::nullopt;
-    std::string usual(letters);
-    std::ranges::replace(usual, '-', '+');
-    std::ranges::replace(usual, '_', '/');
-    std::string bytes = fromBase64(usual);
+    std::string bytes = fromBase64(letters, Base64Letters::ofEither);
     const auto isControl = [](char c) {
         return (static_cast<unsigned char>(c) < 0x20 && c != '\n' && c != '\r' && c != '\t') ||
                c == '\x7F';
@@ -138,7 +99,7 @@ class Decoder {
         const auto parts = roughAddress(text);
         if (!parts)
             return false;
-        pathTimes(name, parts->path);
+        pathTimes(name, *parts);
         const bool search = isOfSearch(parts->host, parts->path);
         parameters(name, parts->query, kParameter, search, depth);
         if (parts->fragment.find('=') != std::string_view::npos)
@@ -186,9 +147,8 @@ class Decoder {
     void parameters(const std::string &outer, std::string_view text, std::string_view rule,
                     bool search, int depth) {
         while (!text.empty() && m_values.size() < kMostDecodedValues) {
-            const std::size_t end = std::min(text.find_first_of("&;"), text.size());
-            parameter(outer, text.substr(0, end), rule, search, depth);
-            text.remove_prefix(std::min(end + 1, text.size()));
+            const std::string_view piece = takeParameter(text);
+            parameter(outer, piece, rule, search, depth);
         }
     }
 
@@ -227,10 +187,7 @@ class Decoder {
         constexpr std::size_t kLetters = 6; // of four bytes
         if ((own != "ei" && own != "sei") || value.size() < kLetters)
             return false;
-        std::string letters(value.substr(0, kLetters));
-        std::ranges::replace(letters, '-', '+');
-        std::ranges::replace(letters, '_', '/');
-        const std::string bytes = fromBase64(letters);
+        const std::string bytes = fromBase64(value.substr(0, kLetters), Base64Letters::ofEither);
         if (bytes.size() < 4)
             return false;
         std::uint32_t seconds = 0;
@@ -267,6 +224,12 @@ class Decoder {
         return true;
     }
 
+    /// Whether the number that begins there is less than 0. A hyphen between words is no sign.
+    static bool hasSign(std::string_view text, std::size_t begin) {
+        return begin > 0 && text[begin - 1] == '-' &&
+               (begin == 1 || !isLetterOrDigit(text[begin - 2]));
+    }
+
     /// Numbers between other characters.
     void pieces(const std::string &name, std::string_view text) {
         constexpr std::size_t kFewestDigits = 9;
@@ -275,21 +238,19 @@ class Decoder {
             while (at < text.size() && isLetterOrDigit(text[at]))
                 ++at;
             const std::string_view piece = text.substr(begin, at - begin);
-            if (piece.size() >= kFewestDigits && std::ranges::all_of(piece, isDigit))
+            if (piece.size() >= kFewestDigits && std::ranges::all_of(piece, isDigit) &&
+                !hasSign(text, begin))
                 time(name, piece);
             at += at == begin ? 1 : 0;
         }
     }
 
-    void pathTimes(const std::string &outer, std::string_view path) {
-        constexpr std::size_t kFewestDigits = 10; // shorter ones are numbers of pages
-        while (!path.empty()) {
-            const std::size_t end = std::min(path.find('/'), path.size());
-            const std::string_view piece = path.substr(0, end);
-            if (piece.size() >= kFewestDigits)
-                time(within(outer, "path"), piece);
-            path.remove_prefix(std::min(end + 1, path.size()));
-        }
+    void pathTimes(const std::string &outer, const RoughAddress &parts) {
+        for (const ReadTime &read : timesOfIds(parts.host, parts.path))
+            add(within(outer, "path"), timeText(read.utc), read.rule);
+        for (const std::string_view piece : split(parts.path, '/'))
+            if (const auto read = timeOfUuid(piece))
+                add(within(outer, "path"), timeText(read->utc), read->rule);
     }
 
     std::string m_field;
@@ -302,6 +263,19 @@ std::vector<DecodedValue> decodedAddress(std::string_view field, std::string_vie
     Decoder decoder(field);
     decoder.address({}, beginningOf(address, kMostDecodedBytes), 0);
     return decoder.take();
+}
+
+/// Without its escapes an address has one value for sure where no sign stands in it that may have
+/// been coded and may not.
+std::vector<DecodedValue> decodedAddress(std::string_view field, std::string_view address,
+                                         std::string_view stored) {
+    if (const auto raw = rawAddressOf(address, stored))
+        return decodedAddress(field, *raw);
+    const std::size_t query = std::min(address.find('?'), address.size());
+    const std::string_view behind = address.substr(std::min(query + 1, address.size()));
+    const bool isSure = behind.find_first_of("&;+#%?") == std::string_view::npos &&
+                        behind.find('=') == behind.rfind('=');
+    return decodedAddress(field, isSure ? address : address.substr(0, query));
 }
 
 std::vector<DecodedValue> decodedText(std::string_view field, std::string_view text) {

@@ -25,8 +25,14 @@ inline constexpr std::size_t kMostDecodedValues = 300;
 inline constexpr std::size_t kLongestDecodedValue = 4096; ///< bytes; what is longer ends in "…"
 
 /// Parameters, search terms, times, base64 and addresses within an address, in its order. Empty for
-/// a text that is none with a scheme and "//".
+/// a text that is none with a scheme and "//". It has its escapes: an address without them is asked
+/// about by the form below.
 std::vector<DecodedValue> decodedAddress(std::string_view field, std::string_view address);
+
+/// The same of an address whose escapes are undone, by the text as found that it was made of
+/// (rawAddressOf). Where that doesn't give it only what holds either way is told.
+std::vector<DecodedValue> decodedAddress(std::string_view field, std::string_view address,
+                                         std::string_view stored);
 
 /// The same of the value of a cookie or a form, which may be parameters, a number, a list of
 /// numbers or base64.

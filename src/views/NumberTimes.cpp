@@ -44,8 +44,11 @@ constexpr CountedClock kClocks[] = {
     {1'000'000'000, 0, "Unix time in nanoseconds"},
 };
 
-/// A number may be too large for any date.
+/// A number may be too large for any date. No clock counts single nanoseconds: a number of that
+/// length that doesn't end in zeros is an id, as those of posts are.
 std::optional<Date> dateBy(const CountedClock &clock, std::int64_t number) {
+    if (clock.aSecond == 1'000'000'000 && number % 100 != 0)
+        return std::nullopt;
     const std::int64_t sinceBegin = number / clock.aSecond;
     if (sinceBegin < clock.first - clock.begin || sinceBegin >= clock.last - clock.begin)
         return std::nullopt;

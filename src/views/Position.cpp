@@ -2,6 +2,7 @@
 
 #include "base/Text.h"
 
+#include <algorithm>
 #include <array>
 #include <charconv>
 #include <cmath>
@@ -74,9 +75,41 @@ struct Names {
 };
 constexpr std::array<Names, 5> kTwo = {
     {{"lat", "lon"}, {"lat", "lng"}, {"mlat", "mlon"}, {"latitude", "longitude"}, {"lat", "long"}}};
-constexpr std::array<std::string_view, 11> kOne = {"ll",          "sll",    "cll",      "center",
-                                                   "q",           "query",  "daddr",    "saddr",
-                                                   "destination", "origin", "viewpoint"};
+/// Names that say of their values what these are.
+constexpr std::array<std::string_view, 3> kOne = {"ll", "sll", "cll"};
+/// Those of maps, which elsewhere hold anything.
+constexpr std::array<std::string_view, 8> kOneOfMaps = {
+    "center", "q", "query", "daddr", "saddr", "destination", "origin", "viewpoint"};
+
+/// Whether a part of the host's name, or a folder of the path, says that it is a map.
+bool isOfMaps(std::string_view address) {
+    const std::size_t scheme = address.find("://");
+    if (scheme == std::string_view::npos)
+        return false;
+    std::string_view rest = address.substr(scheme + 3);
+    rest = rest.substr(0, rest.find_first_of("?#@"));
+    while (!rest.empty()) {
+        const std::size_t end = std::min(rest.find_first_of("./:"), rest.size());
+        const std::string_view part = rest.substr(0, end);
+        for (const std::string_view known : {"map", "maps", "openstreetmap"})
+            if (equalsNoCase(part, known))
+                return true;
+        rest.remove_prefix(std::min(end + 1, rest.size()));
+    }
+    return false;
+}
+
+/// "/@51.5072,-0.1276,17z" of a map: a folder of its own, with the height or the zoom behind.
+std::optional<Position> folderOfMap(std::string_view address) {
+    for (std::size_t at = address.find("/@"); at != std::string_view::npos;
+         at = address.find("/@", at + 1)) {
+        const std::string_view folder = address.substr(at + 2, address.find('/', at + 2) - at - 2);
+        if (std::ranges::count(folder, ',') > 1)
+            if (const auto position = pairIn(folder))
+                return position;
+    }
+    return std::nullopt;
+}
 
 } // namespace
 
@@ -95,13 +128,16 @@ std::optional<Position> positionInAddress(std::string_view address) {
     const std::string_view whole = text;
     if (startsWithNoCase(whole, "geo:"))
         return pairIn(whole.substr(4));
-    for (std::size_t at = whole.find('@'); at != std::string_view::npos;
-         at = whole.find('@', at + 1))
-        if (const auto position = pairIn(whole.substr(at + 1)))
-            return position;
     for (const std::string_view name : kOne)
         if (const auto position = pairIn(parameter(whole, name)))
             return position;
+    if (isOfMaps(whole)) {
+        if (const auto position = folderOfMap(whole))
+            return position;
+        for (const std::string_view name : kOneOfMaps)
+            if (const auto position = pairIn(parameter(whole, name)))
+                return position;
+    }
     for (const Names &names : kTwo) {
         const auto latitude = numberIn(parameter(whole, names.latitude));
         const auto longitude = numberIn(parameter(whole, names.longitude));

@@ -179,8 +179,11 @@ bool isAmong(const std::array<std::string_view, Count> &names, std::string_view 
 void addDecodedValues(std::vector<Property> &properties, FailureLog &log) {
     std::vector<Property> decoded;
     attempt(log, [&] {
+        const auto stored = std::ranges::find(properties, "URLRawValue", &Property::name);
         for (const Property &property : properties)
-            if (isAmong(kAddressFields, property.name))
+            if (property.name == "URL" && stored != properties.end())
+                addDecoded(decoded, decodedAddress(property.name, property.value, stored->value));
+            else if (isAmong(kAddressFields, property.name))
                 addDecoded(decoded, decodedAddress(property.name, property.value));
             else if (isAmong(kDecodedFacts, property.name))
                 addDecoded(decoded, decodedText(property.name, property.value));

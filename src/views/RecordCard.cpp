@@ -169,7 +169,7 @@ class CardMaker {
     std::string searchedFor() const {
         if (std::string term = fact("search_term"); !term.empty())
             return term;
-        for (DecodedValue &value : decodedAddress("URL", m_card.address))
+        for (DecodedValue &value : decodedAddress("URL", m_card.address, m_row.text("URLRawValue")))
             if (value.rule == kSearchTermRule)
                 return std::move(value.value);
         return {};

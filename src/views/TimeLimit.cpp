@@ -2,6 +2,7 @@
 
 #include "search/FoundIds.h"
 #include "time/LocalSeconds.h"
+#include "time/StoredDays.h"
 #include "views/NarrowIndex.h"
 
 #include <fmt/format.h>
@@ -34,11 +35,9 @@ Date firstMoment(std::int64_t second, const TimeZone &zone, bool enableDSTChange
     return Date::fromUnixSeconds(utc);
 }
 
-/// As it stands in a statement: half a second before, since stored days aren't exact to the last
-/// bit. A moment beyond the calendar is after, or before, all dates.
-double daysBefore(Date moment, double beyond) {
-    constexpr double kHalfSecond = 0.5 / 86400;
-    return moment.has() ? moment.days() - kHalfSecond : beyond;
+/// As it stands in a statement. A moment beyond the calendar is after, or before, all dates.
+double daysFrom(Date moment, double beyond) {
+    return moment.has() ? firstDays(moment) : beyond;
 }
 
 constexpr double kBeyond = 1e9;
@@ -46,7 +45,7 @@ constexpr double kBeyond = 1e9;
 } // namespace
 
 bool holds(const TimeLimit &limit, double days) {
-    return days >= daysBefore(limit.from, -kBeyond) && days < daysBefore(limit.to, kBeyond);
+    return days >= daysFrom(limit.from, -kBeyond) && days < daysFrom(limit.to, kBeyond);
 }
 
 TimeLimit limitOf(const TimeSpan &span, const TimeZone &zone, bool enableDSTChanges) {
@@ -57,8 +56,8 @@ TimeLimit limitOf(const TimeSpan &span, const TimeZone &zone, bool enableDSTChan
 Walk keepWithin(SQLite::Database &project, const TimeLimit &limit, TaskMonitor &task, RowIds &ids) {
     // A text, which is no date, is more than any number.
     const IdQuery condition{fmt::format("ActionDateUTC >= {} AND ActionDateUTC < {}",
-                                        daysBefore(limit.from, -kBeyond),
-                                        daysBefore(limit.to, kBeyond)),
+                                        daysFrom(limit.from, -kBeyond),
+                                        daysFrom(limit.to, kBeyond)),
                             ""};
     RowIds within;
     if (findNarrow(project, {"ActionDateUTC"}, condition, task, within) == Walk::Cancelled)

@@ -316,7 +316,7 @@ void CaseIndex::notRead(std::ostream &file) {
 void CaseIndex::trail(std::ostream &file) {
     file << "<h2 id=\"trail\">Case trail</h2>\n<p class=\"dim\">What was done with the project up "
             "to this report.</p>\n<table><thead><tr><th class=\"w2\" scope=\"col\">Date [UTC]</th>"
-            "<th class=\"w1\" scope=\"col\">Done</th><th scope=\"col\">How</th><th scope=\"col\">"
+            "<th class=\"w3\" scope=\"col\">Done</th><th scope=\"col\">How</th><th scope=\"col\">"
             "File</th><th scope=\"col\">SHA-256</th></tr></thead>\n<tbody>\n";
     for (const TrailEntry &entry :
          onProject([&] { return CaseTrail(m_ctx.rebuild.project).entries(); }))

@@ -6,7 +6,6 @@
 #include "reports/case/CaseRow.h"
 #include "reports/case/CaseTables.h"
 #include "reports/case/CaseText.h"
-#include "reports/case/CodedText.h"
 #include "views/explain/Explain.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>
@@ -134,13 +133,7 @@ std::string CaseOrigins::safe(const std::string &text) {
     if (!m_redactor.isOn())
         return text;
     std::string plain = m_redactor.text(text);
-    const std::string stored = asStored(plain);
-    const auto codes = codedBytes(stored);
-    const bool isCoded =
-        m_redactor.holds(stored) || std::ranges::any_of(codes, [this](const std::string &bytes) {
-            return m_redactor.holds(bytes);
-        });
-    if (!isCoded)
+    if (!m_redactor.holdsCoded(asStored(text)) && !m_redactor.holds(asStored(plain)))
         return plain;
     ++m_redactor.counts.placesBlurred;
     return std::string(kRedacted);

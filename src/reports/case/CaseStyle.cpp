@@ -83,7 +83,7 @@ svg text{fill:var(--dim);font-size:11px}
 .origin td:first-child{min-width:10.5rem}
 .wide{overflow-x:auto}
 footer{margin-top:2rem;color:var(--dim);font-size:12px;border-top:1px solid var(--line);padding-top:.5rem}
-@media(max-width:760px){
+@media screen and (max-width:760px){
 body{display:block}
 nav{position:static;height:auto;border-right:0;border-bottom:1px solid var(--line);padding:.6rem .8rem}
 nav ul{display:flex;flex-wrap:wrap;gap:.2rem}
@@ -116,8 +116,11 @@ th{position:static}
 tr,dl>*,.card,svg,.note{break-inside:avoid}
 h2,h3{break-after:avoid}
 .chunk,.card{content-visibility:visible}
-.cover{break-after:page}
-.w1{width:3.6rem}.w2{width:8.4rem}.w3{width:6.4rem}.w5{width:6.4rem}.w6{width:3.4rem}
+.wide,.time{overflow:visible;padding:0}
+.origin{min-width:0}
+.origin td:first-child{min-width:0}
+footer{break-before:avoid;margin-top:.6rem}
+.w1{width:3rem}.w2{width:12.6rem}.w3{width:6rem}.w5{width:6rem}.w6{width:3.3rem}
 }
 )css";
 

@@ -190,6 +190,20 @@ PlainStream::PlainStream(std::string_view text, Codes codes) {
     origin.push_back(static_cast<std::uint32_t>(text.size()));
 }
 
+std::string withoutCodes(std::string_view text) {
+    std::string plain;
+    plain.reserve(text.size());
+    for (std::size_t at = 0; at < text.size();) {
+        const auto code = codeAt(text, at);
+        if (code)
+            plain += written(*code);
+        else
+            plain += text[at];
+        at += code ? code->length : 1;
+    }
+    return plain;
+}
+
 std::string withoutMarkup(std::string_view text) {
     std::string plain;
     plain.reserve(text.size());

@@ -22,6 +22,9 @@ struct PlainStream {
     bool hadCodes = false;
 };
 
+/// The text without one layer of the same codings, its case and its "+" kept.
+std::string withoutCodes(std::string_view text);
+
 /// What stands between the tags of a page, without them.
 std::string withoutMarkup(std::string_view text);
 

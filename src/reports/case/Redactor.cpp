@@ -4,6 +4,7 @@
 #include "base/Text.h"
 #include "markup/Utf8.h"
 #include "readers/Dissection.h"
+#include "reports/case/CodedText.h"
 
 #include <fmt/format.h>
 
@@ -38,6 +39,31 @@ bool isBelow(std::string_view host, std::string_view domain) {
     return equalsNoCase(host, domain) ||
            (host.size() > domain.size() && host[host.size() - domain.size() - 1] == '.' &&
             equalsNoCase(host.substr(host.size() - domain.size()), domain));
+}
+
+/// Whether so many bytes of text stand beside each other. Most of what is read as base64 isn't, and
+/// has none. Zeros are part of UTF-16.
+bool hasReadable(std::string_view bytes, std::size_t fewest) {
+    std::size_t readable = 0;
+    for (std::size_t at = 0; at < bytes.size() && readable < fewest;) {
+        const std::size_t begin = at;
+        const std::uint32_t letter = nextCode(bytes, at);
+        const bool isControl = letter < ' ' && !(letter >= '\t' && letter <= '\r');
+        if (letter != 0)
+            readable = isControl || letter == 0x7F || letter == 0xFFFD ? 0 : readable + at - begin;
+    }
+    return readable >= fewest;
+}
+
+/// The filling at the end of base64, where nothing but the end of a value follows.
+std::size_t fillingAt(std::string_view text, std::size_t at) {
+    std::size_t end = at;
+    while (end < text.size() && end < at + 2 && text[end] == '=')
+        ++end;
+    const bool isEnd =
+        end == text.size() ||
+        std::string_view("&;/?#,)\"' <>\r\n").find(text[end]) != std::string_view::npos;
+    return isEnd ? end - at : 0;
 }
 
 } // namespace
@@ -79,6 +105,10 @@ Redactor::Redactor(RedactionRules rules) : m_rules(std::move(rules)) {
     std::erase(m_words, std::string());
     for (const std::string &word : m_words)
         m_begins.at(static_cast<unsigned char>(word.front())) = true;
+    for (const std::string &word : m_words) {
+        m_areAscii &= std::ranges::all_of(word, [](char c) { return c >= 0; });
+        m_fewest = m_fewest == 0 ? charCount(word) : std::min(m_fewest, charCount(word));
+    }
     std::ranges::sort(m_words, [](const std::string &one, const std::string &other) {
         return one.size() > other.size();
     });
@@ -123,9 +153,9 @@ std::string Redactor::withMarks(std::string_view value, PlainStream::Codes codes
 std::string Redactor::text(std::string_view value) {
     if (m_words.empty() || value.empty())
         return std::string(value);
-    const std::string marked =
-        withMarks(withMarks(decodeText(value), PlainStream::Codes::keep), PlainStream::Codes::undo);
-    if (!holdsPlain(marked))
+    const std::string marked = withoutCodedRuns(withMarks(
+        withMarks(decodeText(value), PlainStream::Codes::keep), PlainStream::Codes::undo));
+    if (!holdsPlain(marked) && !holdsCoded(marked))
         return marked;
     ++counts.placesBlurred;
     return std::string(kRedacted);
@@ -151,9 +181,76 @@ bool Redactor::holdsPlain(std::string_view text) const {
     return false;
 }
 
-bool Redactor::holds(std::string_view bytes) const {
-    if (m_words.empty())
+/// Of a run that a path is part of only the piece that holds the word goes.
+std::string Redactor::withoutCodedRuns(std::string_view text) {
+    const auto holdsWord = [this](std::string_view run) {
+        return anyReading(run, m_fewest,
+                          [this](std::string_view bytes) { return holdsDecoded(bytes, kCodings); });
+    };
+    std::string marked;
+    std::size_t done = 0; ///< of the text
+    for (const std::string_view run : codedRuns(text, m_fewest)) {
+        if (!holdsWord(run))
+            continue;
+        std::string left;
+        std::uint64_t places = 0;
+        for (const std::string_view piece : split(run, '/')) {
+            const bool isOut = holdsWord(piece);
+            left.append(left.empty() && piece.data() == run.data() ? "" : "/")
+                .append(isOut ? kRedacted : piece);
+            places += isOut ? 1 : 0;
+        }
+        if (places == 0 || holdsCoded(left)) {
+            left = kRedacted;
+            places = 1;
+        }
+        const auto begin = static_cast<std::size_t>(run.data() - text.data());
+        marked.append(text.substr(done, begin - done)).append(left);
+        done = begin + run.size();
+        done += left.ends_with(kRedacted) ? fillingAt(text, done) : 0;
+        counts.placesBlurred += places;
+    }
+    return marked.append(text.substr(done));
+}
+
+bool Redactor::holdsCoded(std::string_view text) const {
+    return !m_words.empty() && holdsCoded(text, kCodings);
+}
+
+/// The codes themselves may be written by other codes.
+bool Redactor::holdsCoded(std::string_view text, int codings) const {
+    const auto isWord = [this, codings](std::string_view bytes) {
+        return holdsDecoded(bytes, codings);
+    };
+    if (anyCoded(text, m_fewest, isWord))
+        return true;
+    std::string layer(text);
+    for (int coding = 0; coding < kCodings && layer.find_first_of("%&\\") != std::string::npos;
+         ++coding) {
+        std::string next = withoutCodes(layer);
+        if (next == layer)
+            break;
+        layer = std::move(next);
+        if (anyCoded(layer, m_fewest, isWord))
+            return true;
+    }
+    return false;
+}
+
+/// What base64 or hexadecimal digits stand for: text in any code, or such a code again.
+bool Redactor::holdsDecoded(std::string_view bytes, int codings) const {
+    if (m_areAscii && !hasReadable(bytes, m_fewest))
         return false;
+    if (holdsUncoded(bytes) || (!m_areAscii && !isUtf8(bytes) && holdsPlain(fromAnsi(bytes))))
+        return true;
+    return codings > 1 && holdsCoded(bytes, codings - 1);
+}
+
+bool Redactor::holds(std::string_view bytes) const {
+    return !m_words.empty() && (holdsUncoded(bytes) || holdsCoded(bytes));
+}
+
+bool Redactor::holdsUncoded(std::string_view bytes) const {
     for (const std::string &wide : m_wide)
         if (bytes.find(wide) != std::string_view::npos)
             return true;

@@ -23,12 +23,15 @@ class Redactor {
     /// Whether any rule leaves out rows.
     bool leavesOutRows() const;
 
-    /// The text with "[redacted]" in place of each word, which is counted. A text in which a word
-    /// is left, coded twice for instance, becomes that mark as a whole.
+    /// The text with "[redacted]" in place of each word, and of each run of base64 or hexadecimal
+    /// digits that stands for one; they are counted. A text in which a word is left, coded twice
+    /// for instance, becomes that mark as a whole.
     std::string text(std::string_view value);
     /// Whether a word stands in it: as it is, coded up to three times, between tags, in data that
-    /// an address holds, or in UTF-16.
+    /// an address holds, in UTF-16, or in what base64 or hexadecimal digits stand for.
     bool holds(std::string_view bytes) const;
+    /// The same of what base64 and hexadecimal digits stand for alone.
+    bool holdsCoded(std::string_view text) const;
 
     /// By its host, its person or what stands in `texts`.
     bool leavesOut(const UrlRecord &record, const std::vector<std::string_view> &texts) const;
@@ -44,12 +47,18 @@ class Redactor {
 
   private:
     bool holdsPlain(std::string_view text) const;
+    bool holdsUncoded(std::string_view bytes) const;
+    bool holdsCoded(std::string_view text, int codings) const;
+    bool holdsDecoded(std::string_view bytes, int codings) const;
+    std::string withoutCodedRuns(std::string_view text);
     std::string withMarks(std::string_view value, PlainStream::Codes codes);
 
     RedactionRules m_rules;
     std::array<bool, 256> m_begins{}; ///< whether a word begins with this byte
     std::vector<std::string> m_words; ///< in one case, the longest first
     std::vector<std::string> m_wide;  ///< in UTF-16 of both orders
+    std::size_t m_fewest = 0;         ///< characters of the shortest word
+    bool m_areAscii = true;           ///< the words
 };
 
 /// What the addresses of data in a page or a style hold. One within another is part of it.

@@ -3,13 +3,14 @@
 #include "base/Text.h"
 #include "readers/RecordKind.h"
 #include "reports/events/FileDates.h"
+#include "reports/events/SameDates.h"
+#include "time/StoredDays.h"
 
 #include <fmt/format.h>
 
 #include <algorithm>
 #include <array>
 #include <charconv>
-#include <cmath>
 #include <optional>
 
 namespace nv {
@@ -53,7 +54,7 @@ struct DatedFact {
 };
 
 // docs/formats/facts.md says which facts are dates.
-constexpr std::array<DatedFact, 16> kDatedFacts = {{
+constexpr std::array<DatedFact, 17> kDatedFacts = {{
     {"start_time", "Download Started", EventMark::accessed},
     {"end_time", "Download Ended", EventMark::modified},
     {"created", "Created", EventMark::born},
@@ -70,8 +71,8 @@ constexpr std::array<DatedFact, 16> kDatedFacts = {{
     {"last_checked", "Last Checked", EventMark::accessed},
     {"request_time", "Requested", EventMark::accessed},
     {"first_response_time", "First Answered", EventMark::accessed},
+    {"expires", "Expires", EventMark::modified},
 }};
-constexpr DatedFact kExpiry = {"expires", "Expires", EventMark::modified};
 
 constexpr std::int64_t kSecond = 1'000'000;
 
@@ -111,8 +112,12 @@ std::optional<std::int64_t> microsecondsIn(std::string_view text) {
     return date.unixSeconds() * kSecond + part;
 }
 
+std::int64_t secondOf(std::int64_t microseconds) {
+    return microseconds / kSecond - (microseconds % kSecond < 0 ? 1 : 0);
+}
+
 EventMark markOf(std::string_view meaning) {
-    if (containsNoCase(meaning, "created") || containsNoCase(meaning, "first"))
+    if (containsNoCase(meaning, "creat") || containsNoCase(meaning, "first"))
         return EventMark::born;
     for (const char *use : {"visit", "access", "use", "request"})
         if (containsNoCase(meaning, use))
@@ -123,40 +128,81 @@ EventMark markOf(std::string_view meaning) {
 /// Takes the dates of one record.
 class Events {
   public:
-    void add(std::int64_t microseconds, std::string meaning, EventMark mark) {
-        RecordEvent event{microseconds, std::move(meaning), mark};
+    Events(std::string cacheType, const FactList &facts) : m_cacheType(std::move(cacheType)) {
+        for (const RecordFact &fact : facts)
+            addFact(fact);
+    }
+
+    /// A date that a fact has to a part of a second is that event, and not two.
+    void addColumn(UrlColumn column, std::int64_t microseconds, std::string meaning,
+                   EventMark mark) {
+        const auto same = std::ranges::find_if(m_facts, [&](const FactDate &each) {
+            return secondOf(each.microseconds) == secondOf(microseconds) &&
+                   isSameDate(m_cacheType, column, meaning, each.known->fact.word(),
+                              each.known->meaning);
+        });
+        if (same == m_facts.end())
+            return add({microseconds, std::move(meaning), mark});
+        if (same->isTaken) // two columns hold it
+            return;
+        if (same->microseconds % kSecond != 0)
+            microseconds = same->microseconds;
+        mark = same->known->mark;
+        take(*same);
+        add({microseconds, std::move(meaning), mark});
+    }
+    void addColumn(ExportCells &cells, std::size_t place, UrlColumn column, std::string meaning) {
+        const EventMark mark = markOf(meaning);
+        if (const auto time = microsecondsIn(plainText(cells.machine(place, column))))
+            addColumn(column, *time, std::move(meaning), mark);
+    }
+    /// Those of facts that no column has come after them.
+    std::vector<RecordEvent> take() {
+        for (const FactDate &each : m_facts)
+            if (!each.isTaken)
+                add({each.microseconds, std::string(each.known->meaning), each.known->mark});
+        return std::move(m_events);
+    }
+
+  private:
+    struct FactDate {
+        std::int64_t microseconds = 0;
+        const DatedFact *known = nullptr;
+        bool isTaken = false; ///< a column's event tells it
+    };
+
+    void addFact(const RecordFact &fact) {
+        const auto known = std::ranges::find_if(
+            kDatedFacts, [&fact](const DatedFact &each) { return each.fact.word() == fact.name; });
+        const auto *text = std::get_if<std::string>(&fact.value);
+        const auto time = text && known != kDatedFacts.end() ? microsecondsIn(*text) : std::nullopt;
+        if (time)
+            m_facts.push_back({*time, &*known});
+    }
+    /// With what says the same once more.
+    void take(const FactDate &taken) {
+        const FactDate same = taken;
+        for (FactDate &each : m_facts)
+            each.isTaken |= each.known == same.known && each.microseconds == same.microseconds;
+    }
+    void add(RecordEvent event) {
         const bool isThere = std::ranges::any_of(m_events, [&event](const RecordEvent &other) {
             return other.microseconds == event.microseconds && other.meaning == event.meaning;
         });
         if (!isThere)
             m_events.push_back(std::move(event));
     }
-    void addColumn(ExportCells &cells, std::size_t place, UrlColumn column, std::string meaning) {
-        const EventMark mark = markOf(meaning);
-        if (const auto time = microsecondsIn(plainText(cells.machine(place, column))))
-            add(*time, std::move(meaning), mark);
-        m_ofColumns = m_events.size();
-    }
-    /// A fact that says with a fraction what a column says to the second isn't another event.
-    void addFact(const RecordFact &fact, const DatedFact &known) {
-        const auto *text = std::get_if<std::string>(&fact.value);
-        const auto time = text ? microsecondsIn(*text) : std::nullopt;
-        const auto columns = std::span(m_events).first(m_ofColumns);
-        if (time && std::ranges::none_of(columns, [&time](const RecordEvent &event) {
-                return event.microseconds / kSecond == *time / kSecond;
-            }))
-            add(*time, std::string(known.meaning), known.mark);
-    }
-    std::vector<RecordEvent> take() { return std::move(m_events); }
 
-  private:
+    std::string m_cacheType;
+    std::vector<FactDate> m_facts;
     std::vector<RecordEvent> m_events;
-    std::size_t m_ofColumns = 0; ///< the first of them
 };
 
 /// Nobody must take the clock on the wall for UTC.
 std::string actionMeaning(ExportCells &cells, std::size_t place, const RecordKind *kind) {
-    std::string action = textAt(cells, place, C::Action);
+    std::string action(actionMeaningOf(textAt(cells, place, C::CacheType)));
+    if (action.empty())
+        action = textAt(cells, place, C::Action);
     if (action.empty())
         action = "Action Date";
     if (kind && kind->inLocalTime)
@@ -187,24 +233,20 @@ std::span<const UrlColumn> eventColumns() {
 }
 
 std::vector<RecordEvent> eventsOf(ExportCells &cells, std::size_t place, const FactList &facts) {
-    Events events;
-    const RecordKind *kind = recordKind(textAt(cells, place, C::CacheType));
+    const std::string cacheType = textAt(cells, place, C::CacheType);
+    const RecordKind *kind = recordKind(cacheType);
+    Events events(cacheType, facts);
     if (const Date date = cells.actionDate(place); date.has())
-        events.add(unixMicroseconds(date), actionMeaning(cells, place, kind),
-                   kind && kind->group == RecordGroup::bookmarks ? EventMark::born
-                                                                 : EventMark::accessed);
+        events.addColumn(
+            C::ActionDateUtc, unixMicroseconds(date), actionMeaning(cells, place, kind),
+            kind && kind->group == RecordGroup::bookmarks ? EventMark::born : EventMark::accessed);
     const std::string other = textAt(cells, place, C::DateOtherMeaning);
-    events.addColumn(cells, place, C::DateOther, other.empty() ? "Other Date" : other);
+    const bool isExpiry = containsNoCase(other, "expir") &&
+                          textAt(cells, place, C::DateOther) == textAt(cells, place, C::ExpiryDate);
+    if (!isExpiry)
+        events.addColumn(cells, place, C::DateOther, other.empty() ? "Other Date" : other);
     addFileDates(events, cells, place);
     events.addColumn(cells, place, C::ExpiryDate, "Expires");
-    for (const RecordFact &fact : facts) {
-        const auto known = std::ranges::find_if(
-            kDatedFacts, [&fact](const DatedFact &each) { return each.fact.word() == fact.name; });
-        if (known != kDatedFacts.end())
-            events.addFact(fact, *known);
-        else if (fact.name == kExpiry.fact.word())
-            events.addFact(fact, kExpiry);
-    }
     return events.take();
 }
 
@@ -244,7 +286,7 @@ std::vector<std::string> tagsOf(ExportCells &cells, std::size_t place) {
 }
 
 std::int64_t unixMicroseconds(Date date) {
-    return std::llround((date.days() - Date::kUnixEpoch) * 86'400'000.0) * 1000;
+    return unixMilliseconds(date) * 1000;
 }
 
 std::string isoWithFraction(std::int64_t microseconds) {

@@ -1,9 +1,9 @@
+#include "base/Text.h"
 #include "base/TextRows.h"
 #include "reports/TextExport.h"
 #include "reports/events/RecordEvents.h"
 
 #include <fmt/format.h>
-#include <fmt/ranges.h>
 
 #include <algorithm>
 #include <array>
@@ -109,12 +109,21 @@ class TimesketchCsv final : public TimesketchExport {
                                           told.dataType,
                                           "WEBHIST",
                                           told.source,
-                                          fmt::format("{}", fmt::join(told.tags, ","))};
+                                          joinedTags(told.tags)};
         for (const Cell &cell : told.cells)
             texts.push_back(plainText(cell));
         for (std::string &each : texts)
             showNuls(each);
         text() += csvLine(texts);
+    }
+    /// The program parts the field at each comma, so that one in a name would make two tags.
+    std::string joinedTags(const std::vector<std::string> &tags) {
+        std::string text;
+        for (const std::string &tag : tags) {
+            job().counts.signsReplaced += std::ranges::count(tag, ',');
+            text += (text.empty() ? "" : ",") + replaceAll(tag, ",", ";");
+        }
+        return text;
     }
     /// The program's reader of CSV refuses the file for a NUL, or takes it for the end of a text.
     void showNuls(std::string &cell) {

@@ -316,7 +316,7 @@ class RecordValues::Reading {
             return made.has() == kept.has();
         const std::int64_t apart = made.unixSeconds() - kept.unixSeconds();
         if (form != SourceForm::fileTimeLocal && form != SourceForm::fileTimeMoved)
-            return std::abs(apart) <= 1;
+            return apart == 0;
         constexpr auto kMostOffset = std::int64_t{15} * 3600;
         value.note = fmt::format("{} minutes from the stored time: the offset of the machine that "
                                  "imported",

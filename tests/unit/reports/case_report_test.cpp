@@ -1,3 +1,4 @@
+#include "base/Base64.h"
 #include "base/Digest.h"
 #include "db/CaseTrail.h"
 #include "reports/PublishReport.h"
@@ -111,6 +112,22 @@ TEST_F(CaseReportTest, thePolicyNamesStyleAndScriptByTheirHashes) {
     EXPECT_THAT(std::string(caseScript()), Not(HasSubstr("innerHTML")));
 }
 
+/// Paper is narrower than a window: what is for phones may not reach it.
+TEST_F(CaseReportTest, paperHasTablesWithHeadingsOnEachSheet) {
+    const std::string style(caseStyle());
+    const std::size_t phone = style.find("@media screen and (max-width:760px){");
+    const std::size_t paper = style.find("@media print{");
+    ASSERT_NE(phone, std::string::npos);
+    ASSERT_LT(phone, paper);
+    for (const char *rule : {"thead{display:none}", "table,tbody,tr,td{display:block"}) {
+        EXPECT_GT(style.find(rule), phone) << rule;
+        EXPECT_LT(style.rfind(rule), paper) << rule;
+    }
+    EXPECT_EQ(style.find("@media(max-width"), std::string::npos);
+    EXPECT_THAT(style.substr(paper), AllOf(HasSubstr("thead{display:table-header-group}"),
+                                           Not(HasSubstr("break-after:page"))));
+}
+
 TEST_F(CaseReportTest, hugeValuesAreCutOnPagesAndWholeInTheList) {
     const std::string url = "http://long.example/" + std::string(50000, 'a');
     addHistory(url, 1);
@@ -216,6 +233,16 @@ TEST_F(CaseReportTest, rowsOfAHostAndAPersonAreLeftOut) {
     EXPECT_EQ(filesWith("third.example"), 0u);
     EXPECT_EQ(rowsReported(project.connection()), 1);
     EXPECT_THAT(file("history.csv"), HasSubstr("http://other.example/?from=www.[redacted]"));
+}
+
+TEST_F(CaseReportTest, whatAnAddressHoldsInBase64IsRedacted) {
+    const std::string code = base64(viewOf("https://secretbank.example/of/quillon"));
+    addHistory("http://r.example/b64?d=" + code + "&n=1", 1);
+    const std::string html = redacted({"leave out host=secretbank.example", "blur value=quillon"});
+    EXPECT_EQ(filesWith(code.substr(0, 20)), 0u);
+    for (const char *name : {"history-1.htm", "cards-1.htm", "history.csv"})
+        EXPECT_THAT(file(name), HasSubstr("http://r.example/b64?d=[redacted]&")) << name;
+    EXPECT_THAT(html, Not(HasSubstr("<dt>Places in texts</dt><dd>0")));
 }
 
 TEST_F(CaseReportTest, aBlurredHostTellsNothingOfItsRows) {

@@ -10,7 +10,7 @@
 #include "support/TestProject.h"
 #include "support/WorkingFolder.h"
 #include "support/builders/ExifJpeg.h"
-#include "unit/views/MadeProject.h"
+#include "unit/reports/EventsFixture.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>
 #include <gmock/gmock.h>
@@ -24,65 +24,12 @@ namespace nv {
 namespace {
 
 namespace fs = std::filesystem;
+using test::EventsExportTest;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::Not;
 using testing::SizeIs;
-
-struct EventsExportTest : testing::Test {
-    EventsExportTest() {
-        project.add({{"URL", "http://a.example/x|y,z"},
-                     {"Visits", std::int64_t{3}},
-                     {"Action", "Visited"},
-                     {"Host", "a.example"},
-                     {"CacheType", "Chrome Visit"},
-                     {"Browser", "Chrome"},
-                     {"WebPageTitle", "two\r\nlines"},
-                     {"ActionDateUTC", test::daysOf({2009, 2, 13, 23, 31, 30}) + 0.25 / 86400},
-                     {"OtherDate", test::daysOf({2009, 2, 13, 23, 40, 0})},
-                     {"OtherDateMeaning", "Last Modified"},
-                     {"Tagged", std::int64_t{1}}});
-        FactList facts;
-        facts.add("created", "2008-01-02 03:04:05.678901", std::int64_t{7});
-        facts.add("last_used", "2008-01-02 03:04:05.678901");
-        facts.add("end_time", "2009-02-13 23:40:00.5");
-        facts.add("last_modified", "Fri, 13 Feb 2009 23:31:30 GMT");
-        facts.add("count", 7);
-        RecordFacts(project.db()).store(UrlId{1}, facts);
-        project.add({{"URL", "http://b.example/"}, {"CacheType", "Chrome Cookies"}});
-        table.loadURLs(nobody);
-        table.sortBy(UrlColumn::Id, SortDirection::Ascending, nobody);
-    }
-
-    std::string written(ExportFormat format) {
-        job.format = format;
-        job.outputFilePath = out;
-        EXPECT_EQ(exportRows(job, table, project.folder.path(), nobody), ExportEnd::exported);
-        return std::string(ByteView(readWhole(out)).raw());
-    }
-    std::vector<std::string> lines(ExportFormat format) {
-        std::vector<std::string> list;
-        const std::string text = written(format);
-        for (const std::string_view line : split(text, '\n'))
-            if (!line.empty())
-                list.emplace_back(line);
-        return list;
-    }
-    std::vector<nlohmann::json> events() {
-        std::vector<nlohmann::json> list;
-        for (const std::string &line : lines(ExportFormat::timesketch))
-            list.push_back(nlohmann::json::parse(line));
-        return list;
-    }
-
-    test::MadeProject project;
-    Unwatched nobody;
-    UrlTable table{project.db(), project.log, project.zone};
-    Export job;
-    test::TempFolder folder;
-    fs::path out = folder.path() / "out.txt";
-};
 
 TEST_F(EventsExportTest, eachDateOfARecordIsAnEventOfItsOwn) {
     std::vector<std::string> told;
@@ -92,10 +39,11 @@ TEST_F(EventsExportTest, eachDateOfARecordIsAnEventOfItsOwn) {
     EXPECT_THAT(told, ElementsAre("2009-02-13T23:31:30.250000+00:00 Visited",
                                   "2009-02-13T23:40:00.000000+00:00 Last Modified",
                                   "2008-01-02T03:04:05.678901+00:00 Created",
-                                  "2008-01-02T03:04:05.678901+00:00 Last Used"));
-    EXPECT_EQ(job.counts.events, 4);
+                                  "2008-01-02T03:04:05.678901+00:00 Last Used",
+                                  "2009-02-13T23:40:00.500000+00:00 Download Ended"));
+    EXPECT_EQ(job.counts.events, 5);
     EXPECT_EQ(job.counts.rowsWithoutDate, 1);
-    EXPECT_THAT(notesOf(job), ElementsAre(HasSubstr("4 events"), HasSubstr("1 rows have no date")));
+    EXPECT_THAT(notesOf(job), ElementsAre(HasSubstr("5 events"), HasSubstr("1 rows have no date")));
 }
 
 /// A copy of a history was made when the evidence was taken: no visit was.
@@ -216,7 +164,7 @@ struct HostileEventsTest : EventsExportTest {
 
 TEST_F(HostileEventsTest, aLineOfJsonIsOneEventInTheOrderOfTheFields) {
     const auto list = lines(ExportFormat::timesketch);
-    ASSERT_THAT(list, SizeIs(5));
+    ASSERT_THAT(list, SizeIs(6));
     for (const std::string &line : list) {
         const auto event = nlohmann::ordered_json::parse(line); // strict in its UTF-8 too
         std::vector<std::string> names;
@@ -242,7 +190,7 @@ TEST_F(HostileEventsTest, aLineOfJsonIsOneEventInTheOrderOfTheFields) {
 
 TEST_F(HostileEventsTest, aLineOfCsvHasEachFieldInItsPlace) {
     const auto rows = csvRows(written(ExportFormat::timesketchCsv));
-    ASSERT_THAT(rows, SizeIs(6));
+    ASSERT_THAT(rows, SizeIs(7));
     for (std::size_t at = 1; at < rows.size(); ++at) {
         ASSERT_EQ(rows[at].size(), rows[0].size());
         EXPECT_EQ(rows[at][1], isoWithFraction(std::stoll(rows[at][2])));
@@ -261,26 +209,26 @@ TEST_F(HostileEventsTest, aLineOfCsvHasEachFieldInItsPlace) {
 
 TEST_F(EventsExportTest, aBodyFileHasElevenFieldsAndOneTimeALine) {
     const auto list = lines(ExportFormat::body);
-    ASSERT_THAT(list, SizeIs(4));
+    ASSERT_THAT(list, SizeIs(5));
     for (const std::string &line : list)
         EXPECT_THAT(split(line, '|'), SizeIs(11)) << line;
     EXPECT_EQ(list[0], "0|Chrome Visit Visited http://a.example/x%7Cy,z two\u240D\u240Alines "
                        "(Visited)|1|0|0|0|0|1234567890|0|0|0");
     EXPECT_TRUE(list[2].ends_with("|0|0|0|1199243045")) << list[2];
-    EXPECT_EQ(job.counts.signsReplaced, 4);
+    EXPECT_EQ(job.counts.signsReplaced, 5);
 }
 
 TEST_F(EventsExportTest, aBodyFileCantSayTimesBefore1970) {
     project.db().exec("UPDATE URLs SET ActionDateUTC = 20000 WHERE URL_ID = 1");
     table.refreshRows();
-    EXPECT_THAT(lines(ExportFormat::body), SizeIs(3));
+    EXPECT_THAT(lines(ExportFormat::body), SizeIs(4));
     EXPECT_EQ(job.counts.eventsTooEarly, 1);
-    EXPECT_THAT(lines(ExportFormat::l2tcsv), SizeIs(5)) << "this form can";
+    EXPECT_THAT(lines(ExportFormat::l2tcsv), SizeIs(6)) << "this form can";
 }
 
 TEST_F(EventsExportTest, linesOfLog2timelineHaveSeventeenFields) {
     const auto list = lines(ExportFormat::l2tcsv);
-    ASSERT_THAT(list, SizeIs(5));
+    ASSERT_THAT(list, SizeIs(6));
     for (const std::string &line : list)
         EXPECT_THAT(split(line, ','), SizeIs(17)) << line;
     EXPECT_EQ(list[0], "date,time,timezone,MACB,source,sourcetype,type,user,host,short,desc,"
@@ -303,7 +251,7 @@ TEST_F(EventsExportTest, aProjectOfAnEarlierBuildHasEventsToo) {
                       "ALTER TABLE URLs DROP COLUMN Browser");
     table.refreshRows();
     const auto list = events();
-    ASSERT_THAT(list, SizeIs(4));
+    ASSERT_THAT(list, SizeIs(5));
     EXPECT_FALSE(list[0].contains("browser"));
     EXPECT_TRUE(list[0].contains("source_offset"));
 }

@@ -1,4 +1,5 @@
 #include "base/Base64.h"
+#include "base/Text.h"
 #include "reports/case/CodedText.h"
 #include "reports/case/Redactor.h"
 
@@ -115,30 +116,114 @@ TEST(RedactionTest, rowsAreLeftOutByHostPersonAndValue) {
     EXPECT_TRUE(isOut("host=tide.example"));
 }
 
-TEST(RedactionTest, codedBytesAreFoundWhereverTheyBegin) {
+std::string utf16Of(const std::string &text, bool isBigEndian) {
+    std::string wide;
+    for (const char c : text)
+        wide += isBigEndian ? std::string("\0", 1) + c : c + std::string("\0", 1);
+    return wide;
+}
+std::string hexOf(const std::string &bytes) {
+    return bytesToHex(viewOf(bytes), 0, 0);
+}
+
+TEST(RedactionTest, codesAreReadWhereverTheyBegin) {
     const auto isFound = [](const std::string &text) {
-        for (const std::string &bytes : codedBytes(text))
-            if (bytes.find("tide.example") != std::string::npos)
-                return true;
-        return false;
+        return anyCoded(text, 4, [](std::string_view bytes) {
+            return bytes.find("tide.example") != std::string_view::npos;
+        });
     };
     EXPECT_TRUE(isFound("746964652E6578616D706C65 = text"));
     EXPECT_TRUE(isFound("at 0746964652e6578616d706c65"));
+    EXPECT_TRUE(isFound("74 69 64 65 2E 65 78 61 6D 70 6C 65"));
+    EXPECT_TRUE(isFound("74:69:64:65:2e:65:78:61:6d:70:6c:65"));
     for (const char *before : {"", "x", "xy", "xyz"})
         for (const char *behind : {"", "1", "12"}) {
             const std::string padded = std::string(before) + "tide.example" + behind;
             const std::string code = base64(viewOf(padded));
             EXPECT_TRUE(isFound("q=" + code)) << code;
             EXPECT_TRUE(isFound("/ab" + code)) << code; // letters of the code in front
+            EXPECT_TRUE(isFound(code.substr(0, 9) + "\r\n  " + code.substr(9))) << code;
         }
     EXPECT_FALSE(isFound("tide"));
-    EXPECT_TRUE(codedBytes("a.b, c!").empty());
+    EXPECT_FALSE(anyCoded("a.b, c!", 3, [](std::string_view) { return true; }));
 }
 
 /// Runs of any length cost what they are long.
 TEST(RedactionTest, longRunsOfCodesAreReadOnce) {
-    const auto found = codedBytes(std::string(2'000'000, 'a'));
-    EXPECT_EQ(found.size(), 6U);
+    int asked = 0;
+    EXPECT_FALSE(anyCoded(std::string(2'000'000, 'a'), 4, [&asked](std::string_view) {
+        ++asked;
+        return false;
+    }));
+    EXPECT_EQ(asked, 6); // four of base64, two of hexadecimal digits
+    Redactor redactor({blur("value=secret")});
+    for (const char *piece : {"V", "ab", "41", "41 ", "Vm", "VjIw", "%56", "a\n"}) {
+        std::string text;
+        while (text.size() < (std::size_t{1} << 20))
+            text += piece;
+        EXPECT_EQ(redactor.text(text), text) << piece;
+    }
+}
+
+TEST(RedactionTest, codedWordsGoWithTheirRun) {
+    Redactor redactor({leaveOut("host=secretbank.example"), blur("value=quillon")});
+    const std::string bank = "https://SecretBank.example/login";
+    const std::string address = "https://r.example/b64/x?d=";
+    EXPECT_EQ(redactor.text(address + base64(viewOf(bank)) + "&e=1"), address + "[redacted]&e=1");
+    EXPECT_EQ(redactor.counts.placesBlurred, 1u);
+    EXPECT_EQ(redactor.text(address + hexOf(bank)), address + "[redacted]");
+    EXPECT_EQ(redactor.text(address + "a%20b&" + replaceAll(base64(viewOf(bank)), "=", "")),
+              address + "a%20b&[redacted]");
+    EXPECT_EQ(redactor.text("https://r.example/go/" + base64(viewOf(bank)) + "/end"),
+              "https://r.example/go/[redacted]/end");
+    EXPECT_EQ(redactor.counts.placesBlurred, 4u);
+    for (const bool isBigEndian : {false, true}) {
+        const std::string wide = utf16Of("Of QUILLON.", isBigEndian);
+        EXPECT_EQ(redactor.text("q=" + base64(viewOf(wide))), "q=[redacted]");
+        EXPECT_EQ(redactor.text("q=" + hexOf(wide)), "q=[redacted]");
+    }
+    EXPECT_EQ(redactor.text("aGFyYm91ckBleGFtcGxl"), "aGFyYm91ckBleGFtcGxl"); // another text
+    EXPECT_EQ(redactor.text("/quite/a/common/path-of_words+and/more"),
+              "/quite/a/common/path-of_words+and/more");
+}
+
+TEST(RedactionTest, codedWordsGoInWhateverFormTheirCodeIsWritten) {
+    Redactor redactor({blur("value=quillon"), blur("value=M\xC3\xA4ra")});
+    const auto goes = [&redactor](const std::string &text) {
+        const std::string marked = redactor.text("name=" + text);
+        const std::string amid = text.substr(text.size() / 2, 8);
+        return marked.find("[redacted]") != std::string::npos && !redactor.holds(marked) &&
+               marked.find(amid) == std::string::npos;
+    };
+    const std::string code = base64(viewOf("??? of quillon ???")); // has letters of its own
+    std::string ofAddress = replaceAll(code, "/", "_");
+    EXPECT_TRUE(goes(ofAddress));
+    EXPECT_TRUE(goes(replaceAll(replaceAll(code, "/", "%2F"), "=", "%3D")));
+    EXPECT_TRUE(goes(replaceAll(code, "/", "\\/")));
+    std::string coded;
+    for (const char c : code)
+        coded += "%" + hexOf(std::string(1, c));
+    EXPECT_TRUE(goes(coded));
+    EXPECT_TRUE(goes(replaceAll(coded, "%", "%25")));
+    EXPECT_TRUE(goes(base64(viewOf(code))));
+    EXPECT_TRUE(goes(hexOf("u=" + coded)));
+    EXPECT_TRUE(goes(base64(viewOf(hexOf("a quillon")))));
+    EXPECT_TRUE(goes(base64(viewOf("a%20%71uillon"))));
+    EXPECT_TRUE(goes(base64(viewOf("by M\xE4ra"))));     // in Windows-1252
+    EXPECT_TRUE(goes(base64(viewOf("by M\xC3\x84RA")))); // in another case
+    EXPECT_TRUE(goes(hexOf("\xFF\xFE quillon")));
+    EXPECT_TRUE(redactor.holds("<meta content=" + code + ">"));
+}
+
+TEST(RedactionTest, rowsGoByWhatACodeStandsFor) {
+    UrlRecord record;
+    record.URL = "http://r.example/?d=" + base64(viewOf("https://secretbank.example/"));
+    const auto isOut = [&record](const std::string &rule) {
+        return Redactor({leaveOut(rule)}).leavesOut(record, {record.URL});
+    };
+    EXPECT_TRUE(isOut("value=secretbank"));
+    EXPECT_FALSE(isOut("value=otherbank"));
+    EXPECT_FALSE(isOut("host=secretbank.example")); // the row is of r.example
 }
 
 } // namespace

@@ -68,6 +68,35 @@ TEST_F(SearchTest, findsPartsOfValuesAndWordsOfTexts) {
     EXPECT_THAT(found("\"oilskin jacket\""), ElementsAre(3)) << "without the address' coding";
 }
 
+TEST_F(SearchTest, findsTermsOfAddressesByTheTextAsFound) {
+    add({{"URL", "https://find.example/search?q=C+++AT&T+bomb&hl=de"},
+         {"URLRawValue", "https://find.example/search?q=C%2B%2B+AT%26T+bomb&hl=de"},
+         {"URLParameters", "q=C+++AT&T+bomb&hl=de"}});
+    add({{"URL", "https://find.example/#q=F#+tides"},
+         {"URLRawValue", "https://find.example/#q=F%23+tides"}});
+    EXPECT_THAT(found("\"C++ AT&T bomb\""), ElementsAre(6));
+    EXPECT_THAT(found("\"=F# tides\""), ElementsAre(7));
+    EXPECT_THAT(found("\"C   AT\""), IsEmpty());
+}
+
+/// As the table shows them: by the second in which they lie, whatever the last bits of a float say.
+TEST_F(SearchTest, aDateIsOfTheSecondInWhichItLies) {
+    const std::int64_t midnight = Date::fromCivil({.year = 2024}).unixSeconds();
+    const auto set = [this](int id, Date date) {
+        SQLite::Statement update(connection(),
+                                 "UPDATE URLs SET ActionDateUTC = ? WHERE URL_ID = ?");
+        update.bind(1, date.days());
+        update.bind(2, id);
+        update.exec();
+    };
+    set(1, Date::fromUnixMicroseconds(midnight * 1'000'000 - 1));
+    set(2, Date::fromUnixSeconds(midnight + 300 * 60).plusMinutes(-300));
+    set(3, Date::fromDays(Date::fromUnixSeconds(midnight).days() - 1e-11)); // a sum gone astray
+    EXPECT_THAT(found("before:2024 harbour"), ElementsAre(1));
+    EXPECT_THAT(found("after:2024"), ElementsAre(2, 3));
+    EXPECT_THAT(found("before:2024-01-01T00:00:01 after:2024"), ElementsAre(2, 3));
+}
+
 TEST_F(SearchTest, findsRowsByTheirTags) {
     EXPECT_THAT(found("tag:Important"), IsEmpty()) << "a project without tags";
     EXPECT_THAT(found("-tag:*"), ElementsAre(1, 2, 3, 4, 5));

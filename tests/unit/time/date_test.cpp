@@ -1,5 +1,6 @@
 #include "time/Date.h"
 #include "time/DateFormat.h"
+#include "time/StoredDays.h"
 
 #include <gtest/gtest.h>
 
@@ -61,14 +62,71 @@ TEST(Date, keepsEverySecondOfADayApart) {
 
 TEST(Date, isOfTheSecondInWhichItLies) {
     const std::int64_t second = 1234569600;
-    for (const std::int64_t microseconds : {0, 1000, 500'000, 998'000, 999'000}) {
+    for (const std::int64_t microseconds :
+         {0, 1, 1000, 500'000, 999'000, 999'499, 999'500, 999'501, 999'999}) {
         const Date date = Date::fromUnixMicroseconds(second * 1'000'000 + microseconds);
         EXPECT_EQ(date.unixSeconds(), second) << microseconds;
         EXPECT_EQ(date.civil().second, 0) << microseconds;
     }
     EXPECT_LT(Date::fromUnixSeconds(second), Date::fromUnixMicroseconds(second * 1'000'000 + 1000));
-    EXPECT_EQ(Date::fromUnixMicroseconds(-1).unixSeconds(), 0) << "a float holds no more";
+    EXPECT_EQ(Date::fromUnixMicroseconds(-1).unixSeconds(), -1);
     EXPECT_EQ(Date::fromUnixMicroseconds(-500'000).unixSeconds(), -1);
+    EXPECT_EQ(Date::fromUnixMicroseconds(-1'000'000).unixSeconds(), -1);
+}
+
+/// A visit in the last moment of a year is one of that year, by each way to ask.
+TEST(Date, theLastMomentOfASecondIsntTheNext) {
+    const Date midnight = Date::fromCivil({2024, 1, 1});
+    const Date last = Date::fromUnixMicroseconds(midnight.unixSeconds() * 1'000'000 - 1);
+    EXPECT_EQ(last.civil().year, 2023);
+    EXPECT_EQ(last.civil().second, 59);
+    EXPECT_EQ(last.weekday(), 1); // a Sunday
+    EXPECT_LT(last.days(), firstDays(midnight));
+    EXPECT_GE(midnight.days(), firstDays(midnight));
+    EXPECT_GE(last.days(), firstDays(last));
+    EXPECT_EQ(unixMilliseconds(last), midnight.unixSeconds() * 1000 - 1);
+}
+
+/// However the days were summed up: no whole second falls to the one before.
+TEST(Date, holdsEachSecondOfDaysFrom1601To2100) {
+    for (const int year : {1601, 1677, 1752, 1899, 1900, 1945, 1969, 1970, 1989, 2000, 2009, 2024,
+                           2038, 2059, 2079, 2080, 2100}) {
+        const std::int64_t midnight = Date::fromCivil({year, 12, 31}).unixSeconds();
+        const double day = 25569 + static_cast<double>(midnight / 86400);
+        ASSERT_EQ(midnight % 86400, 0);
+        for (std::int64_t second = 0; second < 86400; ++second) {
+            const std::int64_t expected = midnight + second;
+            const double part = static_cast<double>(second) / 86400.0;
+            const auto clock = static_cast<double>(second / 3600) / 24.0 +
+                               static_cast<double>(second / 60 % 60) / 1440.0 +
+                               static_cast<double>(second % 60) / 86400.0;
+            const Date written[] = {
+                Date::fromUnixSeconds(expected),
+                Date::fromUnixMicroseconds(expected * 1'000'000),
+                Date::fromDays(day + part),
+                Date::fromDays(day + clock),
+                Date::fromUnixSeconds(expected - 20'000).plusSeconds(20'000),
+                Date::fromUnixSeconds(expected + 300 * 60).plusMinutes(-300),
+            };
+            for (const Date date : written) {
+                ASSERT_EQ(date.unixSeconds(), expected) << year;
+                ASSERT_GE(date.days(), firstDays(written[0])) << year;
+                ASSERT_EQ(unixMilliseconds(date), expected * 1000) << year;
+            }
+            const Date late = Date::fromUnixMicroseconds(expected * 1'000'000 + 999'999);
+            ASSERT_EQ(late.unixSeconds(), expected) << year;
+            ASSERT_EQ(late.plusMinutes(60).plusMinutes(-60).unixSeconds(), expected) << year;
+            ASSERT_LT(late.days(), firstDays(Date::fromUnixSeconds(expected + 1))) << year;
+        }
+    }
+}
+
+TEST(Date, keepsTheMilliseconds) {
+    for (const std::int64_t second : {-11644473600LL, -1LL, 0LL, 1299006630LL, 3000000000LL})
+        for (std::int64_t part = 0; part < 1000; ++part)
+            ASSERT_EQ(
+                unixMilliseconds(Date::fromUnixMicroseconds(second * 1'000'000 + part * 1000)),
+                second * 1000 + part);
 }
 
 TEST(Date, noDateStaysNoDateAndIsNotZero) {

@@ -57,7 +57,7 @@ TEST(NumberTimes, othersAreNone) {
     for (const char *text :
          {"", ".", "0", "1", "99999999", "2208988800", "12345678901", "99999999999999",
           "-1299006630", "+1299006630", "01299006630", "1299006630x", "9223372036854775807",
-          "9223372036854775808", "99999999999999999999999999"})
+          "9223372036854775808", "99999999999999999999999999", "1212092628029698048"})
         EXPECT_EQ(readingOf(text), "none") << text;
     // The ends of what is read.
     EXPECT_EQ(readingOf("788918400"), "1995-01-01T00:00:00Z Unix time in seconds");
@@ -96,10 +96,80 @@ TEST(DecodedValues, termsOfASearchAreTold) {
                 ElementsAre("q = 1299006630 (Search term)"));
 }
 
-TEST(DecodedValues, timesAreReadInParametersAndPaths) {
-    EXPECT_THAT(ofAddress("http://h.example/photo/1299006630250/x.jpg?_=1299006630"),
-                ElementsAre("path = 2011-03-01 19:10:30 UTC (Unix time in milliseconds)",
-                            "_ = 1299006630 (Query parameter)",
+/// Of a search for C++ and AT&T, as found and as records have it.
+TEST(DecodedValues, codedSignsPartNoValues) {
+    const std::string raw = "https://www.google.com/search?q=C%2B%2B+AT%26T+bomb&hl=en";
+    const std::string address = percentDecode(raw);
+    const auto expected =
+        ElementsAre("q = C++ AT&T bomb (Search term)", "hl = en (Query parameter)");
+    EXPECT_THAT(ofAddress(raw), expected);
+    const auto by = [](const std::string &undone, std::string_view stored) {
+        return linesOf(decodedAddress("URL", undone, stored));
+    };
+    EXPECT_THAT(by(address, raw), expected);
+    EXPECT_THAT(by(address, "Visited: ada@" + raw), expected);
+    EXPECT_THAT(by(address, "1/0/_dk_https://g.example https://g.example " + raw), expected);
+    const std::string sharp = "http://www.bing.com/search?q=F%23+and+C%23%3B";
+    EXPECT_THAT(by(percentDecode(sharp), sharp), ElementsAre("q = F# and C#; (Search term)"));
+    const std::string nested = "http://a.example/?u=https%3A%2F%2Fb.example%2F%3Fa%3D1%26b%3D2&c=3";
+    EXPECT_THAT(by(percentDecode(nested), nested),
+                ElementsAre("u = https://b.example/?a=1&b=2 (Query parameter)",
+                            "u > a = 1 (Query parameter)", "u > b = 2 (Query parameter)",
+                            "c = 3 (Query parameter)"));
+}
+
+TEST(DecodedValues, withoutTheTextAsFoundOnlyWhatIsSureIsTold) {
+    const auto by = [](const std::string &undone, std::string_view stored = {}) {
+        return linesOf(decodedAddress("URL", undone, stored));
+    };
+    EXPECT_THAT(by("http://www.bing.com/search?q=tide"), ElementsAre("q = tide (Search term)"));
+    for (const char *doubtful : {"a+b", "a&b=c", "a;b=c", "a#b", "a%20b", "a=b", "http://b/?c"}) {
+        EXPECT_THAT(by("http://www.bing.com/search?q=" + std::string(doubtful)), IsEmpty());
+        EXPECT_THAT(by("http://www.bing.com/search?q=" + std::string(doubtful), "another"),
+                    IsEmpty());
+    }
+    EXPECT_THAT(by("http://h.example/c232ab00-9414-11ec-b3c8-9e6bdeced846?a=1&b=2"),
+                ElementsAre("path = 2022-02-22 19:22:22 UTC (UUID of version 1)"));
+}
+
+TEST(DecodedValues, aSemicolonPartsOnlyNamesWithValues) {
+    EXPECT_THAT(ofAddress("http://www.bing.com/search?q=tide;low&a=1;b=2;;=3"),
+                ElementsAre("q = tide;low (Search term)", "a = 1 (Query parameter)",
+                            "b = 2;;=3 (Query parameter)"));
+}
+
+TEST(DecodedValues, idsInPathsHoldTimesOnlyOfSitesThatAreKnown) {
+    for (const char *none :
+         {"http://h.example/photo/1299006630250/x.jpg", "http://h.example/1299006630",
+          "https://h.example/ada/status/1212092628029698048", "https://x.com/1212092628029698048",
+          "https://twitter.com/ada/status/29700859247",
+          "https://x.com/ada/status/99999999999999999999",
+          "https://nottwitter.com/ada/status/1212092628029698048", "https://x.com/status/",
+          "https://x.com/status/-1212092628029698048", "https://discord.com/channels/@me",
+          "http://h.example/?id=1212092628029698048"})
+        for (const std::string &line : ofAddress(none))
+            EXPECT_THAT(line, testing::HasSubstr("(Query parameter)")) << none;
+    EXPECT_THAT(ofAddress("https://mobile.twitter.com/ada/status/1212092628029698048/photo/1"),
+                ElementsAre("path = 2019-12-31 19:26:16 UTC (Id of a post on twitter.com or x.com: "
+                            "milliseconds since 2010-11-04 01:42:54, 22 bits up)"));
+    EXPECT_THAT(ofAddress("https://X.com:443/i/status/1212092628029698048"), SizeIs(1));
+    EXPECT_THAT(ofAddress("https://discord.com/channels/81384788765712384/381890411414683648/"
+                          "1201234567890123456"),
+                ElementsAre(testing::StartsWith("path = 2015-08-13 "),
+                            testing::StartsWith("path = 2017-11-19 "),
+                            testing::StartsWith("path = 2024-01-28 ")));
+}
+
+TEST(DecodedValues, numbersBelowZeroAreNoTimesOfToday) {
+    EXPECT_THAT(
+        ofAddress("http://h.example/?t=-1700000000&u=a+-1700000000"),
+        ElementsAre("t = -1700000000 (Query parameter)", "u = a -1700000000 (Query parameter)"));
+    EXPECT_THAT(ofText("-1700000000"), IsEmpty());
+}
+
+TEST(DecodedValues, timesAreReadInParameters) {
+    EXPECT_THAT(ofAddress("http://h.example/photo/x.jpg?_=1299006630"),
+                ElementsAre("_ = 1299006630 (Query parameter)",
                             "_ = 2011-03-01 19:10:30 UTC (Unix time in seconds)"));
     EXPECT_THAT(ofAddress("http://h.example/?s=ab-1299006630-77"),
                 ElementsAre("s = ab-1299006630-77 (Query parameter)",

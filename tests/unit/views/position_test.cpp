@@ -13,18 +13,36 @@ TEST(Position, addressesOfMapsNameOne) {
          {"https://maps.example/@54.3213,-10.1349,17z", "geo:54.3213,-10.1349?z=3",
           "https://maps.example/?ll=54.3213,-10.1349&z=9",
           "https://maps.example/?q=54.3213%2C%20-10.1349",
+          "https://www.a.example/maps/place/x/@54.3213,-10.1349,500m/data=1",
+          "https://a.example/?ll=54.3213,-10.1349",
           "https://maps.example/#x=1&mlat=54.3213&mlon=-10.1349",
           "https://maps.example/p?LAT=54.3213&LON=-10.1349#top"})
         EXPECT_EQ(positionInAddress(address), harbour) << address;
 }
 
 TEST(Position, otherNumbersNameNone) {
-    for (const char *address :
-         {"", "@", "https://a.example/@1,2", "https://a.example/?q=3.5", "https://a.example/?q=1,2",
-          "https://a.example/?ll=91.5,0.5", "https://a.example/?ll=1.5,180.5",
-          "https://a.example/?lat=1.5", "https://a.example/?lat=1.5x&lon=2.5", "geo:", "geo:1.5",
-          "mailto:a@1.5", "https://a.example/?plat=1.5&plon=2.5", "https://a.example/?ll=nan,nan",
-          "https://a.example/?ll=1.5,-", "https://a.example/?ll=.,."})
+    for (const char *address : {"",
+                                "@",
+                                "https://a.example/@1,2",
+                                "https://a.example/?q=3.5",
+                                "https://a.example/?q=1,2",
+                                "https://a.example/?ll=91.5,0.5",
+                                "https://a.example/?ll=1.5,180.5",
+                                "https://a.example/?lat=1.5",
+                                "https://a.example/?lat=1.5x&lon=2.5",
+                                "geo:",
+                                "geo:1.5",
+                                "mailto:a@1.5",
+                                "https://a.example/?plat=1.5&plon=2.5",
+                                "https://a.example/?ll=nan,nan",
+                                "https://a.example/?ll=1.5,-",
+                                "https://a.example/?ll=.,.",
+                                "https://a.example/pkg@12.5,3.2",
+                                "https://a.example/@12.5,3.2,1z",
+                                "https://maps.example/pkg@12.5,3.2,1z",
+                                "https://maps.example/@12.5,3.2",
+                                "https://a.example/?q=12.5,3.2",
+                                "https://mapsite.example/?q=12.5,3.2"})
         EXPECT_EQ(positionInAddress(address), std::nullopt) << address;
 }
 

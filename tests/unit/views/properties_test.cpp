@@ -52,12 +52,14 @@ TEST_F(PropertiesTest, fieldsStandInTheOrderOfTheDatabaseWithoutTyped) {
 }
 
 TEST_F(PropertiesTest, decodedValuesStandBehindTheFacts) {
-    const auto id = add({{"URL", "http://h.example/search?q=tide+tables&t=1299006630"},
-                         {"Referrer", "http://h.example/?from=mail"}});
+    const auto id = add(
+        {{"URL", "http://h.example/search?q=C+++AT&T+tables&t=1299006630"},
+         {"URLRawValue", "Visited: a@http://h.example/search?q=C%2B%2B+AT%26T+tables&t=1299006630"},
+         {"Referrer", "http://h.example/?from=mail"}});
     FactList facts;
     facts.add("cookie_value", "seen=1299006630");
     RecordFacts(db()).store(UrlId{id}, facts);
-    EXPECT_EQ(value(id, "URL > q"), "tide tables [Search term]");
+    EXPECT_EQ(value(id, "URL > q"), "C++ AT&T tables [Search term]");
     const auto all = load(id);
     EXPECT_THAT(all,
                 Contains(Property{"URL > t", "2011-03-01 19:10:30 UTC [Unix time in seconds]"}));

@@ -119,9 +119,10 @@ TEST_F(RecordCardTest, datesOfAnyAgeStandInTheZone) {
 }
 
 TEST_F(RecordCardTest, whatWasSearchedForIsTold) {
-    EXPECT_EQ(
-        load(add({{"URL", "http://www.google.com/search?q=tide+tables"}})).line("Searched for"),
-        "tide tables");
+    const auto card =
+        load(add({{"URL", "http://www.google.com/search?q=C+++AT&T+bomb"},
+                  {"URLRawValue", "http://www.google.com/search?q=C%2B%2B+AT%26T+bomb"}}));
+    EXPECT_EQ(card.line("Searched for"), "C++ AT&T bomb");
 }
 
 TEST_F(RecordCardTest, anEmptyRowHasAKindAndNoDate) {

@@ -67,6 +67,23 @@ TEST_F(TimeLimitTest, leavesTheRowsOfItsTime) {
     EXPECT_THAT(ids, ElementsAre(before));
 }
 
+/// As the table shows it; whole seconds may be stored a microsecond early.
+TEST_F(TimeLimitTest, aMomentIsOfTheSecondInWhichItLies) {
+    const std::int64_t midnight = secondsOf({2023, 12, 31, 23, 0, 0}); // in UTC
+    const auto put = [this](Date date) {
+        return static_cast<std::int32_t>(project.add({{"ActionDateUTC", date.days()}}));
+    };
+    const std::int32_t half = put(Date::fromUnixMicroseconds(midnight * 1'000'000 - 400'000));
+    const std::int32_t last = put(Date::fromUnixMicroseconds(midnight * 1'000'000 - 1));
+    const std::int32_t early = put(Date::fromDays(Date::fromUnixSeconds(midnight).days() - 1e-11));
+    RowIds ids{half, last, early};
+    const TimeLimit year = limitOf(
+        {secondsOf({2024, 1, 1, 0, 0, 0}), secondsOf({2025, 1, 1, 0, 0, 0})}, project.zone, true);
+    EXPECT_EQ(keepWithin(project.db(), year, task, ids), Walk::Finished);
+    EXPECT_THAT(ids, ElementsAre(early));
+    EXPECT_FALSE(holds(year, Date::fromUnixMicroseconds(midnight * 1'000'000 - 1).days()));
+}
+
 TEST_F(TimeLimitTest, aTableHidesTheOthersAndKnowsThem) {
     add({2011, 2, 1, 12, 0, 0});
     const std::int32_t within = add({2011, 3, 1, 12, 0, 0});

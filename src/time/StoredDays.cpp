@@ -1,0 +1,35 @@
+#include "time/StoredDays.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace nv {
+
+namespace {
+
+constexpr double kSecondsPerDay = 86400;
+
+} // namespace
+
+double earlyBy(double days) {
+    constexpr double kOfSums = 5e-6; // zones and seconds that were added
+    constexpr double kOfLastBits = 4e-11;
+    return kOfSums + std::abs(days) * kOfLastBits;
+}
+
+double firstDays(Date date) {
+    const auto second = static_cast<double>(date.unixSeconds());
+    return Date::kUnixEpoch + (second - earlyBy(date.days())) / kSecondsPerDay;
+}
+
+std::int64_t unixMilliseconds(Date date) {
+    constexpr std::int64_t kASecond = 1000;
+    const std::int64_t second = date.unixSeconds();
+    const double part =
+        (date.days() - Date::kUnixEpoch) * kSecondsPerDay - static_cast<double>(second);
+    const auto passed =
+        static_cast<std::int64_t>(std::floor((part + earlyBy(date.days())) * kASecond));
+    return second * kASecond + std::clamp<std::int64_t>(passed, 0, kASecond - 1);
+}
+
+} // namespace nv

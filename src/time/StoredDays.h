@@ -1,0 +1,22 @@
+#pragma once
+
+#include "time/Date.h"
+
+#include <cstdint>
+
+namespace nv {
+
+// A date is kept as days, and a whole second may come back some microseconds early from these: its
+// last bits are worth a microsecond today, and more the farther a year is from 1899. All that asks
+// for the second of a date, or compares stored days with one, goes by these.
+
+/// Seconds by which a whole second of that day may be early.
+double earlyBy(double days);
+
+/// The least stored days of a date in the same second; without a date meaningless.
+double firstDays(Date date);
+
+/// Milliseconds since 1970 that have passed; without a date meaningless.
+std::int64_t unixMilliseconds(Date date);
+
+} // namespace nv
