@@ -132,7 +132,7 @@ class Scan {
     /// file was taken for none of its format.
     void tellUnlisted() {
         for (const UnreadPlace &folder : m_evidence.unlisted())
-            attempt(folder.path, [&] { throw std::runtime_error(folder.reason); });
+            noteUnread(folder);
     }
 
     void scanFolders(const fs::path &start) {
@@ -152,7 +152,7 @@ class Scan {
         m_result.gaps.linksNotFollowed += contents.links;
         m_seen += contents.files.size();
         for (const UnreadPlace &place : contents.unreadable)
-            attempt(place.path, [&] { throw std::runtime_error(place.reason); });
+            noteUnread(place);
         for (const fs::path &file : contents.files)
             if (m_mask.matches(textOf(file.filename())) && goOn(fraction))
                 tryFile(file, Asked::byFolder, fraction);
@@ -162,7 +162,8 @@ class Scan {
     enum class Asked { byName, byFolder };
 
     void tryFile(const fs::path &file, Asked asked, double fraction) {
-        attempt(file, [&] { takeFile(file, asked, fraction); });
+        if (!isNoted(file)) // as one of a folder's files
+            attempt(file, [&] { takeFile(file, asked, fraction); });
     }
 
     void takeFile(const fs::path &file, Asked asked, double fraction) {
@@ -246,14 +247,27 @@ class Scan {
             ++m_doubles;
             return;
         }
-        const auto hashes = hashesOfArtefact(m_evidence, artefact.fullPath,
-                                             [&](std::uint64_t) { return goOn(fraction); });
+        std::vector<UnreadPlace> unread;
+        const auto hashes = hashesOfArtefact(
+            m_evidence, artefact.fullPath, [&](std::uint64_t) { return goOn(fraction); }, &unread);
+        for (const UnreadPlace &place : unread)
+            noteUnread(place);
         if (!hashes)
             return; // cancelled: without its hash it can't be told from another file
         artefact.fileSize = hashes->size;
         artefact.md5Hash = hashes->md5;
         artefact.sha256Hash = hashes->sha256;
         m_result.historyFiles.add(std::move(artefact));
+    }
+
+    void noteUnread(const UnreadPlace &place) {
+        if (!isNoted(place.path))
+            attempt(place.path, [&] { throw std::runtime_error(place.reason); });
+    }
+
+    bool isNoted(const fs::path &path) const {
+        return std::ranges::find(m_result.gaps.unreadable, path, &UnreadPlace::path) !=
+               m_result.gaps.unreadable.end();
     }
 
     /// A folder or file that can't be read is logged and noted, and the scan goes on.
