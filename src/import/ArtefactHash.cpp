@@ -1,11 +1,14 @@
 #include "import/ArtefactHash.h"
 
+#include "base/NoLog.h"
+#include "base/Trap.h"
 #include "import/SharedHashing.h"
 
 #include <fmt/format.h>
 
 #include <algorithm>
 #include <stdexcept>
+#include <string>
 #include <vector>
 
 namespace nv {
@@ -16,14 +19,25 @@ namespace {
 
 using GoOn = std::function<bool(std::uint64_t)>;
 
+using Unread = std::vector<UnreadPlace>;
+
 /// A name that can't be looked at would be missing from the list unseen.
-void addFiles(const Evidence &evidence, const fs::path &folder, std::vector<fs::path> &files) {
-    const FolderContents contents = evidence.contentsOf(folder);
-    if (!contents.unreadable.empty())
+void addFiles(const Evidence &evidence, const fs::path &folder, std::vector<fs::path> &files,
+              Unread *unread) {
+    FolderContents contents;
+    const auto list = [&] { contents = evidence.contentsOf(folder); };
+    NoLog unheard; // whoever asked for the hash tells of all
+    if (!unread)
+        list();
+    else if (const auto failure = failureOf(unheard, {}, list))
+        unread->push_back({folder, *failure});
+    if (!unread && !contents.unreadable.empty())
         throw std::runtime_error(contents.unreadable.front().reason);
+    if (unread)
+        unread->insert(unread->end(), contents.unreadable.begin(), contents.unreadable.end());
     files.insert(files.end(), contents.files.begin(), contents.files.end());
     for (const fs::path &below : contents.folders)
-        addFiles(evidence, below, files);
+        addFiles(evidence, below, files, unread);
 }
 
 std::optional<FileHashes> hashesOfPlain(const Evidence &evidence, const fs::path &file,
@@ -36,12 +50,16 @@ std::optional<FileHashes> hashesOfPlain(const Evidence &evidence, const fs::path
     return isWhole ? std::optional(hashing.take()) : std::nullopt;
 }
 
+std::string lineOf(const std::string &digest, const std::string &name) {
+    return fmt::format("{}  {}\n", digest.empty() ? "-" : digest, name);
+}
+
 std::optional<FileHashes> hashesOfFolder(const Evidence &evidence, const fs::path &folder,
-                                         const GoOn &goOn) {
+                                         const GoOn &goOn, Unread *unread) {
     std::vector<fs::path> files;
-    addFiles(evidence, folder, files);
+    addFiles(evidence, folder, files, unread);
     std::ranges::sort(files, {}, [](const fs::path &path) { return path.native(); });
-    const auto hashes = SharedHashing(evidence, files).run(goOn);
+    const auto hashes = SharedHashing(evidence, files, unread).run(goOn);
     if (!hashes)
         return std::nullopt;
     Digest md5(DigestAlgorithm::md5);
@@ -49,8 +67,8 @@ std::optional<FileHashes> hashesOfFolder(const Evidence &evidence, const fs::pat
     std::uint64_t size = 0;
     for (std::size_t i = 0; i < files.size(); ++i) {
         const std::string name = files[i].lexically_relative(folder).native();
-        md5.add(fmt::format("{}  {}\n", (*hashes)[i].md5, name));
-        sha256.add(fmt::format("{}  {}\n", (*hashes)[i].sha256, name));
+        md5.add(lineOf((*hashes)[i].md5, name));
+        sha256.add(lineOf((*hashes)[i].sha256, name));
         size += (*hashes)[i].size;
     }
     if (!goOn(size)) // a folder without files is told as well
@@ -61,10 +79,10 @@ std::optional<FileHashes> hashesOfFolder(const Evidence &evidence, const fs::pat
 } // namespace
 
 std::optional<FileHashes> hashesOfArtefact(const Evidence &evidence, const fs::path &artefact,
-                                           const GoOn &goOn) {
+                                           const GoOn &goOn, Unread *unread) {
     const GoOn always = [](std::uint64_t) { return true; };
     return evidence.kindOf(artefact) == PlaceKind::folder
-               ? hashesOfFolder(evidence, artefact, goOn ? goOn : always)
+               ? hashesOfFolder(evidence, artefact, goOn ? goOn : always, unread)
                : hashesOfPlain(evidence, artefact, goOn ? goOn : always);
 }
 

@@ -4,10 +4,15 @@
 #include "base/Files.h"
 #include "base/Text.h"
 #include "base/Trap.h"
+#include "db/SideFiles.h"
 #include "import/ArtefactHash.h"
 #include "import/FileMask.h"
 #include "import/FolderList.h"
+#include "readers/BrowserOf.h"
+#include "readers/FileForm.h"
 #include "readers/Limits.h"
+#include "readers/PathOrigin.h"
+#include "readers/ProfileFolder.h"
 #include "readers/Registry.h"
 #include "readers/sqlite/SchemaTables.h"
 
@@ -132,7 +137,7 @@ class Scan {
     /// file was taken for none of its format.
     void tellUnlisted() {
         for (const UnreadPlace &folder : m_evidence.unlisted())
-            attempt(folder.path, [&] { throw std::runtime_error(folder.reason); });
+            noteUnread(folder);
     }
 
     void scanFolders(const fs::path &start) {
@@ -149,20 +154,52 @@ class Scan {
 
     void scanFolder(const fs::path &folder, double fraction) {
         const FolderContents contents = m_evidence.contentsOf(folder);
-        m_result.gaps.linksNotFollowed += contents.links;
+        m_result.gaps.linksNotFollowed += contents.links.size();
+        for (const fs::path &link : contents.links)
+            attempt(link, [&] { refuseLink(link); });
         m_seen += contents.files.size();
         for (const UnreadPlace &place : contents.unreadable)
-            attempt(place.path, [&] { throw std::runtime_error(place.reason); });
+            noteUnread(place);
         for (const fs::path &file : contents.files)
             if (m_mask.matches(textOf(file.filename())) && goOn(fraction))
                 tryFile(file, Asked::byFolder, fraction);
+    }
+
+    /// Browsers make links of their own, which hold their locks. One in the place of an artefact or
+    /// of a browser's folder was made by somebody else, and what it leads to isn't read.
+    void refuseLink(const fs::path &link) {
+        if (holdsPlaceOfFile(link) || holdsPlaceOfFolder(link))
+            throw std::runtime_error(
+                fmt::format("\"{}\" is a link to \"{}\", which isn't followed: a file or folder of "
+                            "a browser was expected",
+                            textOf(link), m_evidence.linkText(link)));
+    }
+
+    bool holdsPlaceOfFile(const fs::path &link) const {
+        std::string file = textOf(link);
+        for (const std::string_view side : kRowSuffixes)
+            if (file.ends_with(side))
+                file.resize(file.size() - side.size());
+        const Candidate candidate = candidateOf(file, m_evidence);
+        const auto formats = formatsFor(textOf(candidate.file.filename()));
+        return std::ranges::any_of(formats, [&](const Reader *reader) {
+            return !reader->isOneRecord && isWantedByName(*reader, candidate) &&
+                   liesInProfile(candidate, engineOf(reader));
+        });
+    }
+
+    /// The names of the folders alone tell, since nothing is looked at behind the link.
+    bool holdsPlaceOfFolder(const fs::path &link) const {
+        return m_evidence.kindOf(link) == PlaceKind::folder &&
+               !originOfPath(textOf(link / "any"), Engine::unknown).browser.empty();
     }
 
     /// Whether the examiner named the file itself.
     enum class Asked { byName, byFolder };
 
     void tryFile(const fs::path &file, Asked asked, double fraction) {
-        attempt(file, [&] { takeFile(file, asked, fraction); });
+        if (!isNoted(file)) // as one of a folder's files
+            attempt(file, [&] { takeFile(file, asked, fraction); });
     }
 
     void takeFile(const fs::path &file, Asked asked, double fraction) {
@@ -178,27 +215,33 @@ class Scan {
             head = m_evidence.head(file, limits::kHeadBytes);
         candidate.head = ByteView(head);
         const auto takers = readersTaking(candidate, formats);
-        if (takers.empty())
-            refuseDamaged(candidate, formats);
+        if (takers.empty() && candidate.verifySignatures)
+            refuseDamaged(candidate, formats, asked);
         for (const Reader *reader : takers)
             if (isAskedFor(*reader))
                 take(*reader, candidate, asked, fraction);
     }
 
-    /// A database that can't say which tables it has is taken for none of a browser, although it
-    /// may be one: by its name alone it would be.
-    void refuseDamaged(const Candidate &candidate, const std::vector<const Reader *> &formats) {
+    /// What is damaged where a browser's file is known by its bytes is taken for none of a browser,
+    /// although it is one: by its name it would be.
+    void refuseDamaged(const Candidate &candidate, const std::vector<const Reader *> &formats,
+                       Asked asked) const {
         const std::string damage = schemaDamage(candidate);
-        if (damage.empty())
-            return;
-        Candidate named = candidate;
-        named.head = {};
-        named.verifySignatures = false;
-        if (std::ranges::any_of(formats, [&](const Reader *reader) {
-                return reader->recognises && reader->recognises(named) && isAskedFor(*reader) &&
-                       m_job.asked.wants(*reader);
-            }))
-            throw std::runtime_error(damage);
+        for (const Reader *reader : formats) {
+            if (!isWantedByName(*reader, candidate))
+                continue;
+            const std::string reason =
+                damage.empty() ? damageOfNamed(candidate, *reader, asked == Asked::byName) : damage;
+            if (!reason.empty())
+                throw std::runtime_error(reason);
+        }
+    }
+
+    bool isWantedByName(const Reader &reader, Candidate candidate) const {
+        candidate.head = {};
+        candidate.verifySignatures = false;
+        return reader.recognises && reader.recognises(candidate) && isAskedFor(reader) &&
+               m_job.asked.wants(reader);
     }
 
     /// Whatever it is found to be, it leads to an artefact that another file has led to: one of the
@@ -246,14 +289,27 @@ class Scan {
             ++m_doubles;
             return;
         }
-        const auto hashes = hashesOfArtefact(m_evidence, artefact.fullPath,
-                                             [&](std::uint64_t) { return goOn(fraction); });
+        std::vector<UnreadPlace> unread;
+        const auto hashes = hashesOfArtefact(
+            m_evidence, artefact.fullPath, [&](std::uint64_t) { return goOn(fraction); }, &unread);
+        for (const UnreadPlace &place : unread)
+            noteUnread(place);
         if (!hashes)
             return; // cancelled: without its hash it can't be told from another file
         artefact.fileSize = hashes->size;
         artefact.md5Hash = hashes->md5;
         artefact.sha256Hash = hashes->sha256;
         m_result.historyFiles.add(std::move(artefact));
+    }
+
+    void noteUnread(const UnreadPlace &place) {
+        if (!isNoted(place.path))
+            attempt(place.path, [&] { throw std::runtime_error(place.reason); });
+    }
+
+    bool isNoted(const fs::path &path) const {
+        return std::ranges::find(m_result.gaps.unreadable, path, &UnreadPlace::path) !=
+               m_result.gaps.unreadable.end();
     }
 
     /// A folder or file that can't be read is logged and noted, and the scan goes on.

@@ -1,5 +1,8 @@
 #include "import/SharedHashing.h"
 
+#include "base/NoLog.h"
+#include "base/Trap.h"
+
 #include <algorithm>
 #include <chrono>
 #include <string_view>
@@ -36,13 +39,24 @@ SharedHashing::run(const std::function<bool(std::uint64_t)> &goOn) {
         return std::nullopt;
     std::vector<FileHashes> hashes;
     hashes.reserve(m_hashes.size());
-    for (std::future<FileHashes> &each : m_hashes)
-        hashes.push_back(each.get());
+    for (std::size_t at = 0; at < m_hashes.size(); ++at)
+        hashes.push_back(take(at));
     return hashes;
 }
 
-/// After a failure no further file is taken; those before it are read to their end, so that which
-/// failure is told doesn't hang on the threads.
+FileHashes SharedHashing::take(std::size_t at) {
+    if (!m_unread)
+        return m_hashes[at].get();
+    FileHashes hashes;
+    NoLog unheard; // whoever asked for them tells of all
+    const auto failure = failureOf(unheard, {}, [&] { hashes = m_hashes[at].get(); });
+    if (failure)
+        m_unread->push_back({m_files[at], *failure});
+    return hashes;
+}
+
+/// After a failure that ends the hashing no further file is taken. Those before it are read to
+/// their end, so that which failure is told doesn't hang on the threads.
 void SharedHashing::hashFiles() {
     for (std::size_t at = m_next++; at < m_files.size() && !m_isCancelled; at = m_next++) {
         bool isRead = false;
@@ -53,7 +67,7 @@ void SharedHashing::hashFiles() {
         });
         m_hashes[at] = task.get_future();
         task();
-        if (!isRead)
+        if (!isRead && !m_unread)
             m_next = m_files.size();
     }
 }

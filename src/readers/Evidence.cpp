@@ -74,7 +74,7 @@ void addEntry(FolderContents &contents, const fs::directory_entry &entry, TypesI
             {entry.path(), FileFailure("cannot open", entry.path(), failed.value()).what()});
         break;
     case fs::file_type::symlink:
-        ++contents.links;
+        contents.links.push_back(entry.path());
         break;
     case fs::file_type::directory:
         contents.folders.push_back(entry.path());
@@ -244,6 +244,7 @@ FolderContents Evidence::contentsOf(const fs::path &folder) const {
         throw EvidenceFailure(unlistable(folder, failed), folder);
     sortByBytes(contents.files);
     sortByBytes(contents.folders);
+    sortByBytes(contents.links);
     return contents;
 }
 

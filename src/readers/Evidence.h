@@ -23,8 +23,8 @@ struct UnreadPlace {
 struct FolderContents {
     std::vector<std::filesystem::path> files;
     std::vector<std::filesystem::path> folders;
-    std::vector<UnreadPlace> unreadable; ///< names of which nothing can be found out
-    std::uint64_t links = 0;
+    std::vector<UnreadPlace> unreadable;      ///< names of which nothing can be found out
+    std::vector<std::filesystem::path> links; ///< of any kind; none is followed
 };
 
 enum class PlaceKind { nothing, file, folder, special };

@@ -41,6 +41,9 @@ std::string_view wordsOf(SourceForm form) {
                "size of the number";
     case F::unixMicroseconds:
         return "microseconds since 1970-01-01, UTC";
+    case F::unixFirstTen:
+        return "microseconds since 1970-01-01, UTC, of whose whole seconds the first ten "
+               "characters count: here they have more, so the date is none of the event";
     case F::fileTime:
         return "FILETIME: 100 nanoseconds since 1601-01-01, UTC";
     case F::fileTimeLocal:
@@ -91,6 +94,8 @@ Date dateOf(SourceForm form, std::int64_t number) {
         return Date::fromUnixSeconds(number > kLongNumber ? number / 1000 : number);
     case F::unixMicroseconds:
         return Date::fromUnixMicroseconds(number);
+    case F::unixFirstTen:
+        return number == 0 ? Date() : unixSecondsToDate(number / 1'000'000);
     case F::fileTime:
     case F::fileTimeLocal:
     case F::fileTimeMoved:

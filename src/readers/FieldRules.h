@@ -18,6 +18,7 @@ enum class SourceForm {
     chromeOrUnixTime, ///< the same, in early versions seconds since 1970, told apart by their size
     unixSeconds,      ///< or milliseconds, told apart by their size
     unixMicroseconds,
+    unixFirstTen,  ///< microseconds since 1970; of the whole seconds the first ten characters count
     fileTime,      ///< ticks of 100 nanoseconds since 1601, UTC
     fileTimeLocal, ///< the same of the clock on the wall
     fileTimeMoved, ///< UTC, moved to the zone of the machine that imported

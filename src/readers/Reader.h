@@ -87,6 +87,7 @@ using Fetch = bool (*)(const UrlRecord &record, const Evidence &evidence, BodyTa
 
 struct RecordKind;
 struct SourceOption;
+struct FileForm;
 
 /// What shows that a format is read as it should be.
 struct FormatCases {
@@ -122,6 +123,9 @@ struct Reader {
 
     // What few formats need.
 
+    /// What a file of its name has to be where a browser keeps it. Null where other programs' files
+    /// have the name in such places too, or the name alone is enough.
+    const FileForm *form = nullptr;
     /// Types that its reader may find a file to be, and that it reads as well.
     std::span<const HistoryFileType> furtherTypes = {};
     /// It takes files too that a format before it in the table has taken already.

@@ -77,6 +77,25 @@ TEST_F(ExplainCliTest, aValueOfATableIsReadAgainWhereItLies) {
     EXPECT_EQ(valueIn(record, "HashedURL").at("check"), "derived");
 }
 
+TEST_F(ExplainCliTest, aDateOfTheFirstTenDigitsOfADamagedStampSaysSo) {
+    fs::remove(history);
+    {
+        SQLite::Database places((history.parent_path() / "places.sqlite").string(),
+                                SQLite::OPEN_CREATE | SQLite::OPEN_READWRITE);
+        places.exec("CREATE TABLE moz_places (id INTEGER PRIMARY KEY, url TEXT, title TEXT, "
+                    "visit_count INTEGER, hidden INTEGER);"
+                    "CREATE TABLE moz_historyvisits (id INTEGER PRIMARY KEY, place_id INTEGER, "
+                    "visit_date INTEGER, from_visit INTEGER, visit_type INTEGER);"
+                    "INSERT INTO moz_places VALUES (1, 'http://a.example/', 'A', 1, 0);"
+                    "INSERT INTO moz_historyvisits VALUES (1, 1, 1000000000000000000, 0, 1)");
+    }
+    importAll();
+    const json date = valueIn(explained(1), "ActionDateUTC");
+    EXPECT_EQ(date.at("check"), "same");
+    EXPECT_THAT(date.at("value").dump(), HasSubstr("2001-09-09"));
+    EXPECT_THAT(date.at("rule"), HasSubstr("the date is none of the event"));
+}
+
 TEST_F(ExplainCliTest, noValueThatHasARuleDiffersFromItsSource) {
     importAll();
     std::map<std::string, int> checks;

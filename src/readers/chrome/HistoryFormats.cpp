@@ -1,6 +1,7 @@
 #include "readers/chrome/HistoryFormats.h"
 
 #include "readers/Candidate.h"
+#include "readers/FileForm.h"
 #include "readers/chrome/Favicons.h"
 #include "readers/chrome/History.h"
 #include "readers/chrome/Kinds.h"
@@ -82,6 +83,7 @@ constinit const Reader kChromiumHistoryFormat = historyFormat({
     .kind = "Chromium History",
     .recognises = isHistory,
     .cases = {"chromium-history", "History;Archived History", "chromium-history/every-table"},
+    .form = &kTablesForm,
     .isBeyondClassic = true,
 });
 
@@ -97,6 +99,7 @@ constinit const Reader kChromiumFaviconsFormat = {
     .kinds = kIconKinds,
     .page = "chromium-favicons",
     .cases = {"chromium-favicons", "Favicons", "chromium-favicons/alone"},
+    .form = &kTablesForm,
     .isBeyondClassic = true,
 };
 
@@ -112,6 +115,7 @@ constinit const Reader kChromiumTopSitesFormat = {
     .kinds = kTopSiteKinds,
     .page = "chromium-top-sites",
     .cases = {"chromium-top-sites", "Top Sites", "chromium-top-sites/alone"},
+    .form = &kTablesForm,
     .isBeyondClassic = true,
 };
 
@@ -127,6 +131,7 @@ constinit const Reader kChromiumShortcutsFormat = {
     .kinds = kShortcutKinds,
     .page = "chromium-shortcuts",
     .cases = {"chromium-shortcuts", "Shortcuts", "chromium-shortcuts/three-texts"},
+    .form = &kTablesForm,
     .isBeyondClassic = true,
 };
 
@@ -142,6 +147,7 @@ constinit const Reader kChromiumPredictorFormat = {
     .kinds = kShortcutKinds,
     .page = "chromium-shortcuts",
     .cases = {"chromium-predictor", "Network Action Predictor", "chromium-predictor/guesses"},
+    .form = &kDatabaseForm,
     .isBeyondClassic = true,
 };
 

@@ -2,6 +2,7 @@
 
 #include "base/Text.h"
 #include "readers/Candidate.h"
+#include "readers/FileForm.h"
 #include "readers/chrome/Bookmarks.h"
 #include "readers/chrome/Cookies.h"
 #include "readers/chrome/Kinds.h"
@@ -103,6 +104,7 @@ constinit const Reader kChromiumCookiesFormat = {
     .kinds = kCookieKinds,
     .page = "chrome-cookies",
     .cases = {"chromium-cookies", "Cookies", "chromium-cookies/every-column"},
+    .form = &kTablesForm,
     .isBeyondClassic = true,
 };
 
@@ -117,6 +119,7 @@ constinit const Reader kChromiumWebDataFormat = {
     .kinds = kWebDataKinds,
     .page = "chromium-web-data",
     .cases = {"chromium-web-data", "Web Data", "chromium-web-data/forms-and-people"},
+    .form = &kTablesForm,
     .isBeyondClassic = true,
 };
 
@@ -131,6 +134,7 @@ constinit const Reader kChromiumLoginsFormat = {
     .kinds = kLoginKinds,
     .page = "chromium-logins",
     .cases = {"chromium-logins", "Login Data", "chromium-logins/three-logins"},
+    .form = &kTablesForm,
     .isBeyondClassic = true,
 };
 
@@ -145,6 +149,7 @@ constinit const Reader kChromiumBookmarksFormat = {
     .kinds = kBookmarkKinds,
     .page = "chromium-bookmarks",
     .cases = {"chromium-bookmarks", "Bookmarks", "chromium-bookmarks/folders-in-folders"},
+    .form = &kBookmarksForm,
     .isBeyondClassic = true,
 };
 
@@ -159,6 +164,7 @@ constinit const Reader kChromiumPreferencesFormat = {
     .kinds = kSettingsKinds,
     .page = "chromium-settings",
     .cases = {"chromium-preferences", "Preferences", "chromium-preferences/sites-and-account"},
+    .form = &kJsonForm,
     .isBeyondClassic = true,
 };
 
@@ -173,6 +179,7 @@ constinit const Reader kChromiumLocalStateFormat = {
     .kinds = kSettingsKinds,
     .page = "chromium-settings",
     .cases = {"chromium-local-state", "Local State", "chromium-local-state/two-profiles"},
+    .form = &kJsonForm,
     .isBeyondClassic = true,
 };
 

@@ -10,6 +10,7 @@
 #include "readers/chrome/ProfileRow.h"
 #include "readers/chrome/StoredDate.h"
 #include "readers/chrome/Transition.h"
+#include "readers/chrome/UnreadTables.h"
 #include "readers/sqlite/SchemaVersion.h"
 #include "readers/sqlite/SqliteReading.h"
 #include "time/SourceClocks.h"
@@ -31,6 +32,15 @@ constexpr SqliteReader kPredictorReader = {"ParserClass.ParseChromePredictorFile
 
 constexpr Names kShortcutsTable = "omni_box_shortcuts";
 constexpr Names kPredictorTable = "network_action_predictor";
+
+/// Hosts and addresses that the browser prepares for, with what it learnt of them. They name sites
+/// that were visited; the times of some stand within packed values, whose form differs with the
+/// version.
+constexpr auto kUnreadPredictions = std::to_array<Names>(
+    {"resource_prefetch_predictor_url", "resource_prefetch_predictor_url_redirect",
+     "resource_prefetch_predictor_host", "resource_prefetch_predictor_host_redirect",
+     "resource_prefetch_predictor_origin", "resource_prefetch_predictor_manifest",
+     "lcp_critical_path_predictor", "lcp_critical_path_predictor_initiator_origin"});
 
 void addNumber(FactList &facts, FactName name, std::optional<std::int64_t> number) {
     if (number)
@@ -94,15 +104,21 @@ using MakeRecord = UrlRecord (*)(const ReadContext &ctx, const Row &row, std::in
                                  Date fileCreated);
 
 ReadResult readTyped(ReadContext &ctx, const SqliteReader &reader, Names name, Names table,
-                     std::span<const Names> columns, MakeRecord make) {
+                     std::span<const Names> columns, MakeRecord make,
+                     std::span<const Names> unread = {}) {
     return readSqliteFile(ctx, reader, [&](EvidenceDatabase &database) {
         noteSchemaVersion(ctx, name, schemaVersion(ctx, database));
         const Date fileCreated = ctx.evidence.factsOf(ctx.file.fullPath).created;
         TableCursor cursor(database, table, columns);
-        return eachRow(cursor, ctx, ctx.task, reader.procedure, [&](const Row &row) {
+        const auto save = [&](const Row &row) {
             UrlRecord record = make(ctx, row, cursor.rowId(), fileCreated);
             ctx.sink.save(record);
-        });
+        };
+        ReadResult result = eachRow(cursor, ctx, ctx.task, reader.procedure, save);
+        if (result.state != ReadState::cancelled &&
+            !countUnread(ctx, database, unread, reader.procedure, result))
+            result.state = ReadState::cancelled;
+        return result;
     });
 }
 
@@ -115,7 +131,7 @@ ReadResult parseChromeShortcutsFile(ReadContext &ctx) {
 
 ReadResult parseChromePredictorFile(ReadContext &ctx) {
     return readTyped(ctx, kPredictorReader, "Network Action Predictor", kPredictorTable,
-                     kPredictorColumns, predictorRecord);
+                     kPredictorColumns, predictorRecord, kUnreadPredictions);
 }
 
 } // namespace nv

@@ -1,9 +1,10 @@
-// LevelDB      = "CURRENT": "MANIFEST-" number
+// LevelDB      = "CURRENT": "MANIFEST-" number | without a sound one "MANIFEST-" number, *.ldb
 // session      = "SNSS" ...
 
 #include "readers/chrome/UnreadFormats.h"
 
 #include "readers/Candidate.h"
+#include "readers/FileForm.h"
 #include "readers/FolderLayout.h"
 #include "readers/chrome/Options.h"
 #include "readers/sqlite/SchemaTables.h"
@@ -15,9 +16,38 @@ namespace nv {
 
 namespace {
 
+constexpr std::string_view kManifest = "MANIFEST-";
+
+bool hasSoundCurrent(const Candidate &file) {
+    const auto current = file.evidence->find(ownFolder(file), "CURRENT");
+    if (!current)
+        return false;
+    const Bytes begin = file.evidence->head(*current, kManifest.size());
+    return ByteView(begin).raw() == kManifest;
+}
+
+bool isTable(const Candidate &file) {
+    constexpr std::string_view kEnd = "\x57\xFB\x80\x8B\x24\x75\x47\xDB";
+    const EvidenceFile table = file.evidence->open(file.file);
+    if (table.size() < kEnd.size())
+        return false;
+    const Bytes end = table.read(table.size() - kEnd.size(), kEnd.size());
+    return ByteView(end).raw() == kEnd;
+}
+
+/// By the files that it leads to, where the first of all is missing or damaged.
+bool isOfStoreWithoutCurrent(const Candidate &file) {
+    const bool isManifest =
+        file.name.starts_with("manifest-") && file.name.find('.') == std::string::npos;
+    const bool isNamed = isManifest || file.extension == "ldb";
+    return file.verifySignatures && isNamed && !hasSoundCurrent(file) &&
+           (isManifest ? hasBeside(file, "CURRENT") || hasBeside(file, "LOCK") : isTable(file));
+}
+
 /// Another store that begins so isn't a browser's; it keeps an "IDENTITY" beside.
 bool isLevelDB(const Candidate &file) {
-    return file.name == "current" && beginsWith(file, "MANIFEST-") && !hasBeside(file, "IDENTITY");
+    const bool isCurrent = file.name == "current" && beginsWith(file, kManifest);
+    return (isCurrent || isOfStoreWithoutCurrent(file)) && !hasBeside(file, "IDENTITY");
 }
 
 bool isSession(const Candidate &file) {
@@ -58,9 +88,10 @@ constinit const Reader kLevelDBFormat = {
     .key = "leveldb",
     .kind = "LevelDB store",
     .option = &kChromeOtherOption,
-    .mask = "CURRENT",
+    .mask = "CURRENT;MANIFEST-*;*.ldb",
     .recognises = isLevelDB,
     .page = "not-read-yet",
+    .form = &kStoreForm,
     .artefact = ownFolder,
     .isBeyondClassic = true,
 };
@@ -73,6 +104,7 @@ constinit const Reader kChromiumSessionFormat = {
     .mask = "Session_*;Tabs_*;Apps_*;Current Session;Current Tabs;Last Session;Last Tabs",
     .recognises = isSession,
     .page = "not-read-yet",
+    .form = &kSessionForm,
     .isBeyondClassic = true,
 };
 
@@ -84,6 +116,7 @@ constinit const Reader kChromiumSiteDataFormat = {
     .mask = "DIPS;Media History;QuotaManager;Reporting and NEL;Trust Tokens;db",
     .recognises = isSiteData,
     .page = "not-read-yet",
+    .form = &kDatabaseForm,
     .isBeyondClassic = true,
 };
 

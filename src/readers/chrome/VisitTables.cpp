@@ -63,7 +63,7 @@ bool VisitTables::read(FurtherTables &tables, EvidenceDatabase &database, Stretc
     settleLastVisits();
     if (!readSources(tables, database, part(1)) || !readContent(tables, part(2)) ||
         !readContext(tables, part(3)) || !readClusters(tables, part(4)) ||
-        !readSegments(tables, part(5)) || !readLinks(tables, part(6)))
+        !readSegments(tables, part(5)) || !readLinks(tables, part(6), result))
         return false;
     if (m_notesWithoutVisit > 0)
         result.passedOver["notes on visits that are no longer listed"] = m_notesWithoutVisit;
@@ -187,14 +187,17 @@ bool VisitTables::readSegments(FurtherTables &tables, Stretch stretch) {
     });
 }
 
-bool VisitTables::readLinks(FurtherTables &tables, Stretch stretch) {
+bool VisitTables::readLinks(FurtherTables &tables, Stretch stretch, ReadResult &result) {
     constexpr auto kColumns = std::to_array<Names>({"link_url_id", "top_level_url"});
-    if (m_lostPages.empty())
-        return true;
-    return tables.each("visited_links", kColumns, stretch, [this](std::int64_t, const Row &row) {
+    return tables.each("visited_links", kColumns, stretch, [&](std::int64_t, const Row &row) {
         const std::int64_t page = row.number(0).value_or(kNothing);
         if (m_lostPages.contains(page))
             m_links[page].push_back(row.text(1));
+        else
+            ++result.passedOver[pages.find(page)
+                                    ? "rows of table visited_links: where a link to a page stood"
+                                    : "rows of table visited_links: links to pages that are no "
+                                      "longer listed and have no visit"];
     });
 }
 

@@ -41,7 +41,7 @@ class VisitTables {
     bool readContext(FurtherTables &tables, Stretch stretch);
     bool readClusters(FurtherTables &tables, Stretch stretch);
     bool readSegments(FurtherTables &tables, Stretch stretch);
-    bool readLinks(FurtherTables &tables, Stretch stretch);
+    bool readLinks(FurtherTables &tables, Stretch stretch, ReadResult &result);
     void settleLastVisits();
     bool isLost(const StoredVisit &visit) const { return pageOf(visit) == nullptr; }
     StoredVisit *known(const Row &row, std::size_t column, std::int64_t rowId);

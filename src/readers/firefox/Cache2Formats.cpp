@@ -1,6 +1,7 @@
 #include "readers/firefox/Cache2Formats.h"
 
 #include "readers/Candidate.h"
+#include "readers/FileForm.h"
 #include "readers/FolderLayout.h"
 #include "readers/firefox/Cache2.h"
 #include "readers/firefox/Cache2Record.h"
@@ -122,6 +123,7 @@ constinit const Reader kFirefoxSiteCacheFormat = {
     .kinds = kSiteKinds,
     .page = "firefox-site-cache",
     .cases = {"firefox-site-cache", "caches.sqlite", "firefox-site-cache/two-caches"},
+    .form = &kTablesForm,
     .isSourceOf = isOfSiteCache,
     .isBeyondClassic = true,
 };

@@ -69,14 +69,31 @@ constexpr double kNotes = 0.2;
 constexpr double kPages = 0.6;
 constexpr double kVisitRows = 0.9;
 
+constexpr std::int64_t kMicrosecondsPerSecond = 1'000'000;
+
 /// A stored 0 is a date that isn't there.
-Date classicDate(const PlacesPages::Page *page) {
-    constexpr std::int64_t kMicrosecondsPerSecond = 1'000'000;
+std::int64_t storedDate(const PlacesPages::Page *page) {
     const auto stored = page && page->first ? PlaceVisit::known(page->first->date) : std::nullopt;
-    if (stored.value_or(0) == 0)
-        return {};
-    return unixSecondsToDate(*stored / kMicrosecondsPerSecond);
+    return stored.value_or(0);
 }
+
+Date classicDate(const PlacesPages::Page *page) {
+    const std::int64_t stored = storedDate(page);
+    return stored == 0 ? Date() : unixSecondsToDate(stored / kMicrosecondsPerSecond);
+}
+
+/// Of the seconds the first ten characters count, so a stamp of more gives a date that nothing
+/// happened at: no visit was so long before 1970 or will be after 2286.
+bool isBeyondTen(const PlacesPages::Page *page) {
+    constexpr std::int64_t kMost = 9'999'999'999;
+    constexpr std::int64_t kLeast = -999'999'999; // with the sign
+    const std::int64_t seconds = storedDate(page) / kMicrosecondsPerSecond;
+    return seconds > kMost || seconds < kLeast;
+}
+
+constexpr const char *kBeyondTen =
+    "page whose stored date has more than ten digits of seconds, of which the first ten count: its "
+    "Action Date is that of no visit";
 
 /// Firefox counts no visit of these kinds: a page that was only downloaded, shown in a frame or
 /// loaded again has a count of 0 like one that nobody opened.
@@ -110,6 +127,7 @@ class PlacesReading {
     UrlRecord pageRecord(const Row &row, PlacesPages::Page *page, const PlacesDownloads &downloads);
     UrlRecord androidRecord(const Row &row, const PlacesPages::Page *page) const;
     bool saveFurther(const PlacesDownloads &downloads, ReadResult &further);
+    bool countOrigins(ReadResult &further);
     void tellLoss(ReadResult &result) const;
 
     ReadContext &m_ctx;
@@ -143,18 +161,23 @@ PlacesReading::savePages(double from, double until,
                          const std::function<UrlRecord(const Row &, PlacesPages::Page *)> &make) {
     SubTask task(m_ctx.task, from, until);
     std::uint64_t uncounted = 0;
+    std::uint64_t beyondTen = 0;
     ReadResult result = eachRow(m_places, m_ctx, task, kReader.procedure, [&](const Row &row) {
         PlacesPages::Page *page = m_pages.listed(row.number(kId).value_or(0));
         UrlRecord record = make(row, page);
         PlaceVisit *visit = page ? page->first : nullptr;
         if (record.Visits == 0 && visit)
             ++uncounted;
+        if (!m_pages.isAndroid() && isBeyondTen(page))
+            ++beyondTen;
         m_ctx.sink.save(record);
         if (visit)
             visit->isTold = true;
     });
     if (uncounted > 0)
         result.noted[kUncounted] = uncounted;
+    if (beyondTen > 0)
+        result.noted[kBeyondTen] = beyondTen;
     return result;
 }
 
@@ -237,6 +260,16 @@ bool PlacesReading::saveFurther(const PlacesDownloads &downloads, ReadResult &fu
            downloads.save(rest.context, m_fileCreated, further);
 }
 
+/// Firefox removes a site with its last page. One that is left tells of pages that were taken out
+/// by other means.
+bool PlacesReading::countOrigins(ReadResult &further) {
+    return FurtherTables(m_ctx, m_database, kReader.procedure, further)
+        .each("moz_origins", {}, [&](std::int64_t id, const Row &) {
+            if (!m_pages.hasPageOf(id))
+                ++further.passedOver["site of table moz_origins of which no page is listed"];
+        });
+}
+
 ReadResult PlacesReading::allRows() {
     const ReadResult cancelled{ReadState::cancelled, {}, 0, {}};
     ReadResult further;
@@ -251,8 +284,11 @@ ReadResult PlacesReading::allRows() {
         addTo(result, further);
         return result;
     }
-    if (result.state == ReadState::complete)
+    if (result.state == ReadState::complete) {
         m_notes.countUntold(further);
+        if (!countOrigins(further))
+            further.state = ReadState::cancelled;
+    }
     addTo(result, further);
     tellLoss(result);
     return result;

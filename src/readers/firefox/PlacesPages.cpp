@@ -18,8 +18,9 @@ constexpr std::array<std::string_view, 6> kVisitColumns = {"place_id",   "visit_
                                                            "visit_type", "source",     "is_local"};
 enum VisitColumn : std::size_t { kPlace, kDate, kFrom, kType, kSource, kIsLocal };
 
-constexpr std::array<std::string_view, 4> kPageColumns = {"id", "url", "title", "hidden"};
-enum PageColumn : std::size_t { kId, kUrl, kTitle, kHidden };
+constexpr std::array<std::string_view, 5> kPageColumns = {"id", "url", "title", "hidden",
+                                                          "origin_id"};
+enum PageColumn : std::size_t { kId, kUrl, kTitle, kHidden, kOrigin };
 
 constexpr auto kTypes = std::to_array<MozWord>({{1, "link"},
                                                 {visits::kTyped, "typed"},
@@ -98,6 +99,8 @@ bool PlacesPages::readAllTexts(EvidenceDatabase &database, const GoOn &goOn) {
         page.url = kept(row.text(kUrl));
         page.title = kept(row.text(kTitle));
         page.isHidden = row.truth(kHidden);
+        if (const auto origin = row.number(kOrigin))
+            m_origins.insert(*origin);
     });
 }
 

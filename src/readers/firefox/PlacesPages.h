@@ -13,6 +13,7 @@
 #include <string>
 #include <string_view>
 #include <unordered_map>
+#include <unordered_set>
 
 namespace nv {
 
@@ -62,6 +63,9 @@ class PlacesPages {
     /// The address of the page from which the visit came; empty when that isn't known.
     std::string_view referrerOf(const PlaceVisit &visit);
 
+    /// Whether a listed page is of that row of table `moz_origins`.
+    bool hasPageOf(std::int64_t origin) const { return m_origins.contains(origin); }
+
     std::deque<PlaceVisit> &visits() { return m_visits; }
     /// Android's browser keeps the same tables with dates in milliseconds.
     MozUnit unit() const { return m_isAndroid ? MozUnit::milliseconds : MozUnit::microseconds; }
@@ -81,6 +85,7 @@ class PlacesPages {
     std::deque<PlaceVisit> m_visits; ///< by rising id; addresses stay
     std::unordered_map<std::int64_t, Page> m_pages;
     std::deque<std::string> m_texts; ///< blocks that the pages' texts stand in, one behind another
+    std::unordered_set<std::int64_t> m_origins; ///< of listed pages
     std::uint64_t m_withoutPage = 0;
     bool m_isAndroid = false;
     std::string m_loss;

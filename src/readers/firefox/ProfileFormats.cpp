@@ -1,6 +1,7 @@
 #include "readers/firefox/ProfileFormats.h"
 
 #include "readers/Candidate.h"
+#include "readers/FileForm.h"
 #include "readers/firefox/DownloadsFile.h"
 #include "readers/firefox/Favicons.h"
 #include "readers/firefox/FormHistory.h"
@@ -64,6 +65,7 @@ constinit const Reader kFirefoxFormsFormat = {
     .kinds = kFormKinds,
     .page = "firefox-forms",
     .cases = {"firefox-forms", "formhistory.sqlite", "firefox-forms/three-values"},
+    .form = &kTablesForm,
     .isBeyondClassic = true,
 };
 
@@ -79,6 +81,7 @@ constinit const Reader kFirefoxPermissionsFormat = {
     .kinds = kPermissionKinds,
     .page = "firefox-permissions",
     .cases = {"firefox-permissions", "permissions.sqlite", "firefox-permissions/three-sites"},
+    .form = &kTablesForm,
     .isBeyondClassic = true,
 };
 
@@ -94,6 +97,7 @@ constinit const Reader kFirefoxLoginsFormat = {
     .kinds = kLoginKinds,
     .page = "firefox-logins",
     .cases = {"firefox-logins", "logins.json;signons.sqlite", "firefox-logins/two-sites"},
+    .form = &kLoginsForm,
     .isBeyondClassic = true,
 };
 
@@ -109,6 +113,7 @@ constinit const Reader kFirefoxFaviconsFormat = {
     .kinds = kIconKinds,
     .page = "firefox-favicons",
     .cases = {"firefox-favicons", "favicons.sqlite", "firefox-favicons/page-left-the-history"},
+    .form = &kTablesForm,
     .isBeyondClassic = true,
 };
 
@@ -124,6 +129,7 @@ constinit const Reader kFirefoxDownloadsFormat = {
     .kinds = kDownloadKinds,
     .page = "firefox-downloads",
     .cases = {"firefox-downloads", "downloads.sqlite", "firefox-downloads/two-downloads"},
+    .form = &kTablesForm,
     .isBeyondClassic = true,
 };
 

@@ -4,6 +4,7 @@
 
 #include "readers/BigEndian.h"
 #include "readers/Candidate.h"
+#include "readers/FileForm.h"
 #include "readers/FolderLayout.h"
 #include "readers/firefox/Options.h"
 #include "readers/sqlite/SchemaTables.h"
@@ -20,10 +21,11 @@ bool isJsonlz4(const Candidate &file) {
 }
 
 bool isStorage(const Candidate &file) {
-    if (!file.verifySignatures)
-        return file.name == "webappsstore.sqlite";
     if (file.extension != "sqlite")
         return false;
+    if (!file.verifySignatures)
+        return file.name == "webappsstore.sqlite" || folderName(file) == "idb" ||
+               (file.name == "data.sqlite" && folderName(file) == "ls");
     const auto tables = schemaTables(file);
     const auto has = [&tables](const char *table) { return tables.contains(table); };
     return has("webappsstore2") || has("webappsstore") || // local storage, earlier
@@ -41,6 +43,7 @@ constinit const Reader kFirefoxJsonlz4Format = {
     .mask = "*.jsonlz4;*.jsonlz4-*;*.baklz4",
     .recognises = isJsonlz4,
     .page = "not-read-yet",
+    .form = &kPackedForm,
     .isBeyondClassic = true,
 };
 
@@ -52,6 +55,7 @@ constinit const Reader kFirefoxStorageFormat = {
     .mask = "*.sqlite",
     .recognises = isStorage,
     .page = "not-read-yet",
+    .form = &kDatabaseForm,
     .isBeyondClassic = true,
 };
 

@@ -3,6 +3,7 @@
 #include "readers/ie/UnreadFormats.h"
 
 #include "readers/Candidate.h"
+#include "readers/FileForm.h"
 #include "readers/SourceOption.h"
 
 namespace nv {
@@ -20,6 +21,12 @@ bool isWebCache(const Candidate &file) {
                        (file.head.has(kMagicAt, 4) && file.head.u32le(kMagicAt) == kMagic));
 }
 
+/// No other program's file has such a name.
+constexpr FileForm kWebCacheForm = {
+    .words = "EF CD AB 89 at offset 4",
+    .hasRemains = [](const Candidate &) { return true; },
+};
+
 } // namespace
 
 constinit const Reader kIEWebCacheFormat = {
@@ -30,6 +37,7 @@ constinit const Reader kIEWebCacheFormat = {
     .mask = "WebCacheV*.dat;spartan.edb",
     .recognises = isWebCache,
     .page = "not-read-yet",
+    .form = &kWebCacheForm,
     .isBeyondClassic = true,
 };
 

@@ -4,6 +4,7 @@
 #include "readers/others/UnreadFormats.h"
 
 #include "readers/Candidate.h"
+#include "readers/FileForm.h"
 #include "readers/FolderLayout.h"
 #include "readers/SourceOption.h"
 #include "readers/sqlite/SchemaTables.h"
@@ -85,6 +86,7 @@ constinit const Reader kEpiphanyHistoryFormat = {
     .mask = "ephy-history*.db",
     .recognises = isEpiphanyHistory,
     .page = "not-read-yet",
+    .form = &kTablesForm,
     .isBeyondClassic = true,
 };
 
@@ -107,6 +109,7 @@ constinit const Reader kFalkonHistoryFormat = {
     .mask = "browsedata.db",
     .recognises = isFalkonHistory,
     .page = "not-read-yet",
+    .form = &kTablesForm,
     .isBeyondClassic = true,
 };
 
@@ -118,6 +121,7 @@ constinit const Reader kAndroidBrowserFormat = {
     .mask = "browser.db;browser2.db;SBrowser.db;SBrowser2.db",
     .recognises = isAndroidBrowser,
     .page = "not-read-yet",
+    .form = &kDatabaseForm,
     .isBeyondClassic = true,
 };
 

@@ -3,6 +3,7 @@
 #include "readers/safari/UnreadFormats.h"
 
 #include "readers/Candidate.h"
+#include "readers/FileForm.h"
 #include "readers/FolderLayout.h"
 #include "readers/safari/Options.h"
 #include "readers/sqlite/SchemaTables.h"
@@ -20,6 +21,8 @@ bool isBinaryCookies(const Candidate &file) {
     return file.name.ends_with(".binarycookies") && beginsWith(file, "cook");
 }
 
+constexpr FileForm kBinaryForm = {.words = "\"cook\" of binary cookies"};
+
 } // namespace
 
 constinit const Reader kSafariDatabaseFormat = {
@@ -30,6 +33,7 @@ constinit const Reader kSafariDatabaseFormat = {
     .mask = "History*.db",
     .recognises = isDatabase,
     .page = "not-read-yet",
+    .form = &kTablesForm,
     .isBeyondClassic = true,
 };
 
@@ -41,6 +45,7 @@ constinit const Reader kSafariBinaryCookiesFormat = {
     .mask = "*.binarycookies",
     .recognises = isBinaryCookies,
     .page = "not-read-yet",
+    .form = &kBinaryForm,
     .isBeyondClassic = true,
 };
 

@@ -6,6 +6,9 @@
 #include "base/Text.h"
 #include "db/SideFiles.h"
 #include "readers/Scratch.h"
+#include "readers/sqlite/PageLog.h"
+
+#include <fmt/format.h>
 
 #include <algorithm>
 #include <optional>
@@ -84,7 +87,11 @@ void EvidenceCopy::copyAll(const Evidence &evidence, const fs::path &database) {
     m_size = scratch::sizeOf(m_copy);
     if (const auto log = companionOf(evidence, database, kLogSuffix)) {
         copyTo(evidence.open(*log), sideFile(m_copy, kLogSuffix));
-        m_size += scratch::sizeOf(sideFile(m_copy, kLogSuffix));
+        const ScratchFile pages(sideFile(m_copy, kLogSuffix));
+        m_size += pages.size();
+        if (const std::string damage = pageLogDamage(pages); !damage.empty())
+            m_logDamage = fmt::format("the log of pages \"{}\" is cut short: {}",
+                                      textOf(log->filename()), damage);
     }
     if (const auto journal = companionOf(evidence, database, kJournalSuffix)) {
         copyTo(evidence.open(*journal), sideFile(m_copy, kJournalSuffix));

@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <string>
 #include <string_view>
 
 namespace nv {
@@ -23,6 +24,8 @@ class EvidenceCopy {
     const std::filesystem::path &path() const { return m_copy; }
     /// Bytes of the database with its log: no more rows than this can be in them.
     std::uint64_t size() const { return m_size; }
+    /// What the database's log lacks by damage; names it. Empty for a sound one, and for none.
+    const std::string &logDamage() const { return m_logDamage; }
 
   private:
     explicit EvidenceCopy(std::filesystem::path copy);
@@ -31,6 +34,7 @@ class EvidenceCopy {
 
     std::filesystem::path m_copy;
     std::uint64_t m_size = 0;
+    std::string m_logDamage;
 };
 
 } // namespace nv

@@ -45,8 +45,9 @@ ReadResult readSqliteFile(ReadContext &ctx, const SqliteReader &reader,
         const EvidenceCopy copy(ctx.evidence, ctx.file.fullPath, ctx.scratch);
         EvidenceDatabase database(copy.path(), copy.size());
         ReadResult result = body(database);
-        if (!database.damage().empty() && result.state != ReadState::cancelled)
-            addDamage(result, database.damage());
+        for (const std::string &damage : {database.damage(), copy.logDamage()})
+            if (!damage.empty() && result.state != ReadState::cancelled)
+                addDamage(result, damage);
         if (isDamaged(result))
             log.write({result.reason, std::string(reader.procedure), Severity::Serious,
                        std::string(kContactSupport)});

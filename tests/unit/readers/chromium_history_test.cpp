@@ -185,6 +185,21 @@ TEST_F(ChromiumHistory, keepsVisitsOfPagesThatAreGone) {
     EXPECT_EQ(reading->result.noted.at("visits of pages that are no longer listed"), 3U);
 }
 
+TEST_F(ChromiumHistory, countsLinksThatNoRowTellsOf) {
+    page(1, chromeTime(kStamp));
+    visit(2, 78, chromeTime(kStamp + 1));
+    history().run("INSERT INTO visited_links VALUES(1,78,'http://top/','http://top/',1),"
+                  "(2,1,'http://top/','http://top/',1),(3,90,'http://top/','http://top/',1),"
+                  "(4,91,'http://top/','http://top/',1)");
+    read();
+    EXPECT_EQ(reading->result.passedOver,
+              (std::map<std::string, std::uint64_t>{
+                  {"rows of table visited_links: where a link to a page stood", 1},
+                  {"rows of table visited_links: links to pages that are no longer listed and have "
+                   "no visit",
+                   2}}));
+}
+
 TEST_F(ChromiumHistory, anOddTableCostsItsOwnRowsAlone) {
     page(1, chromeTime(kStamp));
     history().run("DROP TABLE visits; CREATE TABLE visits(id INTEGER PRIMARY KEY,url,visit_time)"

@@ -11,6 +11,7 @@
 
 #include <gtest/gtest.h>
 
+#include <map>
 #include <optional>
 
 namespace nv {
@@ -143,6 +144,25 @@ TEST_F(ChromiumProfile, saysThatNoHistoryLiesBesideIt) {
          std::string(kTopSitesTable) + "INSERT INTO top_sites VALUES('http://a/',0,'A')");
     EXPECT_EQ(factOf(read(parseChromeTopSitesFile, "Top Sites").at(0), "rank"), "1 [0]");
     EXPECT_EQ(reading->result.noted.size(), 1U);
+}
+
+TEST_F(ChromiumProfile, countsWhatThePredictorHoldsOfHostsBesideTypedTexts) {
+    make(
+        "Network Action Predictor",
+        std::string(kPredictorTable) +
+            "INSERT INTO network_action_predictor VALUES('1','h','http://h/',1,0);"
+            "CREATE TABLE resource_prefetch_predictor_origin(key,proto);"
+            "INSERT INTO resource_prefetch_predictor_origin VALUES('h.example',x'0a');"
+            "CREATE TABLE lcp_critical_path_predictor(host,last_hit_time,proto);"
+            "INSERT INTO lcp_critical_path_predictor VALUES('h.example',1,x''),('i.example',2,x'');"
+            "CREATE TABLE resource_prefetch_predictor_host_redirect(key,proto);"
+            "CREATE TABLE resource_prefetch_predictor_metadata(key,value);"
+            "INSERT INTO resource_prefetch_predictor_metadata VALUES('version',11)");
+    EXPECT_EQ(read(parseChromePredictorFile, "Network Action Predictor").size(), 1U);
+    EXPECT_EQ(reading->result.passedOver,
+              (std::map<std::string, std::uint64_t>{
+                  {"rows of table lcp_critical_path_predictor, which is not read", 2},
+                  {"rows of table resource_prefetch_predictor_origin, which is not read", 1}}));
 }
 
 TEST_F(ChromiumProfile, readsValuesOfAnyTypeInAnyColumn) {

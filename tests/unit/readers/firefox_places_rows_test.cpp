@@ -136,6 +136,37 @@ TEST_F(FirefoxPlacesRows, aVisitWhosePageIsGoneIsARowWithoutAnAddress) {
     EXPECT_EQ(reading.result.noted.begin()->second, 3U);
 }
 
+TEST_F(FirefoxPlacesRows, aStampBeyondTenDigitsIsNoted) {
+    places().add(PlacesPage{1, "http://sound.example/"});
+    places().add(PlacesVisit{1, 1, firefoxTime(9'999'999'999)});
+    const std::int64_t stamps[] = {-11'644'473'600'000'000, 1'000'000'000'000'000'000,
+                                   firefoxTime(10'000'000'000), firefoxTime(-1'000'000'000)};
+    std::int64_t id = 1;
+    for (const std::int64_t stamp : stamps) {
+        places().add(PlacesPage{++id, "http://damaged.example/"});
+        places().add(PlacesVisit{id, id, stamp});
+    }
+    read();
+    ASSERT_EQ(reading.result.noted.size(), 1U);
+    const auto &[reason, pages] = *reading.result.noted.begin();
+    EXPECT_NE(reason.find("more than ten digits"), std::string::npos) << reason;
+    EXPECT_EQ(pages, 4U);
+    EXPECT_EQ(isoUtc(ofKind("Firefox3 History").at(1).ActionDateUTC), "1966-04-24T06:14:24Z");
+}
+
+TEST_F(FirefoxPlacesRows, sitesWithoutAPageAreCounted) {
+    places().run("CREATE TABLE moz_origins(id INTEGER PRIMARY KEY,prefix,host);"
+                 "ALTER TABLE moz_places ADD COLUMN origin_id INTEGER");
+    for (int id = 1; id <= 5; ++id)
+        places().run("INSERT INTO moz_origins(prefix,host) VALUES('https://','h.example')");
+    places().add(PlacesPage{1, "http://a.example/"});
+    places().run("UPDATE moz_places SET origin_id = 2");
+    read();
+    EXPECT_EQ(reading.result.state, ReadState::complete);
+    EXPECT_EQ(reading.result.passedOver.at("site of table moz_origins of which no page is listed"),
+              4U);
+}
+
 TEST_F(FirefoxPlacesRows, aDownloadAndItsVisitNameEachOther) {
     places().add(PlacesPage{1, "http://f.example/tool.bin", "tool.bin", 0});
     places().add(PlacesVisit{3, 1, firefoxTime(kStamp), 7});
