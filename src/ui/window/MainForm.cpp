@@ -210,7 +210,7 @@ void MainForm::showProjectState() {
 void MainForm::lockControls() {
     if (m_locks++ > 0)
         return;
-    m_focusBeforeLock = QApplication::focusWidget();
+    m_focusBeforeLock = focusWidget(); // also while the window of the task before goes away
     m_menus.setEnabled(false);
     m_pages->setEnabled(false);
     QApplication::setOverrideCursor(Qt::BusyCursor);
