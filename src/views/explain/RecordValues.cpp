@@ -303,6 +303,11 @@ class RecordValues::Reading {
         return cellAgrees(rule.form, found, {m_stored.rawUrl, {}}, unused);
     }
 
+    /// Histories of Firefox are read towards 1970, also before it.
+    static bool isOfTowards1970(SourceForm form, Date made, std::int64_t apart) {
+        return form == SourceForm::unixMicroseconds && made.unixSeconds() < 0 && apart == -1;
+    }
+
     bool agreesAsDate(SourceForm form, Date made, const RecordFact *fact,
                       ValueOrigin &value) const {
         if (fact)
@@ -316,7 +321,7 @@ class RecordValues::Reading {
             return made.has() == kept.has();
         const std::int64_t apart = made.unixSeconds() - kept.unixSeconds();
         if (form != SourceForm::fileTimeLocal && form != SourceForm::fileTimeMoved)
-            return apart == 0;
+            return apart == 0 || isOfTowards1970(form, made, apart);
         constexpr auto kMostOffset = std::int64_t{15} * 3600;
         value.note = fmt::format("{} minutes from the stored time: the offset of the machine that "
                                  "imported",
