@@ -90,4 +90,9 @@ const BrowserFamily *familyOf(std::string_view cacheType) {
     return found == kFamilies.end() ? nullptr : *found;
 }
 
+const BrowserFamily *browserOf(std::string_view cacheType) {
+    const BrowserFamily *family = familyOf(cacheType);
+    return family != &families::netAnalysis ? family : nullptr;
+}
+
 } // namespace nv

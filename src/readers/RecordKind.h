@@ -92,5 +92,8 @@ RecordGroup groupOf(std::string_view cacheType);
 CacheParts partsOf(std::string_view cacheType);
 /// Null when none is known.
 const BrowserFamily *familyOf(std::string_view cacheType);
+/// The same of records that a browser itself wrote; null for those that another program recovered,
+/// which tell of whatever browser it was.
+const BrowserFamily *browserOf(std::string_view cacheType);
 
 } // namespace nv

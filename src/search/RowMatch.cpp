@@ -33,7 +33,7 @@ bool isOfHost(std::string_view host, std::string_view asked) {
 bool isOfBrowser(std::string_view browser, std::string_view cacheType, std::string_view asked) {
     if (!browser.empty())
         return foldedCase(browser).find(asked) != std::string::npos;
-    const BrowserFamily *family = familyOf(cacheType);
+    const BrowserFamily *family = browserOf(cacheType);
     return family && foldedCase(family->name).find(asked) != std::string::npos;
 }
 

@@ -97,7 +97,7 @@ bool readRows(SQLite::Database &project, TaskMonitor &task, SearchValues &values
         const std::string_view kind = textIn(rows.getColumn(1));
         kinds.take(kind);
         const std::string_view browser = textIn(rows.getColumn(2));
-        const BrowserFamily *family = browser.empty() ? familyOf(kind) : nullptr;
+        const BrowserFamily *family = browser.empty() ? browserOf(kind) : nullptr;
         browsers.take(family ? family->name : browser);
     }
     values.hosts = sorted(hosts.counts());

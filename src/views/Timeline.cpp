@@ -68,8 +68,8 @@ class Parts {
     static std::string_view nameOf(std::string_view cacheType, std::string_view browser) {
         if (!browser.empty())
             return browser;
-        const BrowserFamily *family = familyOf(cacheType);
-        return family && family != &families::netAnalysis ? family->name : kUnknownBrowser;
+        const BrowserFamily *family = browserOf(cacheType);
+        return family ? family->name : kUnknownBrowser;
     }
 
     std::uint8_t placeOf(std::string_view name) {
@@ -289,15 +289,17 @@ std::vector<DayGap> gapsOf(const TimedEvents &events, const TimeSpan &span, std:
     const std::int64_t last = slotOf(std::min(span.end, whole.end) - 1, TimeUnit::day);
     // A bit a day: ten thousand years are half a megabyte, and sorting a million events takes long.
     std::vector<bool> isUsed(last < first ? 0 : static_cast<std::size_t>(last - first + 1));
+    // Of the days at the ends the span may hold a part, and the events lie in the other one.
+    const TimeSpan days{startOf(first, TimeUnit::day), startOf(last + 1, TimeUnit::day)};
     for (std::size_t at = 0; at < events.seconds.size(); ++at)
-        if (const std::int64_t second = events.seconds[at]; span.holds(second))
+        if (const std::int64_t second = events.seconds[at]; days.holds(second))
             isUsed[static_cast<std::size_t>(slotOf(second, TimeUnit::day) - first)] = true;
-    std::optional<std::int64_t> before;
-    for (std::int64_t day = first; day <= last; ++day) {
-        if (!isUsed[static_cast<std::size_t>(day - first)])
+    std::int64_t before = first - 1;
+    for (std::int64_t day = first; day <= last + 1; ++day) {
+        if (day <= last && !isUsed[static_cast<std::size_t>(day - first)])
             continue;
-        const DayGap gap{before.value_or(day) + 1, day - 1};
-        if (before && gap.days() >= std::max<std::int64_t>(least, 1))
+        const DayGap gap{before + 1, day - 1};
+        if (gap.days() >= std::max<std::int64_t>(least, 1))
             gaps.push_back(gap);
         before = day;
     }

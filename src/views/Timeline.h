@@ -69,7 +69,7 @@ struct SlotHours {
 /// Of each slot that has events, in their order; for days and longer units.
 std::vector<SlotHours> hoursOf(const TimedEvents &events, TimeUnit unit, const TimeSpan &span);
 
-/// Days without an event, between days that have some.
+/// Days without an event, between days of the project that have some.
 struct DayGap {
     std::int64_t first = 0; ///< slots of days
     std::int64_t last = 0;
@@ -77,7 +77,7 @@ struct DayGap {
     std::int64_t days() const { return last - first + 1; }
     friend bool operator==(const DayGap &, const DayGap &) = default;
 };
-/// Those of at least `least` days, in their order.
+/// Those with at least `least` days in the span, in their order.
 std::vector<DayGap> gapsOf(const TimedEvents &events, const TimeSpan &span, std::int64_t least);
 
 /// Bars side by side, each of as many slots: what a picture shows.

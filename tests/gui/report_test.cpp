@@ -193,6 +193,7 @@ void ReportTest::aFinishedReportComesToTheFront() {
     });
     QCOMPARE(child<QTabWidget>(*m_form, "viewerTabs").currentWidget()->objectName(),
              QStringLiteral("ReportPane"));
+    QVERIFY(!child<QAbstractButton>(*m_form, "btnViewerPin").isChecked());
     QTRY_VERIFY(shownText().contains(QStringLiteral("First findings")));
     make(2, [](ReportForm &form) {
         child<QLineEdit>(form, "txtReportTitle").setText(QStringLiteral("Second findings"));

@@ -48,15 +48,16 @@ Message reportNotPublished(std::size_t count, std::string_view page) {
                    : fmt::format("{} reports of this project were made, but not published. The "
                                  "first one is",
                                  count);
-    return {.id = "report-not-published",
-            .title = "Report Not Published",
-            .text = fmt::format("{}\n{}\n\nWhat isn't published is gone when the program ends.",
-                                what, page),
-            .choices = Choices::YesNoCancel,
-            .tone = Tone::Information,
-            .unattended = Answer::No,
-            .yes = "&Publish...",
-            .no = "&Leave It"};
+    return {
+        .id = "report-not-published",
+        .title = "Report Not Published",
+        .text = fmt::format(
+            "{}\n{}\n\nWhat isn't published is removed when the program starts again.", what, page),
+        .choices = Choices::YesNoCancel,
+        .tone = Tone::Information,
+        .unattended = Answer::No,
+        .yes = "&Publish...",
+        .no = "&Leave It"};
 }
 
 Message replacePublished(std::string_view folder) {

@@ -351,8 +351,8 @@ void ReportForm::followType() {
                         "rows with a list beside them. What is redacted isn't handed over.")
                   : QString());
     // The words above are those that examiners know, and promise less than the report holds.
-    m_kinds->setText(graphical ? tr("Rows that are neither have a card too, with the default "
-                                    "thumbnail.")
+    m_kinds->setText(graphical ? tr("In full: rows of any other kind get a card too, with the "
+                                    "default thumbnail in place of a preview.")
                                : QString());
     m_thumbnail->setPlaceholderText(tabular ? tr(" [Tabular Default]")
                                             : tr(" [Graphical Default]"));

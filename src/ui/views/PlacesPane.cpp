@@ -73,6 +73,7 @@ PlacesPane::PlacesPane(QWidget *parent) : QWidget(parent) {
     column->addWidget(m_none);
     column->addWidget(m_tree, 1);
     column->addWidget(m_note);
+    column->addWidget(newFoot());
     constexpr int kNarrowest = 26; // characters
     setMinimumWidth(kNarrowest * fontMetrics().averageCharWidth());
     setChoice({});
@@ -84,25 +85,33 @@ QWidget *PlacesPane::newTop() {
     m_filter->setAccessibleName(tr("Only places with this text"));
     m_filter->setPlaceholderText(tr("Only places with this text"));
     m_filter->setClearButtonEnabled(true);
-    m_chosen = newLabel("labPlaces");
-    m_all = new QToolButton;
-    m_all->setObjectName(QStringLiteral("btnAllPlaces"));
-    m_all->setText(tr("Show all places"));
     auto *top = new QWidget;
     auto *column = new QVBoxLayout(top);
     column->setContentsMargins(4, 4, 4, 4);
-    column->setSpacing(3);
     column->addWidget(m_filter);
-    column->addWidget(m_chosen);
-    column->addWidget(m_all);
     connect(m_filter, &QLineEdit::textChanged, this, [this](const QString &text) {
         m_found.setFilterFixedString(text.trimmed());
         showWhetherFound();
         if (!text.trimmed().isEmpty())
             m_tree->expandAll();
     });
-    connect(m_all, &QToolButton::clicked, this, [this] { choose({}); });
     return top;
+}
+
+/// Below the tree: what a click brings up mustn't move the lines under the mouse.
+QWidget *PlacesPane::newFoot() {
+    m_chosen = newLabel("labPlaces");
+    m_all = new QToolButton;
+    m_all->setObjectName(QStringLiteral("btnAllPlaces"));
+    m_all->setText(tr("Show all places"));
+    connect(m_all, &QToolButton::clicked, this, [this] { choose({}); });
+    m_foot = new QWidget;
+    auto *column = new QVBoxLayout(m_foot);
+    column->setContentsMargins(4, 4, 4, 4);
+    column->setSpacing(3);
+    column->addWidget(m_chosen);
+    column->addWidget(m_all);
+    return m_foot;
 }
 
 QTreeView *PlacesPane::newTree() {
@@ -257,8 +266,7 @@ void PlacesPane::setChoice(const PlaceChoice &choice) {
     const bool any = !choice.isEmpty();
     const QString text = toQt(displayText(placeText(choice)));
     m_chosen->setText(choice.only.empty() ? text : tr("Only %1").arg(text));
-    m_chosen->setVisible(any);
-    m_all->setVisible(any);
+    m_foot->setVisible(any);
     moveMark();
 }
 

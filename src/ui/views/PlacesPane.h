@@ -56,6 +56,7 @@ class PlacesPane final : public QWidget {
 
   private:
     QWidget *newTop();
+    QWidget *newFoot();
     QTreeView *newTree();
     void showMenu(const QPoint &place);
     void showWhetherFound();
@@ -89,7 +90,8 @@ class PlacesPane final : public QWidget {
     QTreeView *m_tree = nullptr;
     QLabel *m_chosen = nullptr;
     QToolButton *m_all = nullptr;
-    QLabel *m_none = nullptr; ///< no place has the text that was typed
+    QWidget *m_foot = nullptr; ///< what is chosen
+    QLabel *m_none = nullptr;  ///< no place has the text that was typed
     QLabel *m_note = nullptr;
     QMenu *m_menu = nullptr;
     bool m_readOnly = false;

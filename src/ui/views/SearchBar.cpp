@@ -67,13 +67,15 @@ SearchBar::SearchBar(QWidget *parent) : QWidget(parent) {
     m_message->setObjectName(QStringLiteral("labSearchMessage"));
     m_message->setTextFormat(Qt::PlainText);
     m_message->setWordWrap(true);
-    m_message->setMaximumWidth(360);
-    auto *row = new QHBoxLayout(this);
-    row->setContentsMargins(0, 0, 0, 0);
+    auto *row = new QHBoxLayout;
     row->addWidget(m_text, 3);
     row->addWidget(m_hits);
-    row->addWidget(m_message, 2);
-    row->addStretch();
+    row->addStretch(2);
+    // In a line of its own it is read whole, and takes no more than that from the table.
+    auto *column = new QVBoxLayout(this);
+    column->setContentsMargins(0, 0, 0, 0);
+    column->addLayout(row);
+    column->addWidget(m_message);
     m_names = new SearchNames(*m_text);
     connect(m_names, &SearchNames::chosen, this, &SearchBar::nameChosen);
     connect(m_text, &QLineEdit::textEdited, this, &SearchBar::typed);

@@ -227,7 +227,7 @@ void ReportPart::showReport(const fs::path &page) {
         m_bench.program.state.viewer.reportURL = page.string();
         auto *pane = m_bench.viewers->findChild<ReportPane *>();
         pane->refresh();
-        m_bench.viewers->setCurrentWidget(pane);
+        m_bench.viewers->showOnce(*pane);
         m_bench.viewers->refresh();
     });
     if (failure)

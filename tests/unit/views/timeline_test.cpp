@@ -201,6 +201,19 @@ TEST_F(TimelineTest, marksDaysWithoutEvents) {
     EXPECT_THAT(gapsOf(loaded, wholeSpan(loaded), 1),
                 ElementsAre(DayGap{first + 2, first + 2}, DayGap{first + 4, first + 6}));
     EXPECT_THAT(gapsOf(loaded, wholeSpan(loaded), 2), ElementsAre(DayGap{first + 4, first + 6}));
+    const auto seen = [&](std::int64_t from, std::int64_t to) {
+        return TimeSpan{startOf(first + from, TimeUnit::day), startOf(first + to, TimeUnit::day)};
+    };
+    EXPECT_THAT(gapsOf(loaded, seen(4, 6), 1), ElementsAre(DayGap{first + 4, first + 5}))
+        << "also where nothing else is in sight";
+    EXPECT_THAT(gapsOf(loaded, seen(2, 6), 1),
+                ElementsAre(DayGap{first + 2, first + 2}, DayGap{first + 4, first + 5}));
+    const std::int64_t afternoon = startOf(first + 3, TimeUnit::day) + 13 * 3600;
+    EXPECT_THAT(gapsOf(loaded, {afternoon, startOf(first + 5, TimeUnit::day)}, 1),
+                ElementsAre(DayGap{first + 4, first + 4}))
+        << "the day's event lies before";
+    EXPECT_THAT(gapsOf(loaded, seen(-5, -2), 1), IsEmpty());
+    EXPECT_THAT(gapsOf(loaded, seen(20, 30), 1), IsEmpty());
     const TimeBars days = barsOf(loaded, TimeUnit::day, wholeSpan(loaded), 100);
     EXPECT_THAT(chartOf(loaded, days, 10).gaps,
                 ElementsAre(TimeChart::Gap{2, 2}, TimeChart::Gap{4, 6}));
