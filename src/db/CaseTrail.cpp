@@ -4,6 +4,7 @@
 #include "db/SchemaCatalogue.h"
 #include "db/SqliteErrors.h"
 #include "db/TrailChain.h"
+#include "db/TrailEnd.h"
 
 #include <SQLiteCpp/Database.h>
 #include <SQLiteCpp/Statement.h>
@@ -22,21 +23,9 @@ constexpr const char *kFields =
     "Trail_ID, ActionDateUTC, Action, Detail, FilePath, FileSize, MD5Hash, SHA256Hash, "
     "RowCount, AppVersion";
 
-/// Trails of earlier versions have no hashes.
-bool isChained(SQLite::Database &database) {
-    // Connections that may only read tables have no pragmas.
-    const SQLite::Statement all(database, "SELECT * FROM AuditTrail LIMIT 0");
-    int found = 0;
-    for (int at = 0; at < all.getColumnCount(); ++at) {
-        const std::string name = all.getColumnName(at);
-        found += name == "PreviousHash" || name == "EntryHash" ? 1 : 0;
-    }
-    return found == 2;
-}
-
-std::string selectionOf(SQLite::Database &database) {
+std::string selectionOf(bool isChained) {
     return fmt::format("SELECT {}, {} FROM AuditTrail ORDER BY Trail_ID", kFields,
-                       isChained(database) ? "PreviousHash, EntryHash" : "'', ''");
+                       isChained ? "PreviousHash, EntryHash" : "'', ''");
 }
 
 TrailEntry entryOf(SQLite::Statement &row) {
@@ -73,17 +62,59 @@ void CaseTrail::add(const TrailEntry &entry) {
     onProject(m_database, [&] {
         Savepoint together(m_database);
         SchemaCatalogue catalogue(m_database);
+        const bool wasChained = isChained();
         catalogue.addOnFirstUse(kCaseTrailTable);
         catalogue.addLaterColumns(kCaseTrailTable);
         // Takes the right to write before the last entry is read: another program's entry in
         // between would be one that both follow.
         m_database.exec("UPDATE AuditTrail SET RowCount = 0 WHERE 0");
+        const std::int64_t unchained = unchainedBefore(wasChained);
         TrailEntry chained = entry;
         chained.previousHash = lastHash();
         chained.entryHash = trailHash(chained, chained.previousHash);
         insertEntry(m_database, chained);
+        keepEnd({m_database.getLastInsertRowid(), unchained, chained.entryHash});
         together.release();
     });
+}
+
+/// Entries that earlier versions wrote. A trail whose last one has lost its hash has none of them:
+/// what follows would make all before it look like theirs.
+std::int64_t CaseTrail::unchainedBefore(bool wasChained) const {
+    const auto hashless = [this](const char *which) {
+        return m_database
+            .execAndGet(fmt::format("SELECT count(*) FROM AuditTrail WHERE ifnull(EntryHash, '') = "
+                                    "''{}",
+                                    which))
+            .getInt64();
+    };
+    const bool isLastOne = hashless(" AND Trail_ID = (SELECT max(Trail_ID) FROM AuditTrail)") > 0;
+    return wasChained && isLastOne ? 0 : hashless("");
+}
+
+/// An end that isn't there any more stays: a new one would hide that entries are missing.
+void CaseTrail::keepEnd(const TrailEnd &end) {
+    const auto kept = keptTrailEnd(m_database);
+    if (kept) {
+        SQLite::Statement last(m_database, "SELECT EntryHash FROM AuditTrail WHERE Trail_ID = ?");
+        last.bind(1, kept->entries);
+        if (!last.executeStep() || last.getColumn(0).getString() != kept->hash)
+            return;
+    }
+    keepTrailEnd(m_database, {end.entries, kept ? kept->unchained : end.unchained, end.hash});
+}
+
+bool CaseTrail::isChained() const {
+    if (!m_database.tableExists(kCaseTrailTable))
+        return false;
+    // Connections that may only read tables have no pragmas.
+    const SQLite::Statement all(m_database, "SELECT * FROM AuditTrail LIMIT 0");
+    int found = 0;
+    for (int at = 0; at < all.getColumnCount(); ++at) {
+        const std::string name = all.getColumnName(at);
+        found += name == "PreviousHash" || name == "EntryHash" ? 1 : 0;
+    }
+    return found == 2;
 }
 
 /// Those of earlier versions are chained in their order when the first one follows them.
@@ -113,7 +144,7 @@ std::vector<TrailEntry> CaseTrail::entries() const {
 void CaseTrail::forEach(const std::function<void(const TrailEntry &)> &take) const {
     if (!m_database.tableExists(kCaseTrailTable))
         return;
-    SQLite::Statement row(m_database, selectionOf(m_database));
+    SQLite::Statement row(m_database, selectionOf(isChained()));
     while (row.executeStep())
         take(entryOf(row));
 }

@@ -13,6 +13,8 @@ class Database;
 
 namespace nv {
 
+struct TrailEnd;
+
 inline constexpr const char *kCaseTrailTable = "AuditTrail";
 
 /// One thing that was done with a project.
@@ -45,9 +47,13 @@ class CaseTrail {
     void forEach(const std::function<void(const TrailEntry &)> &take) const;
     /// Of the newest entry; 0 without any.
     std::int64_t lastID() const;
+    /// Whether its table has hashes: those of earlier versions have none.
+    bool isChained() const;
 
   private:
     std::string lastHash() const;
+    std::int64_t unchainedBefore(bool wasChained) const;
+    void keepEnd(const TrailEnd &end);
 
     SQLite::Database &m_database;
 };

@@ -82,7 +82,8 @@ void SchemaCatalogue::noteColumn(const schema::Table &table, std::size_t ordinal
 }
 
 void SchemaCatalogue::noteIndex(const schema::Index &index, bool isPrimaryKey) {
-    SQLite::Statement insert(m_database, "INSERT INTO SchemaIndexes VALUES (?, ?, ?, ?)");
+    SQLite::Statement insert(m_database,
+                             "INSERT OR REPLACE INTO SchemaIndexes VALUES (?, ?, ?, ?)");
     SQLite::bind(insert, std::string(index.table), std::string(index.name),
                  std::string(index.column), isPrimaryKey ? 1 : 0);
     insert.exec();

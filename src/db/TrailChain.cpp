@@ -2,6 +2,7 @@
 
 #include "base/Digest.h"
 #include "base/Text.h"
+#include "db/TrailEnd.h"
 
 #include <SQLiteCpp/Database.h>
 #include <SQLiteCpp/Statement.h>
@@ -25,10 +26,21 @@ std::int64_t numbersGiven(SQLite::Database &database) {
     return row.executeStep() ? row.getColumn(0).getInt64() : 0;
 }
 
+/// Whether the program has made a trail with hashes here: the project's record of its schema says
+/// so, also when the table or its columns are gone.
+bool wasMadeChained(SQLite::Database &database) {
+    return CaseTrail(database).isChained() ||
+           (database.tableExists("SchemaColumns") &&
+            database.execAndGet("SELECT count(*) FROM SchemaColumns WHERE TableName = 'AuditTrail' "
+                                "AND ColumnName = 'EntryHash'")
+                    .getInt() > 0);
+}
+
 /// Follows the chain entry by entry.
 class ChainCheck {
   public:
-    explicit ChainCheck(TrailChain &chain) : m_chain(chain) {}
+    ChainCheck(TrailChain &chain, SQLite::Database &database)
+        : m_chain(chain), m_kept(keptTrailEnd(database)) {}
 
     void take(const TrailEntry &entry) {
         if (entry.trailID != m_chain.entries + 1)
@@ -42,8 +54,24 @@ class ChainCheck {
         else if (entry.entryHash != hash)
             breaks(entry.trailID, "was changed: its fields don't give its hash");
         if (!entry.entryHash.empty())
-            m_chain.head = entry.entryHash;
+            takeHash(entry);
         m_before = hash;
+    }
+    /// After all entries: what can only be missing.
+    void finish(SQLite::Database &database) {
+        const std::int64_t unchained = m_chain.unchained;
+        if (m_kept && unchained > m_kept->unchained)
+            breaks(m_kept->unchained + 1, kLost);
+        if (numbersGiven(database) > m_chain.entries ||
+            (m_kept && m_kept->entries > m_chain.entries))
+            breaks(m_chain.entries + 1, "is missing");
+        // The first entry that got a hash came together with its columns.
+        if (m_chain.head.empty() && wasMadeChained(database)) {
+            if (m_chain.entries == 0)
+                breaks(1, "is missing");
+            else
+                breaks(m_chain.entries, kLost);
+        }
     }
     void breaks(std::int64_t number, std::string why) {
         if (m_chain.broken != 0)
@@ -53,6 +81,11 @@ class ChainCheck {
     }
 
   private:
+    void takeHash(const TrailEntry &entry) {
+        m_chain.head = entry.entryHash;
+        if (m_kept && entry.trailID == m_kept->entries && entry.entryHash != m_kept->hash)
+            breaks(entry.trailID, "isn't the one that the project has kept as its last");
+    }
     /// Only the first entries can be older than the chain.
     void takeUnchained(const TrailEntry &entry) {
         ++m_chain.unchained;
@@ -60,7 +93,10 @@ class ChainCheck {
             breaks(entry.trailID, "has no hash, though one before it has");
     }
 
+    static constexpr const char *kLost = "has lost its hash: the trail was written with hashes";
+
     TrailChain &m_chain;
+    std::optional<TrailEnd> m_kept;
     std::string m_before; ///< the hash that the next one has to name
 };
 
@@ -84,10 +120,9 @@ std::string trailHash(const TrailEntry &entry, std::string_view before) {
 
 TrailChain checkTrail(SQLite::Database &database) {
     TrailChain chain;
-    ChainCheck check(chain);
+    ChainCheck check(chain, database);
     CaseTrail(database).forEach([&check](const TrailEntry &entry) { check.take(entry); });
-    if (numbersGiven(database) > chain.entries)
-        check.breaks(chain.entries + 1, "is missing");
+    check.finish(database);
     return chain;
 }
 

@@ -89,7 +89,7 @@ void FieldPlaces::number(const SourceBytes &bytes, const NumberRule &rule) {
     const bool isNumber = rule.form == SourceForm::number;
     value(rule.field, bytes, rule.at, rule.size,
           isNumber ? MadeValue(number) : MadeValue(dateOf(rule.form, number)),
-          fmt::format("{}{}", wordsOf(rule.form),
+          fmt::format("{}{}", wordsOf(rule.form, number),
                       rule.size == 1 ? ""
                       : rule.order == ByteOrder::big
                           ? fmt::format("; {} bytes, the highest first", rule.size)

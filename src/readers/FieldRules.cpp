@@ -23,6 +23,12 @@ const KindRules *found(std::span<const KindRules> all, const RecordKind &kind,
     return rules == all.end() ? nullptr : &*rules;
 }
 
+constexpr std::int64_t kLongNumber = 100'000'000'000; // more than seconds of any year to come
+
+bool isChromeTime(std::int64_t number) {
+    return number > kLongNumber * 100;
+}
+
 } // namespace
 
 std::string_view wordsOf(SourceForm form) {
@@ -78,8 +84,19 @@ std::string_view wordsOf(SourceForm form) {
     return {};
 }
 
+std::string_view wordsOf(SourceForm form, std::int64_t number) {
+    if (number != 0 && form == F::chromeOrUnixTime)
+        return isChromeTime(number)
+                   ? "microseconds since 1601-01-01, UTC, told by the size of the number"
+                   : "seconds since 1970-01-01, UTC, told by the size of the number";
+    if (number != 0 && form == F::unixSeconds)
+        return number > kLongNumber
+                   ? "milliseconds since 1970-01-01, UTC, told by the size of the number"
+                   : "seconds since 1970-01-01, UTC, told by the size of the number";
+    return wordsOf(form);
+}
+
 Date dateOf(SourceForm form, std::int64_t number) {
-    constexpr std::int64_t kLongNumber = 100'000'000'000; // more than seconds of any year to come
     constexpr std::uint64_t kHalf = 0xFFFF;
     if (number == 0)
         return {};
@@ -88,8 +105,7 @@ Date dateOf(SourceForm form, std::int64_t number) {
     case F::chromeTime:
         return chromeTimeToDate(number);
     case F::chromeOrUnixTime:
-        return number > kLongNumber * 100 ? chromeTimeToDate(number)
-                                          : Date::fromUnixSeconds(number);
+        return isChromeTime(number) ? chromeTimeToDate(number) : Date::fromUnixSeconds(number);
     case F::unixSeconds:
         return Date::fromUnixSeconds(number > kLongNumber ? number / 1000 : number);
     case F::unixMicroseconds:

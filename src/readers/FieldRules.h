@@ -36,6 +36,8 @@ enum class SourceForm {
 };
 /// In words, with the zone of the source.
 std::string_view wordsOf(SourceForm form);
+/// The same of one number: where the size tells the unit, the unit that it has.
+std::string_view wordsOf(SourceForm form, std::int64_t number);
 /// The date that the number is by its form; nothing for what is no date.
 Date dateOf(SourceForm form, std::int64_t number);
 

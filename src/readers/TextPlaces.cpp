@@ -74,7 +74,8 @@ void TextPlaces::digits(std::string_view field, std::string_view part, SourceFor
         made = *number;
     else if (number)
         made = dateOf(form, *number);
-    value(field, part, std::move(made), what, fmt::format("digits: {}", wordsOf(form)));
+    value(field, part, std::move(made), what,
+          fmt::format("digits: {}", number ? wordsOf(form, *number) : wordsOf(form)));
 }
 
 } // namespace nv

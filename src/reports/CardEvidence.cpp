@@ -39,6 +39,8 @@ bool hasContent(const UrlRecord &record) {
     if (record.IsHistory || record.IsCookie)
         return false;
     const RecordKind *kind = recordKind(record.cacheType);
+    if (kind && kind->group != RecordGroup::cache)
+        return record.CacheFileExists || record.CacheFileRebuilt;
     return !kind || !kind->mayLackContent || record.CacheFileExists;
 }
 
@@ -100,7 +102,8 @@ void CardEvidence::bringContent(ReportCard &card, std::size_t place) const {
     card.record.RunTimeTempFilePath.clear();
     const auto content = contentOf(card.record, m_ctx.rebuild.extraction());
     if (!content) {
-        card.absence = "The cached file is gone.";
+        card.absence = card.record.CacheFileExists ? "The cached file is gone."
+                                                   : "The cached file was not there at the import.";
         return;
     }
     if (const std::string kind = pictureKindOf(*content); !kind.empty())

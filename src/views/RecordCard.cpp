@@ -11,6 +11,7 @@
 #include "views/CellText.h"
 #include "views/DecodedValues.h"
 #include "views/NamedRow.h"
+#include "views/SourcePlace.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>
 #include <fmt/format.h>
@@ -201,19 +202,16 @@ class CardMaker {
         const std::string file = m_row.text("HistoryFilePath");
         if (file.empty())
             return add("Source", m_row.text("RootPath") + m_row.text("CacheFileRelativePath"));
-        add("Source", file + placeInFile());
+        add("Source", file + placeInFile(file));
         if (const BrowserFamily *family = familyOf(m_row.text("CacheType"));
             family == &families::netAnalysis)
             add("Recovered by", std::string(family->name));
     }
 
-    std::string placeInFile() const {
-        if (const std::string row = fact("source_rowid"); !row.empty())
-            return fmt::format(", row {} of table {}", row, fact("source_table"));
-        std::string offset = fact("source_offset");
-        if (const std::int64_t stored = m_row.number("MapFileOffset"); offset.empty() && stored > 0)
-            offset = std::to_string(stored);
-        return offset.empty() ? std::string() : fmt::format(", offset {}", offset);
+    std::string placeInFile(const std::string &file) const {
+        return placeInSource({file, m_row.text("CacheType"), m_row.text("HistoryVersion"),
+                              m_row.number("MapFileOffset")},
+                             m_facts);
     }
 
     void addHashes() {

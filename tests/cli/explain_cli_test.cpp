@@ -37,6 +37,16 @@ class ExplainCliTest : public CliCase {
         EXPECT_EQ(run.exit, exit) << run.err;
         return json::parse(run.out, nullptr, false);
     }
+    /// Each without a value that differs from its source.
+    std::vector<json> ofKind(const std::string &kind) {
+        SQLite::Database file(project);
+        SQLite::Statement row(file, "SELECT URL_ID FROM URLs WHERE CacheType = ?");
+        row.bind(1, kind);
+        std::vector<json> records;
+        while (row.executeStep())
+            records.push_back(explained(row.getColumn(0).getInt()));
+        return records;
+    }
     static json valueIn(const json &record, const std::string &field) {
         for (const json &value : record.at("values"))
             if (value.at("field") == field)
@@ -286,6 +296,70 @@ TEST_F(ExplainCliTest, theClockOfSafariIsToldInPlainWords) {
         return;
     }
     FAIL() << "no row of the list";
+}
+
+/// The project shows what the bytes were read as; the examiner sees the bytes and the rule.
+TEST_F(ExplainCliTest, bytesThatAreNoUtf8StandAsBytes) {
+    SQLite::Database(history.string(), SQLite::OPEN_READWRITE)
+        .exec("UPDATE urls SET title = CAST(x'FF2FC328' AS TEXT)");
+    importAll();
+    const json title = valueIn(explained(1), "WebPageTitle");
+    EXPECT_EQ(title.at("value"), "ÿ/Ã(");
+    EXPECT_EQ(title.at("stored"), "FF2FC328");
+    EXPECT_EQ(title.at("rule"), "text; the bytes are no UTF-8: each is a letter of Windows-1252");
+    EXPECT_EQ(title.at("check"), "same");
+}
+
+/// The unit of this very number, not all that the column may have.
+TEST_F(ExplainCliTest, secondsAreToldAsSeconds) {
+    {
+        SQLite::Database file((history.parent_path() / "Web Data").string(),
+                              SQLite::OPEN_CREATE | SQLite::OPEN_READWRITE);
+        file.exec("CREATE TABLE meta (key TEXT, value TEXT);"
+                  "CREATE TABLE keywords (id INTEGER PRIMARY KEY, short_name TEXT, url TEXT);"
+                  "CREATE TABLE autofill (name TEXT, value TEXT, value_lower TEXT, date_created "
+                  "INTEGER, date_last_used INTEGER, count INTEGER, PRIMARY KEY (name, value));"
+                  "INSERT INTO autofill VALUES ('town', 'Eastkey', 'eastkey', 1298981430, "
+                  "1298981431, 2)");
+    }
+    importAll();
+    int found = 0;
+    for (const json &record : ofKind("Chrome Form Value")) {
+        ++found;
+        const json date = valueIn(record, "ActionDateUTC");
+        EXPECT_THAT(date.at("rule").get<std::string>(),
+                    testing::StartsWith("seconds since 1970-01-01, UTC"));
+        EXPECT_EQ(date.at("check"), "same");
+    }
+    EXPECT_GT(found, 0);
+}
+
+/// A setting that is an object holds numbers with a fraction, also for none.
+TEST_F(ExplainCliTest, numbersOfASettingAreComparedAsNumbers) {
+    writeWhole(history.parent_path() / "Preferences",
+               R"({"profile":{"content_settings":{"exceptions":{"site_engagement":{)"
+               R"("https://a.example:443,*":{"last_modified":"12943324800123456",)"
+               R"("setting":{"lastEngagementTime":1.2943324800123456e16,"pointsAddedToday":0.0,)"
+               R"("rawScore":1.50}}}}}}})");
+    importAll();
+    int found = 0;
+    for (const json &record : ofKind("Chrome Site Setting")) {
+        ++found;
+        const json setting = valueIn(record, "setting");
+        EXPECT_THAT(setting.at("value"), HasSubstr("pointsAddedToday=0"));
+        EXPECT_THAT(setting.at("value"), HasSubstr("rawScore=1.5"));
+        EXPECT_EQ(setting.at("check"), "same");
+    }
+    EXPECT_EQ(found, 1);
+}
+
+TEST_F(ExplainCliTest, whatTheProgramMadeItselfIsToldSo) {
+    importAll();
+    SQLite::Database(project, SQLite::OPEN_READWRITE)
+        .exec("UPDATE URLs SET RebuiltFilePath = '/r/0000001.htm', RebuiltSourceCode = '<p>'");
+    const json record = explained(1);
+    for (const char *field : {"RebuiltFilePath", "RebuiltSourceCode"})
+        EXPECT_EQ(valueIn(record, field).at("check"), "derived") << field;
 }
 
 /// Megabytes, control characters and marks of direction in what an evidence holds.

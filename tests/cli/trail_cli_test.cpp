@@ -68,7 +68,7 @@ TEST_F(TrailCliTest, whatIsWrittenIsInTheTrail) {
     EXPECT_THAT(
         trail,
         HasSubstr(
-            R"("Action":"Report","Detail":"Tabular report of 1 row; in the program's scratch)"));
+            R"("Action":"Report","Detail":"Tabular report of 1 row (all rows); in the program's)"));
     EXPECT_THAT(trail, HasSubstr(R"("Action":"Publish")"));
     EXPECT_THAT(trail, HasSubstr(R"(:"index-history.htm")")) << "no folder that is gone later";
     EXPECT_THAT(trail, HasSubstr(hashesOfFile(out / "index-history.htm").value().sha256));
@@ -96,6 +96,68 @@ TEST_F(TrailCliTest, notesTicksAndSearchesAreInTheTrail) {
     EXPECT_THAT(trail,
                 HasSubstr(R"("Action":"Keywords","Detail":"1 of 1 term found in 1 of 1 row")"));
     EXPECT_THAT(cli({"verify", project}).err, HasSubstr("The case trail is whole"));
+}
+
+TEST_F(TrailCliTest, whatIsDoneWithTagsIsInTheTrail) {
+    EXPECT_EQ(cli({"tag", project, "1", "--name", "Harbour"}).exit, 0);
+    EXPECT_EQ(cli({"tags", "change", project, "Harbour", "--name", "Quay", "--color", "#0f6cbd",
+                   "--note", "seen by two"})
+                  .exit,
+              0);
+    EXPECT_EQ(cli({"tags", "change", project, "Quay", "--name", "Quay"}).exit, 0);
+    EXPECT_EQ(cli({"tags", "delete", project, "Quay"}).exit, 0);
+    const std::string trail = cli({"trail", project, "--format", "jsonl"}).out;
+    EXPECT_THAT(
+        trail,
+        HasSubstr(R"("Action":"Tag","Detail":"tag \"Harbour\" changed: name \"Quay\", colour )"
+                  R"(#0f6cbd instead of #d13438, note of 11 characters written")"));
+    EXPECT_THAT(trail,
+                HasSubstr(R"("Action":"Tag","Detail":"tag \"Quay\" deleted: 1 row had it")"));
+    EXPECT_THAT(trail, testing::Not(HasSubstr("seen by two")));
+    EXPECT_THAT(trail, testing::Not(HasSubstr(R"(tag \"Quay\" changed)"))) << "nothing was";
+}
+
+TEST_F(TrailCliTest, reportsTellWhichRowsAndHowMuchWasRedacted) {
+    const std::string out = (folder.path() / "report").string();
+    EXPECT_EQ(cli({"report", project, "--type", "case", "--out", out, "--host", "a.example",
+                   "--blur", "host=a.example", "--blur", "person=mara", "--leave-out",
+                   "value=lowtide", "--remember"})
+                  .exit,
+              0);
+    const std::string trail = cli({"trail", project, "--format", "jsonl"}).out;
+    EXPECT_THAT(trail,
+                HasSubstr(R"("Detail":"Choices for reports kept with the project: redacted: )"
+                          R"(1 value left out; 1 host, 1 person blurred")"));
+    EXPECT_THAT(trail, HasSubstr("Case report of "));
+    EXPECT_THAT(trail, HasSubstr(R"(the host \"[redacted]\")"));
+    EXPECT_THAT(trail, HasSubstr("; redacted: 1 value left out; 1 host, 1 person blurred; in the"));
+    EXPECT_THAT(trail, testing::Not(HasSubstr("lowtide")));
+    EXPECT_THAT(trail, testing::Not(HasSubstr("a.example")));
+    EXPECT_EQ(
+        cli({"report", project, "--type", "case", "--out", out, "--overwrite", "--no-redactions"})
+            .exit,
+        0);
+    EXPECT_THAT(cli({"trail", project, "--format", "jsonl"}).out,
+                HasSubstr("(all rows); nothing redacted; in the"));
+}
+
+TEST_F(TrailCliTest, aTrailWithoutItsHashesOrItsTableIsBroken) {
+    for (const char *forgery : {"UPDATE AuditTrail SET EntryHash = NULL, PreviousHash = NULL",
+                                "DELETE FROM AuditTrail; "
+                                "DELETE FROM sqlite_sequence WHERE name = 'AuditTrail'",
+                                "DROP TABLE AuditTrail"}) {
+        SQLite::Database(project, SQLite::OPEN_READWRITE)
+            .exec(std::string("DROP TRIGGER IF EXISTS AuditTrail_NoUpdate; "
+                              "DROP TRIGGER IF EXISTS AuditTrail_NoDelete; ") +
+                  forgery);
+        for (int time = 0; time < 2; ++time) { // its own entry doesn't hide it
+            const CliResult run = cli({"verify", project});
+            EXPECT_EQ(run.exit, 2) << forgery;
+            EXPECT_THAT(run.err, HasSubstr(time == 0 ? "The case trail is broken: entry 1 "
+                                                     : "The case trail is broken: entry "))
+                << forgery;
+        }
+    }
 }
 
 TEST_F(TrailCliTest, verifyNamesTheFirstEntryThatWasForged) {

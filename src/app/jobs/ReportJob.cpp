@@ -5,6 +5,7 @@
 #include "app/project/Project.h"
 #include "app/settings/Settings.h"
 #include "base/Files.h"
+#include "base/Text.h"
 #include "base/Trap.h"
 #include "db/ProjectFields.h"
 #include "db/ReadOnlyConnection.h"
@@ -144,7 +145,9 @@ bool writeProjectReportOptions(Program &program, const ReportWriter &report) {
         return true;
     ProjectFields fields(program.state.projectDB.connection(), program.log);
     bool isWritten = true;
+    bool isChanged = false;
     const auto keep = [&](const char *name, const std::string &text) {
+        isChanged = isChanged || fields.getDefault(name) != trim(text);
         isWritten = fields.saveDefaultSetting(name, text) && isWritten;
     };
     for (const KeptWithProject &kept : kOfProject)
@@ -158,6 +161,8 @@ bool writeProjectReportOptions(Program &program, const ReportWriter &report) {
             keep(kCardsName, std::string(word));
     keep(kRedactionsName, linesOf(options.redactions));
     keep(kKeptName, "True");
+    if (isWritten && isChanged)
+        noteReportChoices(program, report);
     return isWritten;
 }
 

@@ -5,6 +5,7 @@
 
 #include <SQLiteCpp/Database.h>
 #include <fmt/format.h>
+#include <fmt/ranges.h>
 
 namespace nv {
 
@@ -21,6 +22,28 @@ void noteChange(Program &program, const std::string &tag, bool isSet,
                               .isSet = isSet,
                               .rows = static_cast<std::int64_t>(ids.size()),
                               .which = idsInWords(ids)});
+}
+
+/// What differs; of a note its length, not its words.
+std::string changesOf(const NamedTag &before, const NamedTag &now) {
+    std::vector<std::string> changes;
+    if (now.name != before.name)
+        changes.push_back(fmt::format("name \"{}\"", now.name));
+    if (now.color != before.color)
+        changes.push_back(fmt::format("colour {} instead of {}", now.color, before.color));
+    if (now.note != before.note)
+        changes.push_back(
+            now.note.empty()
+                ? "note taken away"
+                : fmt::format("note of {} written", counted(charCount(now.note), "character")));
+    return fmt::format("{}", fmt::join(changes, ", "));
+}
+
+std::string namesInOrder(Program &program) {
+    std::vector<std::string> names;
+    for (const NamedTag &tag : NamedTags(projectOf(program)).list())
+        names.push_back(fmt::format("\"{}\"", tag.name));
+    return fmt::format("{}", fmt::join(names, ", "));
 }
 
 /// The rows of a change that is taken back, or done again.
@@ -72,15 +95,28 @@ NamedTag makeTag(Program &program, const NamedTag &tag) {
 }
 
 void changeTag(Program &program, const NamedTag &tag) {
+    const auto before = NamedTags(projectOf(program)).find(tag.tagID);
     NamedTags(projectOf(program)).change(tag);
+    if (!before)
+        return;
+    if (const std::string changes = changesOf(*before, tag); !changes.empty())
+        noteTagChange(program, fmt::format("tag \"{}\" changed: {}", before->name, changes));
 }
 
 void orderTags(Program &program, const std::vector<std::int64_t> &tagIDs) {
+    const std::string before = namesInOrder(program);
     NamedTags(projectOf(program)).reorder(tagIDs);
+    if (const std::string after = namesInOrder(program); after != before)
+        noteTagChange(program, "order of the tags changed: " + after);
 }
 
 void deleteTag(Program &program, const NamedTag &tag) {
+    const std::int64_t rows = NamedTags(projectOf(program)).counts()[tag.tagID];
     NamedTags(projectOf(program)).remove(tag.tagID);
+    noteTagChange(program,
+                  fmt::format("tag \"{}\" deleted: {} had it", tag.name,
+                              counted(static_cast<std::uint64_t>(rows), "row")),
+                  rows);
 }
 
 std::string taggedText(const TagOrder &order, const TagChange &change) {

@@ -11,6 +11,7 @@
 #include "db/ReadOnlyConnection.h"
 #include "db/WriteBatch.h"
 #include "import/ImportTrail.h"
+#include "reports/case/Redactor.h"
 #include "time/ExactZone.h"
 
 #include <SQLiteCpp/Database.h>
@@ -32,6 +33,36 @@ void add(Program &program, SQLite::Database &project, TrailEntry entry) {
     HeldIndex index(program, project);
     CaseTrail(project).add(entry);
     index.keep();
+}
+
+std::string_view typeOf(const ReportWriter &report) {
+    return report.reportType == kCaseType        ? "Case"
+           : report.reportType == kGraphicalType ? "Graphical"
+                                                 : "Tabular";
+}
+
+/// How much of which kind: "1 host left out; 2 persons blurred".
+std::string redactionsIn(const CaseOptions &options) {
+    std::string text;
+    for (const auto &[way, words] : {std::pair(RedactionWay::leaveOut, "left out"),
+                                     std::pair(RedactionWay::blur, "blurred")}) {
+        RedactionRules rules;
+        for (const RedactionRule &rule : options.redactions)
+            if (rule.way == way)
+                rules.push_back(rule);
+        if (!rules.empty())
+            text += fmt::format("{}{} {}", text.empty() ? "" : "; ", chosenText(rules), words);
+    }
+    return text.empty() ? "nothing redacted" : "redacted: " + text;
+}
+
+/// In words, but none that a redaction keeps secret: who gets the trail gets them too.
+std::string selectionIn(const ReportWriter &report) {
+    const CaseOptions &options = report.caseOptions;
+    const std::string chosen = !options.content.empty() ? options.content
+                               : report.includeAll      ? "all rows"
+                                                        : "rows with a tick or a chosen tag";
+    return Redactor(options.redactions).text(chosen);
 }
 
 /// What was done is done, but nobody could prove it later.
@@ -140,6 +171,14 @@ void noteMarking(Program &program, const Marking &marking) {
     noteInTrail(program, std::move(entry));
 }
 
+void noteTagChange(Program &program, std::string detail, std::int64_t rows) {
+    TrailEntry entry;
+    entry.action = "Tag";
+    entry.detail = std::move(detail);
+    entry.rowCount = rows;
+    noteInTrail(program, std::move(entry));
+}
+
 void noteNote(Program &program, UrlId url, const std::string &text) {
     TrailEntry entry;
     entry.action = "Note";
@@ -206,15 +245,23 @@ void noteTemplate(Program &program, const std::filesystem::path &file, const std
 void noteReport(Program &program, const ReportWriter &report, std::int64_t rows) {
     TrailEntry entry;
     entry.action = "Report";
-    entry.detail = fmt::format("{} report of {}; in the program's scratch folder until it is "
-                               "published, with the same hashes",
-                               report.reportType == kCaseType        ? "Case"
-                               : report.reportType == kGraphicalType ? "Graphical"
-                                                                     : "Tabular",
-                               counted(static_cast<std::uint64_t>(rows), "row"));
+    entry.detail =
+        fmt::format("{} report of {} ({}); ", typeOf(report),
+                    counted(static_cast<std::uint64_t>(rows), "row"), selectionIn(report));
+    // The other types show all.
+    if (report.reportType == kCaseType)
+        entry.detail += redactionsIn(report.caseOptions) + "; ";
+    entry.detail += "in the program's scratch folder until it is published, with the same hashes";
     entry.rowCount = rows;
     noteFileInTrail(program, std::move(entry), report.reportFilePath,
                     report.reportFilePath.filename());
+}
+
+void noteReportChoices(Program &program, const ReportWriter &report) {
+    TrailEntry entry;
+    entry.action = "Report";
+    entry.detail = "Choices for reports kept with the project: " + redactionsIn(report.caseOptions);
+    noteInTrail(program, std::move(entry));
 }
 
 void notePublish(Program &program, const std::filesystem::path &page, const Published &published) {

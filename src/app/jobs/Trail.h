@@ -43,8 +43,11 @@ void noteRebuild(Program &program, std::size_t rebuilt, std::size_t asked, TaskE
 /// The template's file is named; `outcome` is for people.
 void noteTemplate(Program &program, const std::filesystem::path &file, const std::string &outcome,
                   std::int64_t rows);
-/// Of a finished one.
+/// Of a finished one: which rows were chosen, and how much of which kind was redacted. None of the
+/// words that are redacted stands there.
 void noteReport(Program &program, const ReportWriter &report, std::int64_t rows);
+/// Of choices for reports that were kept with the project.
+void noteReportChoices(Program &program, const ReportWriter &report);
 /// `page` is the index page in the folder that is handed over.
 void notePublish(Program &program, const std::filesystem::path &page, const Published &published);
 /// The first of them, which is all of them for most.
@@ -57,6 +60,8 @@ struct Marking {
     std::string which; ///< in words: "row 17", "Visits > 5"
 };
 void noteMarking(Program &program, const Marking &marking);
+/// Something of a tag itself: `detail` says of which and what.
+void noteTagChange(Program &program, std::string detail, std::int64_t rows = 0);
 /// A note that was written, or taken away when `text` is empty: its length and hash, not its words.
 void noteNote(Program &program, UrlId url, const std::string &text);
 /// A search that was asked for as a whole, not each letter of one on its way. The project may be

@@ -7,6 +7,7 @@
 #include <fmt/format.h>
 
 #include <array>
+#include <charconv>
 #include <cmath>
 #include <cstdlib>
 #include <stdexcept>
@@ -113,6 +114,15 @@ std::string zoomText(std::string_view level) {
     return fmt::format("{}", std::round(std::pow(kStep, number) * kFigures) / kFigures);
 }
 
+/// As the reader writes them: "0.0" is the number 0.
+std::string settingText(std::string_view raw) {
+    double number = 0;
+    const char *end = raw.data() + raw.size();
+    const auto [stop, error] = std::from_chars(raw.data(), end, number);
+    const bool isReal = error == std::errc() && stop == end && !wholeNumberIn(raw);
+    return isReal ? fmt::format("{}", number) : jsonText(raw);
+}
+
 /// Permissions whose setting is an object, and levels of zoom.
 void placeSettings(const UrlRecord &record, const JsonFound &object, TextPlaces &text) {
     const bool isZoom = factWords(record, "permission").empty();
@@ -127,7 +137,7 @@ void placeSettings(const UrlRecord &record, const JsonFound &object, TextPlaces 
         else if (member.path == factWords(record, "permission")) // up to 2014
             text.digits("setting", member.value, F::number, "member of that name");
         else if (member.path.starts_with(kBegin)) {
-            const std::string value = jsonText(member.value);
+            const std::string value = settingText(member.value);
             parts +=
                 fmt::format("{}{}={}", parts.empty() ? "" : "; ", member.path.substr(kBegin.size()),
                             value == "true"    ? "yes"

@@ -22,7 +22,7 @@ void placeNumber(std::string_view field, const SourceBytes &cell, SourceForm for
         std::strtoll(std::string(cell.bytes.begin(), cell.bytes.end()).c_str(), nullptr, 10);
     places.value(field, cell, 0, cell.bytes.size(),
                  form == SourceForm::number ? MadeValue(number) : MadeValue(dateOf(form, number)),
-                 std::string(wordsOf(form)));
+                 std::string(wordsOf(form, number)));
 }
 
 /// A body lies in pieces, each a row.

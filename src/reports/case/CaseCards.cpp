@@ -69,8 +69,8 @@ std::string fieldsOf(const CaseRow &row, const ReportCard &card) {
            caseField("Status", caseText(row.status)) +
            caseField("Source", row.source.empty()
                                    ? ""
-                                   : fmt::format("<span class=\"hash\">{}</span>, at byte {}",
-                                                 caseText(row.source), row.sourceOffset)) +
+                                   : fmt::format("<span class=\"hash\">{}</span>{}",
+                                                 caseText(row.source), caseText(row.place))) +
            caseField("Cached file", caseText(row.cacheFile)) +
            caseField("Rebuilt", caseText(row.rebuilt)) + caseField("Content", contentOf(card)) +
            "</dl>\n";

@@ -4,6 +4,7 @@
 #include "rebuild/RebuildMethod.h"
 #include "reports/ReportValues.h"
 #include "time/DateFormat.h"
+#include "views/SourcePlace.h"
 
 #include <fmt/format.h>
 
@@ -101,7 +102,12 @@ CaseRow CaseRows::rowOf(const UrlRecord &record, RowFacts facts) {
     row.visits = visitsText(record.Visits);
     row.status = text(record.Status);
     row.source = text(record.HistoryFilePath);
-    row.sourceOffset = std::to_string(record.MapFileOffset);
+    const FactList stored = m_ctx.rebuild.records.factsOf(record.URLID);
+    row.sourceOffset = offsetInSource(stored, record.MapFileOffset);
+    if (!row.source.empty())
+        row.place = text(placeInSource(
+            {record.HistoryFilePath, record.cacheType, record.HistoryVersion, record.MapFileOffset},
+            stored));
     if (withNotes)
         row.notes = text(record.Notes);
     for (const RowTag &tag : m_tags.of(record.URLID))
@@ -111,14 +117,14 @@ CaseRow CaseRows::rowOf(const UrlRecord &record, RowFacts facts) {
         row.rebuilt = text(record.RebuiltDateTime) +
                       (isRebuiltExactly(record) ? " (exact method)" : " (classic method)");
     if (facts == RowFacts::with && !row.hidden)
-        addFacts(row, record);
+        addFacts(row, record, stored);
     return row;
 }
 
-void CaseRows::addFacts(CaseRow &row, const UrlRecord &record) {
+void CaseRows::addFacts(CaseRow &row, const UrlRecord &record, const FactList &stored) {
     const bool isSecret = m_redactor.isOn() && (m_redactor.pictureOf(record.URLID) ||
                                                 m_redactor.isOfHost(hostOf(record)));
-    for (const RecordFact &fact : m_ctx.rebuild.records.factsOf(record.URLID))
+    for (const RecordFact &fact : stored)
         if (!isSecret || !tellsContent(fact.name))
             row.facts.emplace_back(fact.name, text(factText(fact)));
 }

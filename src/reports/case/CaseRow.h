@@ -40,8 +40,9 @@ struct CaseRow {
     std::string visits; ///< empty where the artefact counts none
     std::string referrer;
     std::string status;
-    std::string source; ///< the file of evidence
-    std::string sourceOffset;
+    std::string source;       ///< the file of evidence
+    std::string place;        ///< what follows it: ", row 17 of table visits"
+    std::string sourceOffset; ///< in bytes; empty where the record has none
     std::string cacheFile;
     std::string rebuilt; ///< when, and by which method
     std::string notes;
@@ -72,7 +73,7 @@ class CaseRows {
 
   private:
     std::string text(const std::string &value) { return m_redactor.text(value); }
-    void addFacts(CaseRow &row, const UrlRecord &record);
+    void addFacts(CaseRow &row, const UrlRecord &record, const FactList &stored);
 
     const ReportContext &m_ctx;
     Redactor &m_redactor;

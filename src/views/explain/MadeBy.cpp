@@ -12,7 +12,7 @@ namespace {
 
 using enum OriginCheck;
 
-constexpr std::array<MadeBy, 54> kMade = {{
+constexpr std::array<MadeBy, 58> kMade = {{
     {"URL_ID", derived, "number of the row in the project, counted from 1"},
     {"SourceFile_ID", derived, "number of the source file's row in the project"},
     {"ActionDateLocal", derived, "ActionDateUTC, moved to the project's zone"},
@@ -50,6 +50,11 @@ constexpr std::array<MadeBy, 54> kMade = {{
     {"ThumbnailCreated", derived, "when the thumbnail was drawn"},
     {"RebuiltDateTime", derived, "when the page was rebuilt"},
     {"RebuiltMethod", derived, "how the page was rebuilt (docs/rebuilding.md)"},
+    {"RebuiltFilePath", derived, "where this program wrote the rebuilt page"},
+    {"RebuiltSourceCode", derived,
+     "the cached page, its references rewritten by this program when it was rebuilt"},
+    {"CacheFileRebuiltBLOB", derived, "the rebuilt page with its parts, packed by this program"},
+    {"IngredientIDs", derived, "the rows that this program took for the rebuilt page's parts"},
     {"Browser", derived, "by the place of the source file and what lies beside it"},
     {"Profile", derived, "the profile's folder, by the place of the source file"},
     {"Person", derived, "the account's folder, by the place of the source file"},

@@ -262,7 +262,8 @@ class RecordValues::Reading {
     }
 
     void set(const FieldRule &rule, const SourceValue &found, ValueOrigin &value) const {
-        value.rule = wordsOf(rule.form);
+        value.rule = found.number ? wordsOf(rule.form, *found.number) : wordsOf(rule.form);
+        value.rule += found.conversion;
         value.place = found.place;
         value.offset = found.offset;
         value.length = found.length;

@@ -85,7 +85,10 @@ SourceValue valueOf(const CellFound &cell) {
         value.bytes = *bytes;
         value.text = decodeText(std::string_view(*bytes).substr(0, kMostText));
         value.number = numberIn(value.text);
-        value.stored = cell.isText ? boundedText(*bytes, kMostShown) : hexOf(*bytes);
+        const bool isReadable = isUtf8(*bytes);
+        value.stored = cell.isText && isReadable ? boundedText(*bytes, kMostShown) : hexOf(*bytes);
+        if (cell.isText && !isReadable)
+            value.conversion = "; the bytes are no UTF-8: each is a letter of Windows-1252";
     } else {
         value.stored = "NULL";
     }

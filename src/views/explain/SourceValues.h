@@ -21,8 +21,9 @@ struct SourceValue {
     std::string place;
     std::optional<std::uint64_t> offset;
     std::uint64_t length = 0;
-    std::filesystem::path file;         ///< that holds those bytes
-    std::string stored;                 ///< for people
+    std::filesystem::path file; ///< that holds those bytes
+    std::string stored;         ///< for people
+    std::string conversion;     ///< follows the rule: how bytes that are no UTF-8 became text
     std::optional<std::int64_t> number; ///< where it is one
     std::string text;                   ///< where it is one
     std::string bytes;                  ///< as they lie, of texts and others

@@ -117,7 +117,17 @@ TEST_F(TrailChainTest, eachKindOfForgeryIsNamedByItsFirstEntry) {
         {"DELETE FROM AuditTrail WHERE Trail_ID = 2", 2},
         {"DELETE FROM AuditTrail WHERE Trail_ID = 1", 1},
         {"DELETE FROM AuditTrail WHERE Trail_ID = 6", 6},
-        {"DELETE FROM AuditTrail", 1}};
+        {"DELETE FROM AuditTrail", 1},
+        {"UPDATE AuditTrail SET EntryHash = NULL, PreviousHash = NULL", 1},
+        {"UPDATE AuditTrail SET EntryHash = NULL, PreviousHash = NULL WHERE Trail_ID < 4", 1},
+        {"DROP TABLE AuditTrail", 1},
+        {"ALTER TABLE AuditTrail DROP COLUMN EntryHash; "
+         "ALTER TABLE AuditTrail DROP COLUMN PreviousHash",
+         1},
+        {"DELETE FROM AuditTrail; DELETE FROM sqlite_sequence WHERE name = 'AuditTrail'", 1},
+        {"DELETE FROM AuditTrail WHERE Trail_ID > 4; "
+         "UPDATE sqlite_sequence SET seq = 4 WHERE name = 'AuditTrail'",
+         5}};
     for (const auto &[sql, number] : forgeries) {
         SQLite::Savepoint undone(project.connection(), "forgery");
         forge(sql);
@@ -127,8 +137,61 @@ TEST_F(TrailChainTest, eachKindOfForgeryIsNamedByItsFirstEntry) {
     EXPECT_TRUE(chain().isWhole());
 }
 
+/// As of projects of builds that kept no end.
+TEST_F(TrailChainTest, aTrailThatLostItsHashesIsTakenForNoEarlierOne) {
+    const std::string forgetEnd = "DELETE FROM DefaultSettings WHERE DefaultName = 'CaseTrailEnd';";
+    for (const char *sql : {"UPDATE AuditTrail SET EntryHash = NULL, PreviousHash = NULL",
+                            "DROP TABLE AuditTrail", "ALTER TABLE AuditTrail DROP COLUMN EntryHash",
+                            "DELETE FROM AuditTrail; "
+                            "DELETE FROM sqlite_sequence WHERE name = 'AuditTrail'"}) {
+        SQLite::Savepoint undone(project.connection(), "forgery");
+        forge(forgetEnd + sql);
+        EXPECT_FALSE(chain().isWhole()) << sql;
+        undone.rollback();
+    }
+    forge(forgetEnd + "UPDATE AuditTrail SET EntryHash = NULL, PreviousHash = NULL");
+    add("the next one");
+    EXPECT_EQ(chain().broken, 1) << chainText(chain());
+}
+
+TEST_F(TrailChainTest, entriesThatFollowALossDontHideIt) {
+    for (const auto &[sql, number] : std::vector<std::pair<std::string, std::int64_t>>{
+             {"DELETE FROM AuditTrail WHERE Trail_ID > 4; "
+              "UPDATE sqlite_sequence SET seq = 4 WHERE name = 'AuditTrail'",
+              6},
+             {"DROP TABLE AuditTrail", 6},
+             {"UPDATE AuditTrail SET EntryHash = NULL, PreviousHash = NULL", 1}}) {
+        SQLite::Savepoint undone(project.connection(), "forgery");
+        forge(sql);
+        for (int more = 0; more < 8; ++more) {
+            add("later");
+            EXPECT_FALSE(chain().isWhole()) << sql << ' ' << more;
+        }
+        EXPECT_EQ(chain().broken, number) << sql << ' ' << chainText(chain());
+        undone.rollback();
+    }
+}
+
+/// Its entries follow the end that was kept.
+TEST_F(TrailChainTest, entriesOfABuildThatKeepsNoEndAreTaken) {
+    const std::string kept =
+        project.connection()
+            .execAndGet("SELECT DefaultValue FROM DefaultSettings WHERE DefaultName = "
+                        "'CaseTrailEnd'")
+            .getString();
+    EXPECT_EQ(kept, "6 0 " + chain().head);
+    add("of the other build");
+    project.connection().exec("UPDATE DefaultSettings SET DefaultValue = '" + kept +
+                              "' WHERE DefaultName = 'CaseTrailEnd'");
+    EXPECT_TRUE(chain().isWhole()) << chainText(chain());
+    add("the next one");
+    EXPECT_TRUE(chain().isWhole()) << chainText(chain());
+    EXPECT_EQ(chain().entries, 8);
+}
+
 TEST_F(TrailChainTest, aTrailOfAnEarlierVersionIsChainedFromThenOn) {
-    forge("ALTER TABLE AuditTrail DROP COLUMN EntryHash; "
+    forge("DELETE FROM DefaultSettings WHERE DefaultName = 'CaseTrailEnd'; "
+          "ALTER TABLE AuditTrail DROP COLUMN EntryHash; "
           "ALTER TABLE AuditTrail DROP COLUMN PreviousHash; "
           "DELETE FROM SchemaColumns WHERE ColumnName LIKE '%Hash' AND TableName = 'AuditTrail'");
     EXPECT_EQ(chain().unchained, 6);

@@ -85,6 +85,59 @@ TEST_F(CaseReportTest, aCoverTellsTheCaseAndWhatIsInIt) {
     EXPECT_TRUE(project.log.entries.empty());
 }
 
+TEST_F(CaseReportTest, cardsSayWhereInItsFileARecordLies) {
+    const auto save = [this](const std::string &kind, const std::string &path, std::int64_t offset,
+                             const FactList &facts) {
+        UrlRecord record;
+        record.cacheType = kind;
+        record.URL = record.URLRawValue = "http://one.example/";
+        record.HistoryFilePath = path;
+        record.HistoryVersion = kind == "Chrome Cache" ? "Block files 3.0" : "";
+        record.MapFileOffset = offset;
+        record.facts = facts;
+        store.saveRecord(record, project.file);
+    };
+    FactList row;
+    row.add("source_table", "moz_places");
+    row.add("source_rowid", 17);
+    FactList block;
+    block.add("source_file", "data_3");
+    block.add("source_offset", 12032);
+    save("Firefox Visit", "/e/places.sqlite", 0, row);
+    save("Chrome Cache", "/e/Cache/index", 12032, block);
+    save("IE Cache", "/e/index.dat", 24832, {});
+    save("Firefox Login", "/e/logins.json", 0, {});
+    makeCase();
+    const std::string cards = file("cards-1.htm");
+    EXPECT_THAT(cards, AllOf(HasSubstr("/e/places.sqlite</span>, row 17 of table moz_places"),
+                             HasSubstr("/e/Cache/index</span>, data_1[12032]"),
+                             HasSubstr("/e/index.dat</span>, offset 24832"),
+                             HasSubstr("/e/logins.json</span></dd>")));
+    EXPECT_THAT(file("cache.csv"), HasSubstr("/e/Cache/index,12032,"));
+    EXPECT_THAT(file("history.csv"), HasSubstr("/e/places.sqlite,,")) << "no byte is known";
+}
+
+TEST_F(CaseReportTest, onlyWhatHadACachedFileHasLostIt) {
+    const auto cardOf = [this](const std::string &kind, bool hadFile) {
+        UrlRecord record;
+        record.cacheType = kind;
+        record.URL = record.URLRawValue = "http://one.example/";
+        record.CacheFileExists = hadFile;
+        store.saveRecord(record, project.file);
+        makeCase();
+        const std::string cards = file("cards-1.htm");
+        return cards.substr(cards.rfind("<article"));
+    };
+    for (const char *kind : {"Chrome Bookmark", "Chrome Login", "Chrome Form Value",
+                             "Firefox Permission", "Chrome Site Setting"})
+        EXPECT_THAT(cardOf(kind, false), AllOf(Not(HasSubstr("The cached file is gone.")),
+                                               HasSubstr("There is no cached file.")))
+            << kind;
+    EXPECT_THAT(cardOf("Chrome Cache", true), HasSubstr("The cached file is gone."));
+    EXPECT_THAT(cardOf("Chrome Cache", false),
+                HasSubstr("The cached file was not there at the import."));
+}
+
 TEST_F(CaseReportTest, nothingOfARecordRunsOrIsALinkOutside) {
     const UrlId id = addHistory("javascript:alert(1)", 1);
     set(id, "WebPageTitle", "</script><script>alert(2)</script><img src=x onerror=alert(3)>");

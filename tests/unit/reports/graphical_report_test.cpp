@@ -101,7 +101,9 @@ TEST_F(GraphicalReportTest, aPictureThatCannotBeDrawnFallsBack) {
 }
 
 TEST_F(GraphicalReportTest, contentThatIsGoneFallsBack) {
-    add("http://host/a.gif", "");
+    const UrlId id = add("http://host/a.gif", "");
+    EXPECT_THAT(make(0), HasSubstr("The cached file was not there at the import."));
+    set(id, "CacheFileExists", "1");
     const std::string html = make(0);
     EXPECT_THAT(html, HasSubstr("<img src='images/report-default.png' width='200' alt='Click to "
                                 "display a full size version of the file.'"));

@@ -86,6 +86,31 @@ TEST_F(RecordCardTest, ofCachedContentItsFile) {
     EXPECT_EQ(card.line("Local date"), "");
 }
 
+/// A cache is named by its index, and its entries lie in the files beside that.
+TEST_F(RecordCardTest, theFileOfAnEntryIsTheOneThatHoldsIt) {
+    const auto sourceOf = [this](const std::string &version, const std::string &path,
+                                 const std::string &file, std::int64_t offset) {
+        const std::int64_t id = add({{"CacheType", "Chrome Cache"},
+                                     {"HistoryVersion", version},
+                                     {"MapFileOffset", static_cast<double>(offset)},
+                                     {"HistoryFilePath", path}});
+        FactList facts;
+        facts.add("source_file", file);
+        facts.add("source_offset", offset);
+        RecordFacts(db()).store(UrlId{id}, facts);
+        return load(id).line("Source");
+    };
+    const std::string block = "data_1[12032], or the block file that continues data_1";
+    // The file that is noted is the one of the body.
+    for (const char *body : {"data_1", "data_3", "f_000001", ""})
+        EXPECT_EQ(sourceOf("Block files 3.0", "/e/Cache/index", body, 12032),
+                  "/e/Cache/index, " + block)
+            << body;
+    EXPECT_EQ(sourceOf("1.0", "/e/Cache/index", "", 12032), "/e/Cache/index, " + block);
+    EXPECT_EQ(sourceOf("Simple 9", "/e/Cache", "0a1b_0", 0), "/e/Cache, 0a1b_0[0]");
+    EXPECT_EQ(sourceOf("Simple 9", "/e/Cache/0a1b_0", "0a1b_0", 0), "/e/Cache/0a1b_0, offset 0");
+}
+
 /// What the table has in its column, and nothing that the kind of the record would suggest.
 TEST_F(RecordCardTest, theBrowserIsTheOneOfTheTable) {
     EXPECT_EQ(load(add({{"CacheType", "IE Cache"}})).line("Browser"), "");
