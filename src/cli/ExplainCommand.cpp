@@ -50,6 +50,38 @@ std::string_view stateWord(SourceNow state) {
     return {};
 }
 
+std::string_view stateWord(const FurtherFile &file) {
+    if (file.sha256Then.empty())
+        return stateWord(SourceNow::unhashed);
+    if (file.sha256.empty())
+        return stateWord(SourceNow::gone);
+    return stateWord(file.hasChanged() ? SourceNow::changed : SourceNow::same);
+}
+
+/// Nobody can check what the evidence doesn't give again. A row whose content alone is missing is
+/// told with that value.
+Exit exitOf(Session &session, const RecordOrigin &record) {
+    Exit exit = Exit::ok;
+    const auto fail = [&](const std::string &why) {
+        session.err << printable(why) << '\n';
+        exit = Exit::damagedEvidence;
+    };
+    if (record.state == SourceNow::gone)
+        fail(fmt::format("row {}: the evidence isn't there: \"{}\" can't be found, so nothing "
+                         "could be compared",
+                         record.id, record.file));
+    else if (record.state == SourceNow::changed)
+        fail(fmt::format("row {}: \"{}\" has changed since the import", record.id, record.file));
+    for (const FurtherFile &file : record.further)
+        if (file.hasChanged())
+            fail(fmt::format("row {}: \"{}\" {} since the import", record.id, file.name,
+                             file.sha256.empty() ? "can't be read or is gone" : "has changed"));
+    for (const ValueOrigin &value : record.values)
+        if (value.check == OriginCheck::differs)
+            fail(fmt::format("row {}: the evidence gives another {}", record.id, value.field));
+    return exit;
+}
+
 /// Marks of direction and the like, which would turn the lines of a terminal around, stand in JSON
 /// as "\u202e". They only come in texts.
 std::string unmasked(const std::string &json) {
@@ -110,7 +142,10 @@ void writeJson(Session &session, const RecordOrigin &record) {
     }
     Json further = Json::array();
     for (const FurtherFile &file : record.further)
-        further.push_back({{"file", file.name}, {"sha256", file.sha256}});
+        further.push_back({{"file", file.name},
+                           {"sha256", file.sha256},
+                           {"sha256_then", file.sha256Then},
+                           {"today", stateWord(file)}});
     const Json all = {{"id", record.id},
                       {"kind", record.kind},
                       {"version", record.version},
@@ -143,11 +178,7 @@ Exit run(Session &session, const Arguments &arguments) {
             writeJson(session, *record);
         else
             writeText(session, *record);
-        const bool differs = std::ranges::any_of(record->values, [](const ValueOrigin &value) {
-            return value.check == OriginCheck::differs;
-        });
-        if (differs || record->state == SourceNow::changed)
-            exit = Exit::damagedEvidence;
+        exit = exitOf(session, *record);
     }
     closeProject(program);
     return exit;

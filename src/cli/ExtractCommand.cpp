@@ -8,10 +8,16 @@
 #include "cli/Session.h"
 #include "cli/SharedArguments.h"
 #include "db/RecordStore.h"
+#include "maintenance/SourceCheck.h"
 #include "readers/CachedBody.h"
 #include "reports/ExportFile.h"
+#include "views/explain/ContentCheck.h"
 
 #include <fmt/format.h>
+#include <fmt/ranges.h>
+
+#include <set>
+#include <vector>
 
 namespace nv::cli {
 
@@ -67,6 +73,47 @@ std::string packingOf(const Body &content) {
     return text;
 }
 
+std::string namesOf(const std::set<fs::path> &files) {
+    std::vector<std::string> names;
+    for (const fs::path &file : files)
+        names.push_back(fmt::format("\"{}\"", textOf(file)));
+    return fmt::format("{}", fmt::join(names, ", "));
+}
+
+/// Those of the files that aren't as the import found them; all where none of them tells.
+std::string changedOf(Session &session, const std::set<fs::path> &files) {
+    Program &program = session.program;
+    const SourceCheck check =
+        verifySources(program.state.projectDB.connection(), program.log, session.task, &files);
+    session.task.clear();
+    std::set<fs::path> changed;
+    for (const CheckedSource &source : check.sources)
+        if (source.state == SourceState::changed)
+            changed.insert(source.path);
+    return changed.empty() ? fmt::format("read from {}", namesOf(files))
+                           : fmt::format("changed: {}", namesOf(changed));
+}
+
+/// Whether what was handed out is what was imported. Both hashes are of the content unpacked.
+Exit compared(Session &session, UrlId urlId, const UrlRecord &record) {
+    const ContentCheck content = checkContent(session.program.state.projectDB.connection(), record,
+                                              session.scratch(), session.program.log);
+    if (content.then.empty()) {
+        session.err << fmt::format("row {}: the content wasn't hashed at the import, so nobody can "
+                                   "say whether it is the same\n",
+                                   urlId);
+        return Exit::ok;
+    }
+    if (!content.differs())
+        return Exit::ok;
+    session.err << printable(fmt::format("row {}: the content is NOT what was imported: SHA-256 {} "
+                                         "then, {} now; {}",
+                                         urlId, content.then, content.now,
+                                         changedOf(session, content.files)))
+                << '\n';
+    return Exit::damagedEvidence;
+}
+
 Exit run(Session &session, const Arguments &arguments) {
     session.openForReading(arguments.project);
     Program &program = session.program;
@@ -89,9 +136,10 @@ Exit run(Session &session, const Arguments &arguments) {
         return Exit::damagedEvidence;
     }
     writeContent(session, content->file, arguments.file);
-    session.err << fmt::format("{}, MD5 {}{}\n", counted(fs::file_size(content->file), "byte"),
-                               fileMD5(content->file).value_or(""), packingOf(*content));
-    return Exit::ok;
+    const std::uint64_t size = fs::file_size(content->file);
+    const std::string md5 = fileMD5(content->file).value_or("");
+    session.err << fmt::format("{}, MD5 {}{}\n", counted(size, "byte"), md5, packingOf(*content));
+    return compared(session, urlId, record);
 }
 
 } // namespace

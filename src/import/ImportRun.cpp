@@ -8,6 +8,7 @@
 #include "db/SourceFiles.h"
 #include "db/UncheckedReferences.h"
 #include "db/WriteBatch.h"
+#include "import/HashesBeside.h"
 #include "import/ImportSink.h"
 #include "readers/BrowserOf.h"
 #include "readers/ContentProbe.h"
@@ -18,6 +19,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <optional>
 #include <set>
 #include <utility>
 
@@ -136,7 +138,10 @@ class Import {
                     job.classicOnly ? ReadBy::classicRules : ReadBy::allRules),
           m_unchecked(run.project), m_urlIndex(run.project, m_log),
           m_store(run.project, run.zone, run.clock, m_log),
-          m_batch(run.project, [this] { note(); }) {}
+          m_batch(run.project, [this] { note(); }) {
+        if (run.opened)
+            m_beside.emplace(run.evidence, *run.opened, m_workers, m_files);
+    }
     /// Whatever ends the import, the summary tells of what is in the project.
     ~Import() {
         if (!m_batch.end())
@@ -202,6 +207,8 @@ class Import {
             settle(result, ArtefactState::failed, m_log.last);
         else
             read(*reader, file, result, SubTask(m_run.task, from, to));
+        if (m_beside)
+            result.beside = m_beside->take(m_log);
         m_summary.cancelled |= result.state == ArtefactState::cancelled;
         const std::chrono::duration<double> took = std::chrono::steady_clock::now() - begun;
         result.seconds = took.count();
@@ -295,6 +302,7 @@ class Import {
     std::size_t m_finishedKept = 0;
     RowsByKind m_rowsKept; ///< of the artefact after them
     Workers m_workers;
+    std::optional<HashesBeside> m_beside;
     WriteBatch m_batch; ///< over artefacts: a commit for each loose page takes long
 };
 

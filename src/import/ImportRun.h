@@ -7,6 +7,7 @@
 #include "db/RecordStore.h"
 #include "import/ImportSettings.h"
 #include "import/ImportSummary.h"
+#include "import/OpenedFiles.h"
 #include "readers/Evidence.h"
 #include "readers/Registry.h"
 
@@ -28,6 +29,8 @@ struct ImportRun {
     const Reader *(*readerFor)(HistoryFileType) = nv::readerFor;
     /// In which all content is looked for; none hashes and looks for nothing more than it must.
     HashLookup *hashSets = nullptr;
+    /// Notes what `evidence` opens, so that files beside the artefacts are hashed too.
+    OpenedFiles *opened = nullptr;
 };
 
 /// Reads the files of `job` into the project, in their order. One file's failure is its own: the

@@ -51,6 +51,13 @@ std::uint64_t ImportSummary::passedOver() const {
     });
 }
 
+std::uint64_t ImportSummary::hashedBeside() const {
+    return sumOver<std::uint64_t>(artefacts, [](const auto &each) {
+        return static_cast<std::uint64_t>(std::ranges::count_if(
+            each.beside, [](const auto &file) { return file.failure.empty(); }));
+    });
+}
+
 std::map<std::string, KindTotals> ImportSummary::byReader() const {
     std::map<std::string, KindTotals> kinds;
     for (const ArtefactResult &artefact : artefacts) {

@@ -27,6 +27,16 @@ enum class ArtefactState {
 /// "complete", "cut short", "cancelled", "failed", "not read yet", "vanished", "not reached".
 std::string_view stateWord(ArtefactState state);
 
+/// A file that values or contents of an artefact were read from and that isn't the artefact: a log
+/// or journal of a database, a block file or a body of a cache.
+struct FileBeside {
+    std::filesystem::path path;
+    std::uint64_t fileSize = 0; ///< bytes
+    std::string md5Hash;        ///< both empty where it couldn't be read
+    std::string sha256Hash;
+    std::string failure; ///< why not
+};
+
 /// What an import made of one artefact file.
 struct ArtefactResult {
     std::filesystem::path path;
@@ -48,6 +58,7 @@ struct ArtefactResult {
         passedOver;                             ///< records that the rules leave out, by reason
     std::map<std::string, std::uint64_t> noted; ///< peculiar records that are stored, by reason
     std::string warning;                        ///< what all its records have to be read with
+    std::vector<FileBeside> beside; ///< but those that an artefact before has among its own
     double seconds = 0;
 };
 
@@ -93,6 +104,7 @@ struct ImportSummary {
     std::uint64_t rowsSaved() const;
     std::uint64_t rowsLost() const;
     std::uint64_t passedOver() const;
+    std::uint64_t hashedBeside() const;                 ///< files
     std::map<std::string, KindTotals> byReader() const; ///< by key
     /// In order of browser, profile and person; what belongs to no browser is the first.
     std::vector<ProfileTotals> byProfile() const;

@@ -44,6 +44,7 @@ void eachNumber(End &end, Visit &&visit) {
 }
 
 constexpr std::string_view kCancelled = "; cancelled";
+constexpr std::string_view kHashedBeside = "files beside hashed";
 
 /// Of "name 12" in a list that semicolons part; 0 where it isn't.
 template <class Number>
@@ -88,6 +89,19 @@ TrailEntry trailEntry(const ArtefactResult &artefact, const ImportSettings &job)
     return entry;
 }
 
+TrailEntry trailEntry(const FileBeside &file, const ArtefactResult &artefact) {
+    TrailEntry entry;
+    entry.action = kBesideAction;
+    entry.detail = fmt::format("read for {} ({})", textOf(artefact.path), artefact.readerKey);
+    if (!file.failure.empty())
+        entry.detail += "; not hashed: " + file.failure;
+    entry.filePath = textOf(file.path);
+    entry.fileSize = static_cast<std::int64_t>(file.fileSize);
+    entry.md5Hash = file.md5Hash;
+    entry.sha256Hash = file.sha256Hash;
+    return entry;
+}
+
 /// No entry "Import": there is nothing that a verification could compare.
 TrailEntry trailEntry(const UnreadPlace &place) {
     TrailEntry entry;
@@ -106,6 +120,7 @@ ImportEnd importEnd(const ImportSummary &summary, std::int64_t lastBefore, std::
             .passedOver = summary.passedOver(),
             .linksNotFollowed = summary.gaps.linksNotFollowed,
             .shaderCaches = summary.gaps.shaderCaches,
+            .hashedBeside = summary.hashedBeside(),
             .cancelled = summary.cancelled,
             .failure = summary.failure};
 }
@@ -116,6 +131,8 @@ TrailEntry trailEntry(const ImportEnd &end) {
     eachNumber(end, [&entry](std::string_view name, auto number) {
         entry.detail += fmt::format("{}{} {}", entry.detail.empty() ? "" : "; ", name, number);
     });
+    if (end.hashedBeside)
+        entry.detail += fmt::format("; {} {}", kHashedBeside, *end.hashedBeside);
     if (end.cancelled)
         entry.detail += kCancelled;
     if (!end.failure.empty())
@@ -136,6 +153,8 @@ std::optional<ImportEnd> importEndOf(const TrailEntry &entry) {
     end.cancelled = text.ends_with(kCancelled);
     eachNumber(end,
                [text](std::string_view name, auto &number) { readNumber(text, name, number); });
+    if (text.find(kHashedBeside) != std::string_view::npos)
+        readNumber(text, kHashedBeside, end.hashedBeside.emplace());
     return end;
 }
 

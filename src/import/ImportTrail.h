@@ -15,6 +15,8 @@ namespace nv {
 
 /// Of one file: action "Import".
 TrailEntry trailEntry(const ArtefactResult &artefact, const ImportSettings &job);
+/// Of a file that was read for the artefact: action "Import Beside".
+TrailEntry trailEntry(const FileBeside &file, const ArtefactResult &artefact);
 /// Of a place that couldn't be read: action "Not Readable".
 TrailEntry trailEntry(const UnreadPlace &place);
 
@@ -28,6 +30,9 @@ struct ImportEnd {
     std::uint64_t passedOver = 0; ///< records that the rules leave out
     std::uint64_t linksNotFollowed = 0;
     std::uint64_t shaderCaches = 0;
+    /// Files beside the artefacts that were hashed; nothing where an earlier version imported,
+    /// which hashed none.
+    std::optional<std::uint64_t> hashedBeside = {};
     bool cancelled = false;
     std::string failure = {}; ///< what ended it; empty for most
 };
@@ -49,6 +54,7 @@ struct ImportedFile {
 std::optional<ImportedFile> importedFileOf(const TrailEntry &entry);
 
 inline constexpr const char *kImportAction = "Import";
+inline constexpr const char *kBesideAction = "Import Beside";
 inline constexpr const char *kNotReadableAction = "Not Readable";
 
 } // namespace nv

@@ -4,9 +4,11 @@
 #include "base/Files.h"
 #include "base/Md5.h"
 #include "base/Paths.h"
+#include "base/Text.h"
 #include "base/Trap.h"
 #include "db/CaseTrail.h"
 #include "import/ArtefactHash.h"
+#include "import/ImportTrail.h"
 #include "readers/Evidence.h"
 
 #include <SQLiteCpp/Database.h>
@@ -41,16 +43,25 @@ CheckedSource sourceOf(const TrailEntry &entry) {
 /// What the case trail tells, which knows each file of the same content, and then what only table
 /// `SourceFiles` does, as in projects of earlier versions. A file that was imported again after it
 /// had changed is there twice.
-std::vector<CheckedSource> sourcesOf(SQLite::Database &project) {
+std::vector<CheckedSource> sourcesOf(SQLite::Database &project, std::size_t &besideUnhashed) {
     std::vector<CheckedSource> sources;
+    std::size_t ofThisImport = 0; ///< or of those before whose ends aren't told
     std::set<std::pair<std::string, std::string>> seen; ///< path and MD5
     const auto add = [&](CheckedSource source) {
         if (seen.emplace(source.path, source.md5Then).second)
             sources.push_back(std::move(source));
     };
-    for (const TrailEntry &entry : CaseTrail(project).entries())
-        if (entry.action == "Import")
+    for (const TrailEntry &entry : CaseTrail(project).entries()) {
+        if (entry.action == kImportAction || entry.action == kBesideAction)
             add(sourceOf(entry));
+        ofThisImport += entry.action == kImportAction ? 1 : 0;
+        if (const auto end = importEndOf(entry)) {
+            besideUnhashed += end->hashedBeside ? 0 : ofThisImport;
+            ofThisImport = 0;
+        }
+    }
+    besideUnhashed += ofThisImport;
+    const std::size_t told = sources.size();
     SQLite::Statement row(project, "SELECT FilePath, ifnull(FileSize, 0), ifnull(MD5Hash, '') "
                                    "FROM SourceFiles ORDER BY SourceFile_ID");
     while (row.executeStep()) {
@@ -60,6 +71,7 @@ std::vector<CheckedSource> sourcesOf(SQLite::Database &project) {
         source.md5Then = row.getColumn(2).getString();
         add(std::move(source));
     }
+    besideUnhashed += sources.size() - told;
     return sources;
 }
 
@@ -180,12 +192,22 @@ std::string summaryText(const SourceCheck &check) {
          {SourceState::changed, SourceState::gone, SourceState::unreadable, SourceState::unknown})
         if (const std::size_t count = check.count(state); count > 0)
             text += fmt::format(", {} {}", count, stateWord(state));
-    return text + (check.cancelled ? "; cancelled before the end." : ".");
+    text += check.cancelled ? "; cancelled before the end." : ".";
+    if (check.besideUnhashed > 0)
+        text += fmt::format(" What lies beside {} (logs of databases, blocks and bodies of caches) "
+                            "wasn't hashed at the import and isn't compared.",
+                            counted(check.besideUnhashed, "imported file"));
+    return text;
 }
 
-SourceCheck verifySources(SQLite::Database &project, FailureLog &log, TaskMonitor &task) {
+SourceCheck verifySources(SQLite::Database &project, FailureLog &log, TaskMonitor &task,
+                          const std::set<fs::path> *only) {
     SourceCheck result;
-    const std::vector<CheckedSource> sources = sourcesOf(project);
+    std::vector<CheckedSource> sources = sourcesOf(project, result.besideUnhashed);
+    if (only)
+        std::erase_if(sources, [only](const CheckedSource &source) {
+            return !only->contains(pathFromText(source.path).value_or(source.path));
+        });
     result.total = sources.size();
     for (const CheckedSource &source : sources) {
         const double done =

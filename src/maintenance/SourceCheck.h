@@ -5,6 +5,8 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <filesystem>
+#include <set>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -26,7 +28,7 @@ enum class SourceState {
 /// "same", "changed", "gone", "unreadable", "no hash".
 std::string_view stateWord(SourceState state);
 
-/// A file, or a cache that is a folder, that was imported, and what it is now.
+/// A file that was imported or read beside one, or a cache that is a folder, and what it is now.
 struct CheckedSource {
     std::string path;
     SourceState state = SourceState::unknown;
@@ -41,6 +43,9 @@ struct CheckedSource {
 struct SourceCheck {
     std::vector<CheckedSource> sources; ///< in order of their import, as far as it came
     std::size_t total = 0;              ///< how many were imported
+    /// Of those what earlier versions imported, which hashed no file beside: nobody can say whether
+    /// such logs of databases and parts of caches have changed.
+    std::size_t besideUnhashed = 0;
     bool cancelled = false;
 
     std::size_t count(SourceState state) const;
@@ -50,8 +55,9 @@ struct SourceCheck {
 /// "12 files are as they were imported." or what differs, in one line for people.
 std::string summaryText(const SourceCheck &check);
 
-/// Hashes every file that the project's rows come from again. Writes nothing. Throws what the
-/// database says.
-SourceCheck verifySources(SQLite::Database &project, FailureLog &log, TaskMonitor &task);
+/// Hashes every file again that rows come from, as far as the import hashed it; with `only` no
+/// others than those. Writes nothing. Throws what the database says.
+SourceCheck verifySources(SQLite::Database &project, FailureLog &log, TaskMonitor &task,
+                          const std::set<std::filesystem::path> *only = nullptr);
 
 } // namespace nv

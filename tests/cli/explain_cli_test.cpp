@@ -132,7 +132,7 @@ TEST_F(ExplainCliTest, evidenceThatHasChangedIsToldSo) {
 TEST_F(ExplainCliTest, evidenceThatIsGoneLeavesWhatTheImportKept) {
     importAll();
     fs::remove(history);
-    const json record = explained(1);
+    const json record = explained(1, 2);
     EXPECT_EQ(record.at("source").at("today"), "gone");
     EXPECT_EQ(valueIn(record, "ActionDateUTC").at("check"), "unread");
 }

@@ -9,7 +9,7 @@ namespace {
 ExplainSource sourceOf(Program &program, const RecordTools &tools) {
     const RebuildContext &context = tools.context();
     return {context.project,       context.records,       context.evidence, context.tempFolderPath,
-            program.state.gmtZone, dateSettings(program), program.log};
+            program.state.gmtZone, dateSettings(program), program.log,      true};
 }
 
 } // namespace

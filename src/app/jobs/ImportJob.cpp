@@ -114,15 +114,16 @@ ImportSummary runImportJob(Program &program, TaskMonitor &task, const fs::path &
     requireSchema(program);
     ProgramState &state = program.state;
     SQLite::Database &project = state.projectDB.connection();
-    const Evidence evidence(state.rootPath);
+    OpenedFiles opened;
+    const Evidence evidence(state.rootPath, &opened);
     const std::unique_ptr<HashLookup> hashSets = hashSetsForImport(program);
     const Shares shares = sharesOf(program.import);
     SubTask reading(task, 0, shares.reading);
-    const ImportRun run{project,       {state.gmtZone, state.enableDSTChanges},
-                        evidence,      program.around.clock,
-                        program.log,   reading,
-                        scratch,       readerFor,
-                        hashSets.get()};
+    const ImportRun run{project,        {state.gmtZone, state.enableDSTChanges},
+                        evidence,       program.around.clock,
+                        program.log,    reading,
+                        scratch,        readerFor,
+                        hashSets.get(), &opened};
     const std::int64_t lastId = lastRow(program);
     ImportSummary summary = runImport(run, program.import);
     summary.lastBefore = lastId;

@@ -137,8 +137,11 @@ bool noteImport(Program &program, const ImportSummary &summary, std::int64_t las
             add(entry);
         }
         for (const ArtefactResult &artefact : summary.artefacts)
-            if (artefact.state != ArtefactState::notReached)
+            if (artefact.state != ArtefactState::notReached) {
                 add(trailEntry(artefact, program.import));
+                for (const FileBeside &file : artefact.beside)
+                    add(trailEntry(file, artefact));
+            }
         for (const UnreadPlace &place : summary.gaps.unreadable)
             add(trailEntry(place));
         add(trailEntry(importEnd(summary, lastBefore, lastRow(program))));

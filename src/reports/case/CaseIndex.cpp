@@ -5,6 +5,7 @@
 #include "base/TextRows.h"
 #include "db/CaseTrail.h"
 #include "db/SqliteErrors.h"
+#include "import/ImportTrail.h"
 #include "reports/ExportWriter.h"
 #include "reports/Html.h"
 #include "reports/ReportWriter.h"
@@ -20,6 +21,7 @@
 
 #include <array>
 #include <fstream>
+#include <optional>
 #include <set>
 
 namespace nv {
@@ -32,7 +34,8 @@ constexpr std::size_t kMostBars = 200;
 constexpr std::size_t kLeastBars = 30;
 constexpr std::size_t kMostLabels = 10;
 
-/// A row of `SourceFiles`; a project of an earlier build lacks some of its columns.
+/// A row of `SourceFiles`; a project of an earlier build lacks some of its columns. Or a file that
+/// was read beside one, as the trail tells.
 struct SourceRow {
     std::string path;
     std::string browser;
@@ -43,6 +46,7 @@ struct SourceRow {
     std::string sha256;
     bool isWhole = false;
     bool isClassic = false;
+    bool isBeside = false;
 };
 
 class SourceRows {
@@ -51,10 +55,16 @@ class SourceRows {
         : m_row(project, "SELECT * FROM SourceFiles ORDER BY SourceFile_ID") {
         for (int at = 0; at < m_row.getColumnCount(); ++at)
             m_names.insert(m_row.getColumnName(at));
+        if (project.tableExists(kCaseTrailTable))
+            m_beside
+                .emplace(project, "SELECT FilePath, FileSize, MD5Hash, SHA256Hash FROM "
+                                  "AuditTrail WHERE Action = ? GROUP BY FilePath, SHA256Hash "
+                                  "ORDER BY min(Trail_ID)")
+                .bind(1, kBesideAction);
     }
     bool next(SourceRow &row) {
-        if (!m_row.executeStep())
-            return false;
+        if (m_row.isDone() || !m_row.executeStep()) // which throws behind the last one
+            return nextBeside(row);
         row = {textIn("FilePath"),   textIn("Browser"),           textIn("Profile"),
                textIn("Person"),     numberIn("FileSize"),        textIn("MD5Hash"),
                textIn("SHA256Hash"), numberIn("Successful") != 0, numberIn("ClassicOnly") != 0};
@@ -65,14 +75,28 @@ class SourceRows {
     std::string textIn(const char *name) {
         return m_names.contains(name) ? m_row.getColumn(name).getString() : std::string();
     }
+    bool nextBeside(SourceRow &row) {
+        if (!m_beside || !m_beside->executeStep())
+            return false;
+        row = {};
+        row.path = m_beside->getColumn(0).getString();
+        row.size = m_beside->getColumn(1).getInt64();
+        row.md5 = m_beside->getColumn(2).getString();
+        row.sha256 = m_beside->getColumn(3).getString();
+        row.isWhole = row.isBeside = true;
+        return true;
+    }
     std::int64_t numberIn(const char *name) {
         return m_names.contains(name) ? m_row.getColumn(name).getInt64() : 0;
     }
     SQLite::Statement m_row;
+    std::optional<SQLite::Statement> m_beside;
     std::set<std::string> m_names;
 };
 
 std::string stateOf(const SourceRow &row) {
+    if (row.isBeside)
+        return "read beside others";
     return row.isWhole ? row.isClassic ? "read, by the classic rules only" : "read"
                        : "not read to its end";
 }
@@ -318,10 +342,18 @@ void CaseIndex::trail(std::ostream &file) {
             "to this report.</p>\n<table><thead><tr><th class=\"w2\" scope=\"col\">Date [UTC]</th>"
             "<th class=\"w3\" scope=\"col\">Done</th><th scope=\"col\">How</th><th scope=\"col\">"
             "File</th><th scope=\"col\">SHA-256</th></tr></thead>\n<tbody>\n";
+    std::size_t beside = 0; // a cache may have ten thousand
     for (const TrailEntry &entry :
          onProject([&] { return CaseTrail(m_ctx.rebuild.project).entries(); }))
-        file << entryRow(entry, m_redactor);
+        if (entry.action == kBesideAction)
+            ++beside;
+        else
+            file << entryRow(entry, m_redactor);
     file << "</tbody></table>\n";
+    if (beside > 0)
+        file << fmt::format("<p class=\"dim\">{} read beside others: <a "
+                            "href=\"evidence.csv\">evidence.csv</a> has their hashes.</p>\n",
+                            counted(beside, "file"));
 }
 
 } // namespace nv

@@ -4,10 +4,14 @@
 #include "base/Files.h"
 #include "base/Text.h"
 #include "base/Trap.h"
+#include "db/CaseTrail.h"
 #include "db/RecordStore.h"
+#include "db/SideFiles.h"
+#include "import/ImportTrail.h"
 #include "readers/FieldPlaces.h"
 #include "views/Properties.h"
 #include "views/SourcePath.h"
+#include "views/explain/ContentCheck.h"
 #include "views/explain/RecordValues.h"
 #include "views/explain/SourceValues.h"
 
@@ -132,6 +136,12 @@ std::optional<RecordOrigin> Explainer::explain(UrlId id, const std::string &fiel
     for (const ValueOrigin &value : origin.values)
         if (!value.file.empty() && (value.file != file || origin.isOfFolder))
             addFurther(value.file, origin);
+    if (file && !origin.isOfFolder) {
+        addLogs(*file, origin);
+        for (const std::filesystem::path &each : m_ofContent)
+            if (each != *file)
+                addFurther(each, origin);
+    }
     return origin;
 }
 
@@ -155,7 +165,52 @@ std::vector<ValueOrigin> Explainer::valuesOf(UrlId id, const StoredRecord &store
          loadProperties(id, {m_source.project, m_source.zone, m_source.dates, m_source.log, {}}))
         if (field.empty() ? !property.value.empty() : equalsNoCase(property.name, field))
             origins.push_back(values.of(property));
+    m_ofContent.clear();
+    for (ValueOrigin &value : origins)
+        if (m_source.readsContent && value.field == "content_sha256")
+            compareContent(id, value);
     return origins;
+}
+
+void Explainer::compareContent(UrlId id, ValueOrigin &value) {
+    auto record = m_source.records.getURL(id);
+    if (!record)
+        return;
+    const ContentCheck content =
+        checkContent(m_source.project, std::move(*record), m_source.scratch, m_source.log);
+    m_ofContent = content.files;
+    value.stored = content.now;
+    value.check = content.now.empty() ? OriginCheck::unread
+                  : content.differs() ? OriginCheck::differs
+                                      : OriginCheck::same;
+    value.note = content.now.empty() ? "the content isn't in the evidence any more"
+                                     : "the content was read and hashed again";
+}
+
+/// Rows of a database may lie in its log alone, and a journal takes some back.
+void Explainer::addLogs(const std::filesystem::path &file, RecordOrigin &origin) {
+    const bool isDatabase = std::ranges::any_of(
+        origin.values, [](const ValueOrigin &value) { return value.place.starts_with("table "); });
+    for (const std::string_view suffix : {kLogSuffix, kJournalSuffix}) {
+        const std::filesystem::path log = sideFile(file, suffix);
+        if (!hashThen(log).empty() ||
+            (isDatabase && m_source.evidence.kindOf(log) == PlaceKind::file))
+            addFurther(log, origin);
+    }
+}
+
+const std::string &Explainer::hashThen(const std::filesystem::path &file) {
+    if (!m_besideThen) {
+        m_besideThen.emplace();
+        if (m_source.project.tableExists(kCaseTrailTable))
+            CaseTrail(m_source.project).forEach([this](const TrailEntry &entry) {
+                if (entry.action == kBesideAction || entry.action == kImportAction)
+                    (*m_besideThen)[entry.filePath] = entry.sha256Hash;
+            });
+    }
+    static const std::string kNone;
+    const auto found = m_besideThen->find(textOf(file));
+    return found == m_besideThen->end() ? kNone : found->second;
 }
 
 void Explainer::addFurther(const std::filesystem::path &file, RecordOrigin &origin) {
@@ -163,7 +218,8 @@ void Explainer::addFurther(const std::filesystem::path &file, RecordOrigin &orig
     if (std::ranges::find(origin.further, name, &FurtherFile::name) != origin.further.end())
         return;
     const Hashed &now = hashed(file);
-    origin.further.push_back({name, now.hashes ? now.hashes->sha256 : std::string()});
+    origin.further.push_back(
+        {name, now.hashes ? now.hashes->sha256 : std::string(), hashThen(file), origin.isOfFolder});
 }
 
 std::string shownOrigin(std::string_view text) {
@@ -174,6 +230,23 @@ std::string shownOrigin(std::string_view text) {
     const bool isCut = charCount(text.substr(0, kMostBytes)) > kMost || text.size() > kMostBytes;
     return isCut ? fmt::format("{} ({} bytes in all)", shown, text.size()) : shown;
 }
+
+namespace {
+
+std::string textOfFurther(const FurtherFile &file) {
+    const std::string today = file.sha256.empty()
+                                  ? fmt::format("{}, which can't be read", file.name)
+                                  : fmt::format("{} (SHA-256 today: {})", file.name, file.sha256);
+    if (file.isOfFolder)
+        return today;
+    if (file.sha256Then.empty())
+        return today + "; it wasn't hashed at the import";
+    return file.hasChanged()
+               ? fmt::format("{}; CHANGED: at the import it had SHA-256 {}", today, file.sha256Then)
+               : today + ", as at the import";
+}
+
+} // namespace
 
 std::vector<std::pair<std::string, std::string>> linesOf(const RecordOrigin &record) {
     std::vector<std::pair<std::string, std::string>> lines = {
@@ -186,10 +259,7 @@ std::vector<std::pair<std::string, std::string>> linesOf(const RecordOrigin &rec
         {"Today", record.fileNote},
         {"Format", record.page}};
     for (const FurtherFile &file : record.further)
-        lines.emplace_back("Lies in",
-                           file.sha256.empty()
-                               ? fmt::format("{}, which can't be read", file.name)
-                               : fmt::format("{} (SHA-256 today: {})", file.name, file.sha256));
+        lines.emplace_back("Lies in", textOfFurther(file));
     std::erase_if(lines, [](const auto &line) { return line.second.empty(); });
     return lines;
 }

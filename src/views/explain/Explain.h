@@ -11,6 +11,7 @@
 #include <map>
 #include <memory>
 #include <optional>
+#include <set>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -54,10 +55,15 @@ struct ValueOrigin {
 /// Whether the source file is the one that was imported. Hashes decide.
 enum class SourceNow { same, changed, gone, unhashed };
 
-/// A file beside the source file in which values of a record lie.
+/// A file beside the source file in which values or the content of a record lie.
 struct FurtherFile {
     std::string name;
-    std::string sha256; ///< today; empty when it can't be read
+    std::string sha256;     ///< today; empty when it can't be read
+    std::string sha256Then; ///< empty when the import didn't hash it, as earlier versions did
+    /// Its hash is part of the folder's, which is compared as a whole.
+    bool isOfFolder = false;
+
+    bool hasChanged() const { return !sha256Then.empty() && sha256 != sha256Then; }
 };
 
 /// Where a record comes from, value by value.
@@ -86,6 +92,7 @@ struct ExplainSource {
     const TimeZone &zone;
     DateSettings dates;
     FailureLog &log;
+    bool readsContent = false; ///< contents are read and hashed again too, which takes its time
 };
 
 class EvidenceTables;
@@ -117,10 +124,16 @@ class Explainer {
                                       const std::optional<std::filesystem::path> &file,
                                       const std::string &field);
     void setState(const std::optional<std::filesystem::path> &file, RecordOrigin &origin);
+    void compareContent(UrlId id, ValueOrigin &value);
+    void addLogs(const std::filesystem::path &file, RecordOrigin &origin);
     void addFurther(const std::filesystem::path &file, RecordOrigin &origin);
+    const std::string &hashThen(const std::filesystem::path &file);
 
     ExplainSource m_source;
     std::map<std::filesystem::path, Hashed> m_hashed;
+    /// By path, SHA-256 at the import.
+    std::optional<std::map<std::string, std::string>> m_besideThen;
+    std::set<std::filesystem::path> m_ofContent; ///< of the record in hand
     std::unique_ptr<EvidenceTables> m_tables;
 };
 

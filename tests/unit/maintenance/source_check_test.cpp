@@ -3,6 +3,7 @@
 #include "db/CaseTrail.h"
 #include "db/ProjectDatabase.h"
 #include "import/ArtefactHash.h"
+#include "import/ImportTrail.h"
 #include "maintenance/SourceCheck.h"
 #include "support/TempFolder.h"
 #include "support/TestDoubles.h"
@@ -52,7 +53,19 @@ struct SourceCheckTest : testing::Test {
         entry.md5Hash = hashes.md5;
         entry.sha256Hash = hashes.sha256;
         CaseTrail(project.connection()).add(entry);
+        CaseTrail(project.connection()).add(trailEntry(ImportEnd{.hashedBeside = 0}));
         return path;
+    }
+    /// Of a file that was read beside the artefact.
+    fs::path addBeside(const std::string &name, const std::string &content) {
+        FileBeside file;
+        file.path = folder.write(name, content);
+        const FileHashes hashes = *hashesOfFile(file.path);
+        file.fileSize = hashes.size;
+        file.md5Hash = hashes.md5;
+        file.sha256Hash = hashes.sha256;
+        CaseTrail(project.connection()).add(trailEntry(file, ArtefactResult()));
+        return file.path;
     }
     SourceCheck verify() {
         test::MemoryTask task;
@@ -92,6 +105,55 @@ TEST_F(SourceCheckTest, changedGoneAndUnreadableFilesAreTold) {
     EXPECT_EQ(log.entries.size(), 1U);
     EXPECT_EQ(summaryText(check),
               "0 of 3 imported files are as they were, 1 changed, 1 gone, 1 unreadable.");
+}
+
+TEST_F(SourceCheckTest, filesThatWereReadBesideOthersAreCompared) {
+    add("History", "one");
+    const fs::path pages = addBeside("History-wal", "two");
+    const fs::path body = addBeside("f_000001", "three");
+    EXPECT_TRUE(verify().allSame());
+    folder.write("f_000001", "THREE");
+    fs::remove(pages);
+    const SourceCheck check = verify();
+    ASSERT_EQ(check.sources.size(), 3U);
+    EXPECT_EQ(check.sources[1].path, pages.string());
+    EXPECT_EQ(check.sources[1].state, SourceState::gone);
+    EXPECT_EQ(check.sources[2].path, body.string());
+    EXPECT_EQ(check.sources[2].state, SourceState::changed);
+    EXPECT_EQ(summaryText(check), "1 of 3 imported files are as they were, 1 changed, 1 gone.");
+    const std::set<fs::path> only = {body};
+    test::MemoryTask task;
+    EXPECT_EQ(verifySources(project.connection(), log, task, &only).sources.size(), 1U);
+}
+
+TEST_F(SourceCheckTest, whatWasNotHashedIsNotCalledUnchanged) {
+    add("History", "one");
+    FileBeside unread;
+    unread.path = folder.write("History-wal", "two");
+    unread.failure = "cannot read";
+    CaseTrail(project.connection()).add(trailEntry(unread, ArtefactResult()));
+    const SourceCheck check = verify();
+    EXPECT_FALSE(check.allSame());
+    EXPECT_EQ(check.count(SourceState::unknown), 1U);
+}
+
+TEST_F(SourceCheckTest, importsOfEarlierVersionsHashedNothingBeside) {
+    add("a", "one");
+    EXPECT_EQ(verify().besideUnhashed, 0U);
+    CaseTrail(project.connection()).add(trailEntry(ImportEnd{.found = 0}));
+    EXPECT_EQ(verify().besideUnhashed, 0U) << "it took nothing up";
+    TrailEntry entry;
+    entry.action = "Import";
+    entry.filePath = folder.write("b", "two").string();
+    entry.md5Hash = hashesOfFile(entry.filePath)->md5;
+    CaseTrail(project.connection()).add(entry);
+    CaseTrail(project.connection()).add(trailEntry(ImportEnd{.found = 1}));
+    const SourceCheck check = verify();
+    EXPECT_EQ(check.besideUnhashed, 1U);
+    EXPECT_EQ(summaryText(check),
+              "2 of 2 imported files are as they were. What lies beside 1 imported file (logs of "
+              "databases, blocks and bodies of caches) wasn't hashed at the import and isn't "
+              "compared.");
 }
 
 TEST_F(SourceCheckTest, aCacheThatIsAFolderIsComparedAsOne) {

@@ -1,0 +1,20 @@
+#include "import/OpenedFiles.h"
+
+#include <utility>
+
+namespace nv {
+
+int OpenedFiles::errorBefore(Step step, const std::filesystem::path &path) {
+    if (step == Step::open) {
+        const std::scoped_lock guard(m_lock);
+        m_files.insert(path);
+    }
+    return 0;
+}
+
+std::set<std::filesystem::path> OpenedFiles::take() {
+    const std::scoped_lock guard(m_lock);
+    return std::exchange(m_files, {});
+}
+
+} // namespace nv
