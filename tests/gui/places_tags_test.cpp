@@ -9,7 +9,7 @@
 #include <QPushButton>
 #include <SQLiteCpp/Database.h>
 
-// Tags among the places, and what a right click on a place does with its rows.
+// Lines and tags among the places, and what a right click on a place does with its rows.
 namespace nv {
 
 using namespace test;
@@ -22,6 +22,7 @@ class PlacesTagsTest : public QObject {
     void cleanup() { m_on.reset(); }
 
     void allTreesCanBeSeenAtFirst();
+    void linesStayUnderTheMouse();
     void tagsAreATreeOfTheirOwn();
     void countsFollowTheTags();
     void theMenuTagsByName();
@@ -92,6 +93,18 @@ void PlacesTagsTest::allTreesCanBeSeenAtFirst() {
                      tree().visualRect(placeOf(QString::fromLatin1(name)))),
                  name);
     QVERIFY(!tree().isExpanded(placeOf(QStringLiteral("Hosts"))));
+}
+
+/// The next click is aimed before the line on what is chosen comes up.
+void PlacesTagsTest::linesStayUnderTheMouse() {
+    const auto top = [this] {
+        QApplication::processEvents();
+        return tree().viewport()->mapTo(&m_on->form, QPoint()).y();
+    };
+    const int before = top();
+    click(QStringLiteral("harbour.example"));
+    QVERIFY(child<QWidget>(pane(), "btnAllPlaces").isVisible());
+    QCOMPARE(top(), before);
 }
 
 void PlacesTagsTest::tagsAreATreeOfTheirOwn() {

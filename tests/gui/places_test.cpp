@@ -37,7 +37,6 @@ class PlacesTest : public QObject {
     void theTreesCountTheRows();
     void aTextThatNoPlaceHasIsSaid();
     void aClickShowsTheRowsOfAPlaceOnly();
-    void linesStayUnderTheMouse();
     void ctrlAddsAndTakesAway();
     void keysChooseToo();
     void theMenuLeavesOutAndTicks();
@@ -156,18 +155,6 @@ void PlacesTest::aClickShowsTheRowsOfAPlaceOnly() {
     QTest::mouseClick(&child<QToolButton>(pane(), "btnAllPlaces"), Qt::LeftButton);
     QCOMPARE(rows(), 4);
     QVERIFY(child<QLabel>(pane(), "labPlaces").isHidden());
-}
-
-/// The next click is aimed before the line on what is chosen comes up.
-void PlacesTest::linesStayUnderTheMouse() {
-    const auto top = [this] {
-        QApplication::processEvents();
-        return tree().viewport()->mapTo(m_form.get(), QPoint()).y();
-    };
-    const int before = top();
-    click(QStringLiteral("harbour.example"));
-    QVERIFY(child<QWidget>(pane(), "btnAllPlaces").isVisible());
-    QCOMPARE(top(), before);
 }
 
 void PlacesTest::ctrlAddsAndTakesAway() {

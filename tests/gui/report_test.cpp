@@ -6,7 +6,7 @@
 #include "ui/reports/ReportForm.h"
 #include "ui/reports/ReportPreview.h"
 #include "ui/views/BrowserPane.h"
-#include "ui/views/TableTab.h"
+#include "ui/window/ViewerTabs.h"
 
 #include <QCheckBox>
 #include <QComboBox>
@@ -17,7 +17,6 @@
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QRadioButton>
-#include <QTabWidget>
 #include <QTest>
 #include <QWebEngineView>
 #include <SQLiteCpp/Database.h>
@@ -191,9 +190,9 @@ void ReportTest::aFinishedReportComesToTheFront() {
     make(2, [](ReportForm &form) {
         child<QLineEdit>(form, "txtReportTitle").setText(QStringLiteral("First findings"));
     });
-    QCOMPARE(child<QTabWidget>(*m_form, "viewerTabs").currentWidget()->objectName(),
-             QStringLiteral("ReportPane"));
-    QVERIFY(!child<QAbstractButton>(*m_form, "btnViewerPin").isChecked());
+    const auto &viewers = child<ViewerTabs>(*m_form, "viewerTabs");
+    QCOMPARE(viewers.currentWidget()->objectName(), QStringLiteral("ReportPane"));
+    QVERIFY(!viewers.isPinned());
     QTRY_VERIFY(shownText().contains(QStringLiteral("First findings")));
     make(2, [](ReportForm &form) {
         child<QLineEdit>(form, "txtReportTitle").setText(QStringLiteral("Second findings"));
