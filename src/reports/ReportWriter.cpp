@@ -52,7 +52,7 @@ constexpr std::string_view kLegend =
     "</ol></div>";
 
 /// What can't be told goes by the name of the first browser: reports of earlier cases read so.
-std::string_view browserOf(std::string_view cacheType) {
+std::string_view shownBrowserOf(std::string_view cacheType) {
     const RecordKind *kind = recordKind(cacheType);
     const bool isNamed =
         kind ? !kind->reportedAsInternetExplorer : groupOf(cacheType) == RecordGroup::cache;
@@ -308,7 +308,7 @@ void ReportWriter::take(const UrlRecord &record, std::size_t index) {
     user = record.User;
     status = record.Status;
     otherDate = utcCell(record.OtherDate, m_ctx.settings.dates);
-    browser = browserOf(record.cacheType);
+    browser = shownBrowserOf(record.cacheType);
     originalURL = record.URL;
     rebuiltDateTime = record.RebuiltDateTime;
     pageParentFolderName = record.CacheFolderName;
