@@ -1,4 +1,5 @@
 #include "gui/Desk.h"
+#include "platform/qt/PageGuard.h"
 #include "ui/import/ImportSummaryForm.h"
 #include "ui/reports/ReportForm.h"
 #include "ui/views/TableTab.h"
@@ -242,5 +243,11 @@ void LeavingTest::tipsComeFromTheSecondStartOn() {
 
 } // namespace nv
 
-QTEST_MAIN(nv::LeavingTest)
+int main(int argc, char **argv) {
+    nv::prepareWebEngine();
+    QApplication application(argc, argv);
+    nv::LeavingTest test;
+    return QTest::qExec(&test, argc, argv);
+}
+
 #include "leaving_test.moc"
