@@ -70,7 +70,7 @@ SearchBar::SearchBar(QWidget *parent) : QWidget(parent) {
     auto *row = new QHBoxLayout;
     row->addWidget(m_text, 3);
     row->addWidget(m_hits);
-    row->addStretch(2);
+    row->addStretch();
     // In a line of its own it is read whole, and takes no more than that from the table.
     auto *column = new QVBoxLayout(this);
     column->setContentsMargins(0, 0, 0, 0);
