@@ -1,6 +1,7 @@
 #pragma once
 
 #include "db/RebuiltParts.h"
+#include "rebuild/LocalNames.h"
 #include "unit/rebuild/RebuildFixture.h"
 
 #include <fmt/format.h>
