@@ -1,5 +1,6 @@
 #include "base/Digest.h"
 #include "cli/CliCase.h"
+#include "support/LiveHistory.h"
 #include "support/builders/ChromiumBlocks.h"
 #include "support/builders/ChromiumCache.h"
 #include "support/builders/FirefoxSiteCache.h"
@@ -37,25 +38,7 @@ class HashesBesideCliTest : public CliCase {
                    answer.requested, answer.requested});
         files.write(cache);
     }
-    /// With the last visit in its log alone.
-    void writeHistory() const {
-        const fs::path live = folder.path() / "live";
-        fs::create_directories(live);
-        fs::create_directories(history.parent_path());
-        SQLite::Database file((live / "History").string(),
-                              SQLite::OPEN_CREATE | SQLite::OPEN_READWRITE);
-        file.exec("PRAGMA journal_mode = wal");
-        file.exec("CREATE TABLE urls (id INTEGER PRIMARY KEY, url TEXT, title TEXT, visit_count "
-                  "INTEGER, typed_count INTEGER, last_visit_time INTEGER, hidden INTEGER);"
-                  "CREATE TABLE visits (id INTEGER PRIMARY KEY, url INTEGER, visit_time INTEGER, "
-                  "from_visit INTEGER, transition INTEGER, visit_duration INTEGER);"
-                  "PRAGMA wal_checkpoint(TRUNCATE);"
-                  "INSERT INTO urls VALUES (7, 'http://a.example/page', 'A page', 1, 1, "
-                  "12943324800123456, 0);"
-                  "INSERT INTO visits VALUES (3, 7, 12943324800123456, 0, 1, 0)");
-        fs::copy_file(live / "History", history);
-        fs::copy_file(live / "History-wal", log);
-    }
+    void writeHistory() const { writeLiveHistory(folder.path() / "live", history.parent_path()); }
     void forge(const fs::path &file) const {
         std::string bytes = text(file);
         bytes.replace(0, 6, "FORGED");

@@ -4,6 +4,7 @@
 #include "import/ImportTrail.h"
 #include "import/Scan.h"
 #include "readers/Registry.h"
+#include "support/LiveHistory.h"
 #include "support/Places.h"
 #include "support/TestProject.h"
 #include "support/Unprivileged.h"
@@ -12,7 +13,6 @@
 #include "support/builders/FirefoxSiteCache.h"
 #include "support/builders/SnappyFrames.h"
 
-#include <SQLiteCpp/SQLiteCpp.h>
 #include <gmock/gmock.h>
 
 #include <algorithm>
@@ -83,22 +83,8 @@ TEST_F(HashesBesideTest, filesOfABlockCacheAreHashedAndNoOthers) {
 }
 
 TEST_F(HashesBesideTest, aLogOfADatabaseIsHashed) {
-    const fs::path live = project.folder.path() / "live";
     const fs::path profile = place / "Default";
-    fs::create_directories(live);
-    fs::create_directories(profile);
-    SQLite::Database file((live / "History").string(),
-                          SQLite::OPEN_CREATE | SQLite::OPEN_READWRITE);
-    file.exec("PRAGMA journal_mode = wal");
-    file.exec("CREATE TABLE urls (id INTEGER PRIMARY KEY, url TEXT, title TEXT, visit_count "
-              "INTEGER, typed_count INTEGER, last_visit_time INTEGER, hidden INTEGER);"
-              "CREATE TABLE visits (id INTEGER PRIMARY KEY, url INTEGER, visit_time INTEGER, "
-              "from_visit INTEGER, transition INTEGER, visit_duration INTEGER);"
-              "PRAGMA wal_checkpoint(TRUNCATE);"
-              "INSERT INTO urls VALUES (7, 'http://a.example/page', 'A page', 1, 1, "
-              "12943324800123456, 0);");
-    for (const char *name : {"History", "History-wal"})
-        fs::copy_file(live / name, profile / name);
+    test::writeLiveHistory(project.folder.path() / "live", profile);
     EXPECT_THAT(imported(),
                 UnorderedElementsAre(std::pair("History-wal", hashOf(profile / "History-wal"))));
 }
