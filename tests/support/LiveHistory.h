@@ -7,7 +7,8 @@
 namespace nv::test {
 
 /// Writes Chromium's "History" of one visit as a browser at work leaves it: the visit stands in
-/// "History-wal" alone. `live` is room for the database while it is open, `profile` gets both files.
+/// "History-wal" alone. `live` is room for the database while it is open; both files go into
+/// `profile`.
 inline void writeLiveHistory(const std::filesystem::path &live,
                              const std::filesystem::path &profile) {
     std::filesystem::create_directories(live);
