@@ -19,8 +19,11 @@ bool isText(const SearchClause &clause) {
 
 } // namespace
 
-bool isBefore(Date date, const SearchClause &clause) {
-    return date.has() && date.unixSeconds() < clause.date.unixSeconds();
+bool liesInTime(Date date, const SearchClause &clause) {
+    if (!date.has())
+        return false;
+    const bool isEarlier = date.unixSeconds() < clause.date.unixSeconds();
+    return isEarlier == (clause.kind == ClauseKind::before);
 }
 
 bool isOfHost(std::string_view host, std::string_view asked) {
@@ -131,9 +134,8 @@ bool RowMatch::meetsClause(std::size_t clause, const SearchedRow &row) {
     case ClauseKind::kind:
         return isOfKind(row.cacheType, folded);
     case ClauseKind::before:
-        return isBefore(row.actionDateUTC, asked);
     case ClauseKind::after:
-        return row.actionDateUTC.has() && !isBefore(row.actionDateUTC, asked);
+        return liesInTime(row.actionDateUTC, asked);
     case ClauseKind::tag:
     case ClauseKind::hashSet:
         return std::ranges::binary_search(m_marked.at(clause), row.id);

@@ -73,8 +73,9 @@ class RowMatch {
 std::optional<TextSpan> findWords(const std::vector<std::string> &words, bool anyEnd,
                                   std::string_view text, std::size_t from = 0);
 
-/// Whether a date lies in a second before that of before: or after:.
-bool isBefore(Date date, const SearchClause &clause);
+/// What before: and after: mean: a second earlier than the one asked for, or that one and later.
+/// Without a date a row is neither.
+bool liesInTime(Date date, const SearchClause &clause);
 
 // What host:, browser: and kind: mean. `asked` has its letters folded.
 /// Coded names ("xn--...") are those that they are coded from, too.

@@ -46,15 +46,9 @@ class FactMatch {
     };
 
     static bool meets(Asked &asked, const RowFacts &row) {
-        const bool isEarlier = isBefore(row.actionDateUTC, *asked.clause);
-        switch (asked.clause->kind) {
-        case ClauseKind::before:
-            return isEarlier;
-        case ClauseKind::after:
-            return row.actionDateUTC.has() && !isEarlier;
-        default:
-            return isNamed(asked, row);
-        }
+        const ClauseKind kind = asked.clause->kind;
+        const bool isTimed = kind == ClauseKind::before || kind == ClauseKind::after;
+        return isTimed ? liesInTime(row.actionDateUTC, *asked.clause) : isNamed(asked, row);
     }
     static bool isNamed(Asked &asked, const RowFacts &row) {
         const ClauseKind kind = asked.clause->kind;
