@@ -43,7 +43,11 @@ APART = {"cli", "ui"}
 # Rooms of a layer, from the lowest to the highest: what a file includes lies in its own room or in a lower one.
 ROOMS = {
     "app": ("messages", "settings", "program", "project", "jobs", "options", ""),
-    "ui": ("views", "rebuild", "reports", "import", "maintenance", "options", "window"),
+    "db": ("schema", "sql", "records", "hashes", "project", "marks", "trail"),
+    "ui": ("widgets", "table", "viewers", "limits", "search", "tags", "queries", "gallery", "rebuild", "reports",
+           "import", "maintenance", "options", "frame", "parts", "window"),
+    "views": ("rows", "record", "hex", "links", "timeline", "limits", "tags", "table", "gallery", "queries", "overview",
+              "explain"),
 }
 
 # Folders of readers/ that are no family but help several.
@@ -67,7 +71,7 @@ LIBRARY_FOLDERS = {"gumbo.h": "src/markup/", "re2/re2.h": "src/search/", "re2/se
                    "libpsl.h": "src/address/"}
 
 CATCH_PLACES = re.compile(r"src/base/Trap\.h|src/programs/[^/]*\.cpp|src/platform/.*"
-                          r"|src/db/SqliteErrors\.(h|cpp)")
+                          r"|src/db/sql/SqliteErrors\.(h|cpp)")
 
 # Further files that may catch: each with the reason why neither trap does.
 CATCH_ALLOWED = {
