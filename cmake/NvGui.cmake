@@ -1,6 +1,8 @@
 # The windows: the sources of src/ui and of platform/qt are one target.
 find_package(Qt6 6.4 REQUIRED COMPONENTS DBus Widgets Svg WebEngineCore WebEngineWidgets)
 
+set(CMAKE_AUTOMOC_MOC_OPTIONS --include "${CMAKE_SOURCE_DIR}/cmake/MocFirst.h")
+
 file(GLOB_RECURSE sources CONFIGURE_DEPENDS "${CMAKE_SOURCE_DIR}/src/*.cpp")
 list(FILTER sources INCLUDE REGEX "/src/(ui|platform/qt)/")
 list(FILTER sources EXCLUDE REGEX "/src/platform/qt/(ImageThumbnailer|SheetPainter|ChartPainter|Page[A-Za-z]+)\\.cpp")

@@ -1,6 +1,5 @@
 #pragma once
 
-// Read first: moc takes <compare>, which dates include, only behind other standard headers.
 #include "db/records/UrlRecord.h"
 #include "views/record/Audit.h"
 
