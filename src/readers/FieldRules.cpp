@@ -23,10 +23,11 @@ const KindRules *found(std::span<const KindRules> all, const RecordKind &kind,
     return rules == all.end() ? nullptr : &*rules;
 }
 
-constexpr std::int64_t kLongNumber = 100'000'000'000; // more than seconds of any year to come
+constexpr std::int64_t kLastSecond = 253'402'300'799; // since 1970, of the year 9999
 
 bool isChromeTime(std::int64_t number) {
-    return number > kLongNumber * 100;
+    constexpr std::int64_t kLeast = 10'000'000'000'000; // of the year 1601
+    return number >= kLeast;
 }
 
 } // namespace
@@ -50,6 +51,9 @@ std::string_view wordsOf(SourceForm form) {
     case F::unixFirstTen:
         return "microseconds since 1970-01-01, UTC, of whose whole seconds the first ten "
                "characters count: here they have more, so the date is none of the event";
+    case F::storedFirstTen:
+        return "seconds or milliseconds since 1970-01-01, UTC, of which the first ten characters "
+               "count: here that is another date than the stored one";
     case F::fileTime:
         return "FILETIME: 100 nanoseconds since 1601-01-01, UTC";
     case F::fileTimeLocal:
@@ -90,7 +94,7 @@ std::string_view wordsOf(SourceForm form, std::int64_t number) {
                    ? "microseconds since 1601-01-01, UTC, told by the size of the number"
                    : "seconds since 1970-01-01, UTC, told by the size of the number";
     if (number != 0 && form == F::unixSeconds)
-        return number > kLongNumber
+        return number > kLastSecond
                    ? "milliseconds since 1970-01-01, UTC, told by the size of the number"
                    : "seconds since 1970-01-01, UTC, told by the size of the number";
     return wordsOf(form);
@@ -107,11 +111,13 @@ Date dateOf(SourceForm form, std::int64_t number) {
     case F::chromeOrUnixTime:
         return isChromeTime(number) ? chromeTimeToDate(number) : Date::fromUnixSeconds(number);
     case F::unixSeconds:
-        return Date::fromUnixSeconds(number > kLongNumber ? number / 1000 : number);
+        return Date::fromUnixSeconds(number > kLastSecond ? number / 1000 : number);
     case F::unixMicroseconds:
         return Date::fromUnixMicroseconds(number);
     case F::unixFirstTen:
-        return number == 0 ? Date() : unixSecondsToDate(number / 1'000'000);
+        return unixSecondsToDate(number / 1'000'000);
+    case F::storedFirstTen:
+        return unixSecondsToDate(number);
     case F::fileTime:
     case F::fileTimeLocal:
     case F::fileTimeMoved:

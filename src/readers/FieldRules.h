@@ -18,12 +18,13 @@ enum class SourceForm {
     chromeOrUnixTime, ///< the same, in early versions seconds since 1970, told apart by their size
     unixSeconds,      ///< or milliseconds, told apart by their size
     unixMicroseconds,
-    unixFirstTen,  ///< microseconds since 1970; of the whole seconds the first ten characters count
-    fileTime,      ///< ticks of 100 nanoseconds since 1601, UTC
-    fileTimeLocal, ///< the same of the clock on the wall
-    fileTimeMoved, ///< UTC, moved to the zone of the machine that imported
-    dosDate,       ///< a FAT date in the lower 16 bits and a FAT time in the upper ones, UTC
-    secondsOf1904, ///< since 1904, five hours off, as Internet Explorer for Macintosh has them
+    unixFirstTen, ///< microseconds since 1970; of the whole seconds the first ten characters count
+    storedFirstTen, ///< seconds or milliseconds since 1970, of which the first ten characters count
+    fileTime,       ///< ticks of 100 nanoseconds since 1601, UTC
+    fileTimeLocal,  ///< the same of the clock on the wall
+    fileTimeMoved,  ///< UTC, moved to the zone of the machine that imported
+    dosDate,        ///< a FAT date in the lower 16 bits and a FAT time in the upper ones, UTC
+    secondsOf1904,  ///< since 1904, five hours off, as Internet Explorer for Macintosh has them
     unixMilliseconds,
     truth,     ///< 0 is no, every other number yes
     hex,       ///< bytes, shown as hexadecimal digits

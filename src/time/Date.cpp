@@ -17,7 +17,8 @@ constexpr double kSecondsPerDay = 86400;
 
 Date Date::fromDays(double days) {
     Date date;
-    if (days >= kFirstDay && days < kEndDay)
+    const bool isBeforeEnd = days + earlyBy(days) / kSecondsPerDay < kEndDay; // by its second too
+    if (days >= kFirstDay && isBeforeEnd)
         date.m_days = days;
     return date;
 }
@@ -39,15 +40,18 @@ Date Date::fromUnixSeconds(std::int64_t seconds) {
     return fromDays(kUnixEpoch + static_cast<double>(seconds) / kSecondsPerDay);
 }
 
-/// The last 50 microseconds of a second are one moment: none is taken for the second that follows.
+/// The last 50 microseconds of a second, and some more in far years, are one moment: none is taken
+/// for the second that follows.
 Date Date::fromUnixMicroseconds(std::int64_t microseconds) {
     namespace c = std::chrono;
-    constexpr std::int64_t kLast = 999'950; // clear of what may be early (time/StoredDays.h)
+    constexpr double kLast = 50e-6;
+    constexpr double kClear = 3; // times what may be early (time/StoredDays.h)
     const auto second = c::floor<c::seconds>(c::microseconds(microseconds));
-    const std::int64_t part = (c::microseconds(microseconds) - second).count();
-    return fromDays(kUnixEpoch + (static_cast<double>(second.count()) +
-                                  static_cast<double>(std::min(part, kLast)) / 1e6) /
-                                     kSecondsPerDay);
+    const double days = kUnixEpoch + static_cast<double>(second.count()) / kSecondsPerDay;
+    const double part = c::duration<double>(c::microseconds(microseconds) - second).count();
+    const double end = 1 - std::max(kLast, kClear * earlyBy(days));
+    return fromDays(kUnixEpoch +
+                    (static_cast<double>(second.count()) + std::min(part, end)) / kSecondsPerDay);
 }
 
 Date Date::fromTimePoint(std::chrono::system_clock::time_point point) {

@@ -1,4 +1,5 @@
 #include "cli/CliCase.h"
+#include "support/builders/Cookies.h"
 #include "support/builders/NetAnalysisCase.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>
@@ -104,6 +105,19 @@ TEST_F(ExplainCliTest, aDateOfTheFirstTenDigitsOfADamagedStampSaysSo) {
     EXPECT_EQ(date.at("check"), "same");
     EXPECT_THAT(date.at("value").dump(), HasSubstr("2001-09-09"));
     EXPECT_THAT(date.at("rule"), HasSubstr("the date is none of the event"));
+}
+
+TEST_F(ExplainCliTest, anExpiryThatTenDigitsLoseAccusesNobody) {
+    fs::remove(history);
+    test::FirefoxCookies(history.parent_path() / "cookies.sqlite").add({.expiry = 253402300799});
+    importAll();
+    const json record = explained(1);
+    const json date = valueIn(record, "ExpiryDate");
+    EXPECT_EQ(date.at("check"), "same");
+    EXPECT_THAT(date.at("value").dump(), HasSubstr("2050-04-19"));
+    EXPECT_THAT(date.at("rule"), HasSubstr("another date than the stored one"));
+    EXPECT_THAT(valueIn(record, "expires").at("value").dump(), HasSubstr("9999-12-31"));
+    EXPECT_EQ(valueIn(record, "expires").at("check"), "same");
 }
 
 TEST_F(ExplainCliTest, noValueThatHasARuleDiffersFromItsSource) {

@@ -226,6 +226,13 @@ void addFileDates(Events &events, ExportCells &cells, std::size_t place) {
         add(C::FileLastAccessed, accessedDateFrom(kind), "Cache File Last Accessed");
 }
 
+/// Of a cookie the fact is there where the column's date is none of its own.
+bool hasExpiryOfItsOwn(const RecordKind *kind, const FactList &facts) {
+    return kind && kind->group == RecordGroup::cookies &&
+           std::ranges::any_of(facts,
+                               [](const RecordFact &fact) { return fact.name == "expires"; });
+}
+
 } // namespace
 
 std::span<const UrlColumn> eventColumns() {
@@ -246,7 +253,8 @@ std::vector<RecordEvent> eventsOf(ExportCells &cells, std::size_t place, const F
     if (!isExpiry)
         events.addColumn(cells, place, C::DateOther, other.empty() ? "Other Date" : other);
     addFileDates(events, cells, place);
-    events.addColumn(cells, place, C::ExpiryDate, "Expires");
+    if (!hasExpiryOfItsOwn(kind, facts))
+        events.addColumn(cells, place, C::ExpiryDate, "Expires");
     return events.take();
 }
 

@@ -65,6 +65,12 @@ TEST_F(ChromiumCookies, everyColumnIsAFact) {
     EXPECT_TRUE(reading.result.noted.empty());
 }
 
+TEST_F(ChromiumCookies, aSmallStampGoesByTheClockOfAllOthers) {
+    const UrlRecord &r = recordOf({.created = 1});
+    EXPECT_EQ(isoUtc(r.OtherDate), "1601-01-01T00:00:00Z");
+    EXPECT_EQ(fact(r, "created"), "1601-01-01 00:00:00.000001 [1]");
+}
+
 TEST_F(ChromiumCookies, aValueOfThisHostIsDecrypted) {
     const UrlRecord &r = recordOf({.encrypted = test::v10(cipher::kOfHost)});
     EXPECT_EQ(fact(r, "value"), "harbour light");
@@ -159,7 +165,7 @@ TEST_F(ChromiumCookies, hostileValuesAreFactsOrNothing) {
     EXPECT_EQ(fact(r, "same_site"), "99");
     EXPECT_EQ(fact(r, "source_scheme"), "-5");
     EXPECT_EQ(fact(r, "created"), "9223372036854775807");
-    EXPECT_EQ(fact(r, "last_updated"), "-1");
+    EXPECT_EQ(fact(r, "last_updated"), "1600-12-31 23:59:59.999999 [-1]");
     EXPECT_EQ(fact(r, "encrypted"), "encrypted, v10, 3 bytes");
     EXPECT_EQ(fact(reading.records()[1], "encrypted"), "");
 }

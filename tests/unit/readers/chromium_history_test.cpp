@@ -185,6 +185,23 @@ TEST_F(ChromiumHistory, keepsVisitsOfPagesThatAreGone) {
     EXPECT_EQ(reading->result.noted.at("visits of pages that are no longer listed"), 3U);
 }
 
+TEST_F(ChromiumHistory, datesThatAreNoneAreNoted) {
+    constexpr std::int64_t kYear10000 = 265046774400000000;
+    page(1, kYear10000);
+    page(2, 0);
+    page(3, chromeTime(kStamp));
+    visit(1, 1, kYear10000);
+    visit(2, 3, INT64_MAX);
+    visit(3, 3, 0);
+    visit(4, 3, kYear10000 - 1);
+    read();
+    std::uint64_t noted = 0;
+    for (const auto &[reason, count] : reading->result.noted)
+        noted += reason.find("whose stored date is none") == std::string::npos ? 0 : count;
+    EXPECT_EQ(noted, 3U) << "page 1, its visit, and visit 2";
+    EXPECT_EQ(reading->result.state, ReadState::complete);
+}
+
 TEST_F(ChromiumHistory, countsLinksThatNoRowTellsOf) {
     page(1, chromeTime(kStamp));
     visit(2, 78, chromeTime(kStamp + 1));

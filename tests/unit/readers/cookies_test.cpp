@@ -1,5 +1,6 @@
 #include "readers/chrome/profile/Cookies.h"
 #include "readers/firefox/profile/Cookies.h"
+#include "support/FactText.h"
 #include "support/SqliteHistoryReading.h"
 #include "support/builders/ChromeHistory.h"
 #include "support/builders/Cookies.h"
@@ -68,6 +69,31 @@ TEST_F(CookiesTest, aFirefoxCookieHasItsExpiryAsOtherDate) {
     EXPECT_EQ(r.OtherDateMeaning, "Expiry Date");
     EXPECT_EQ(r.Status, "Expired");
     EXPECT_EQ(reading.task.headings.at(0).title, "PARSING FIREFOX COOKIES FILE");
+}
+
+/// "Never" is often the year 9999, which ten digits can't tell.
+TEST_F(CookiesTest, anExpiryThatTenDigitsLoseIsAFactAndNoted) {
+    test::FirefoxCookies file(folder.path() / "cookies.sqlite");
+    for (const std::int64_t expiry : {kNow, kNow * 1000, 253402300799, 253402300799000,
+                                      std::int64_t{946684800000}, std::int64_t{-1}})
+        file.add({.expiry = expiry});
+    file.close();
+    reading.read(parseFirefoxCookiesFile, file.path());
+    std::vector<std::string> expiries, facts;
+    for (const UrlRecord &record : reading.records()) {
+        expiries.push_back(isoUtc(record.ExpiryDate));
+        facts.push_back(test::fact(record, "expires"));
+    }
+    const std::string shown = "2050-04-19T23:16:47Z"; // of 2534023007
+    EXPECT_EQ(expiries,
+              (std::vector<std::string>{"2011-06-15T12:00:00Z", "2011-06-15T12:00:00Z", shown,
+                                        shown, "2269-12-29T08:00:00Z", "1969-12-31T23:59:59Z"}));
+    EXPECT_EQ(facts, (std::vector<std::string>{"", "", "9999-12-31 23:59:59 [253402300799]",
+                                               "9999-12-31 23:59:59 [253402300799000]",
+                                               "2000-01-01 00:00:00 [946684800000]", ""}));
+    ASSERT_EQ(reading.result.noted.size(), 1U);
+    EXPECT_EQ(reading.result.noted.begin()->second, 3U);
+    EXPECT_EQ(reading.result.state, ReadState::complete);
 }
 
 TEST_F(CookiesTest, encryptedValuesAreNotedByTheirPrefix) {

@@ -136,6 +136,17 @@ TEST_F(FirefoxPlacesRows, aVisitWhosePageIsGoneIsARowWithoutAnAddress) {
     EXPECT_EQ(reading.result.noted.begin()->second, 3U);
 }
 
+TEST_F(FirefoxPlacesRows, aVisitWhoseDateIsNoneIsNoted) {
+    addVisits();
+    places().run("UPDATE moz_historyvisits SET visit_date = 9223372036854775807");
+    read();
+    const auto noted = std::ranges::find_if(reading.result.noted, [](const auto &each) {
+        return each.first.starts_with("visit whose stored date is none");
+    });
+    ASSERT_NE(noted, reading.result.noted.end());
+    EXPECT_EQ(noted->second, ofKind("Firefox Visit").size());
+}
+
 TEST_F(FirefoxPlacesRows, aStampBeyondTenDigitsIsNoted) {
     places().add(PlacesPage{1, "http://sound.example/"});
     places().add(PlacesVisit{1, 1, firefoxTime(9'999'999'999)});

@@ -70,6 +70,26 @@ TEST_F(EventsExportTest, datesOfTheEvidencesOwnFilesAreNoEventsOfABrowser) {
                             "IE History: Cache File Created"));
 }
 
+TEST_F(EventsExportTest, aCookieEndsWhenItsFactSays) {
+    const double tenDigits = test::daysOf({2050, 4, 19, 23, 16, 47});
+    project.add({{"URL", std::string("c.example")},
+                 {"CacheType", "Firefox Cookies"},
+                 {"ExpiryDate", tenDigits},
+                 {"OtherDate", tenDigits},
+                 {"OtherDateMeaning", "Expiry Date"}});
+    FactList facts;
+    facts.add("expires", "9999-12-31 23:59:59", std::int64_t{253402300799});
+    RecordFacts(project.db()).store(UrlId{3}, facts);
+    table.loadURLs(nobody);
+    table.sortBy(UrlColumn::Id, SortDirection::Ascending, nobody);
+    std::vector<std::string> told;
+    for (const auto &event : events())
+        if (event.at("source_long") == "Firefox Cookies")
+            told.push_back(event.at("datetime").get<std::string>() + " " +
+                           event.at("timestamp_desc").get<std::string>());
+    EXPECT_THAT(told, ElementsAre("9999-12-31T23:59:59.000000+00:00 Expires"));
+}
+
 /// What the program checks of an upload: the fields that it asks for are there and filled, the time
 /// is one, both forms of it agree, and a field keeps its type.
 TEST_F(EventsExportTest, linesHoldTheRulesOfAnUpload) {

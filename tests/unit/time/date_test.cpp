@@ -42,6 +42,22 @@ TEST(Date, holdsTheYears100To9999) {
     EXPECT_FALSE(Date::fromCivil({100, 1, 1}).plusSeconds(-1).has());
 }
 
+/// Stored days of far years are worth less than a microsecond can tell.
+TEST(Date, theLastMomentsOfAFarYearAreOfThatYear) {
+    for (const int year : {2262, 2700, 5138, 9999}) {
+        const std::int64_t last = Date::fromCivil({year, 12, 31, 23, 59, 59}).unixSeconds();
+        for (const std::int64_t part : {0, 1, 500'000, 999'700, 999'949, 999'951, 999'999}) {
+            const Date date = Date::fromUnixMicroseconds(last * 1'000'000 + part);
+            ASSERT_TRUE(date.has()) << year << ", " << part;
+            EXPECT_EQ(date.unixSeconds(), last) << year << ", " << part;
+            EXPECT_EQ(date.civil().year, year);
+        }
+    }
+    const Date end = Date::fromCivil({9999, 12, 31, 23, 59, 59});
+    EXPECT_FALSE(Date::fromUnixMicroseconds((end.unixSeconds() + 1) * 1'000'000).has());
+    EXPECT_FALSE(Date::fromDays(std::nextafter(2958466.0, 0.0)).has()) << "its second is the next";
+}
+
 TEST(Date, refusesWhatIsNoNumberOrFarOutside) {
     EXPECT_FALSE(Date::fromDays(std::nan("")).has());
     EXPECT_FALSE(Date::fromDays(std::numeric_limits<double>::infinity()).has());

@@ -71,6 +71,8 @@ class WholeHistory {
             if (typed > 0)
                 record.facts.add("typed_count", typed);
             const ListedPage *page = m_history.pages.find(record.Reference_ID);
+            if (page)
+                noteUnreadDate(record, page->lastVisit);
             if (!page || page->visit == ListedPage::kNoVisit)
                 return;
             const StoredVisit &visit = m_history.visits.visits()[page->visit];
@@ -105,7 +107,9 @@ class WholeHistory {
                           kChromeVisit.word, m_fileCreated);
         if (page)
             record.WebpageTitle = page->title;
-        record.ActionDateUTC = chromeMoment(visit.time == StoredVisit::kNothing ? 0 : visit.time);
+        const std::int64_t time = visit.time == StoredVisit::kNothing ? 0 : visit.time;
+        record.ActionDateUTC = chromeMoment(time);
+        noteUnreadDate(record, time);
         record.LastVisited = record.ActionDateUTC;
         record.ActionDateLocal = utcDateToLocal(record.ActionDateUTC, m_ctx.clock);
         record.Referrer = m_history.referrerOf(visit);
@@ -120,6 +124,13 @@ class WholeHistory {
             ++m_further.noted["visits of pages that are no longer listed"];
         }
         m_ctx.sink.save(record);
+    }
+
+    /// 0 stands for what never happened; another number that is no date was a date once.
+    void noteUnreadDate(const UrlRecord &record, std::optional<std::int64_t> stored) {
+        if (!record.ActionDateUTC.has() && stored.value_or(0) != 0)
+            ++m_further.noted["pages and visits whose stored date is none of the years 100 to "
+                              "9999, so without one"];
     }
 
     ReadResult cancelled(ReadResult result) {

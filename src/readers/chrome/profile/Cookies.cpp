@@ -12,7 +12,7 @@
 #include "readers/chrome/Kinds.h"
 #include "readers/chrome/profile/ValueCipher.h"
 #include "readers/chrome/shared/MetaTable.h"
-#include "readers/chrome/shared/Stamps.h"
+#include "readers/chrome/shared/StoredDate.h"
 #include "readers/sqlite/CookieRow.h"
 #include "readers/sqlite/SchemaVersion.h"
 #include "readers/sqlite/SqliteReading.h"
@@ -119,8 +119,8 @@ class CookieFacts {
                 row.number(kSourceScheme));
         if (const auto port = row.number(kSourcePort); port.value_or(-1) >= 0)
             facts.add("source_port", *port);
-        addStamp(facts, "created", row.number(kCreation));
-        addStamp(facts, "last_updated", row.number(kLastUpdate));
+        addChromeDate(facts, "created", row.number(kCreation));
+        addChromeDate(facts, "last_updated", row.number(kLastUpdate));
         addValue(facts, row);
         addSource(facts, "cookies", rowId);
     }

@@ -6,7 +6,9 @@
 
 #include "readers/firefox/profile/Cookies.h"
 
+#include "readers/FactDate.h"
 #include "readers/FactSource.h"
+#include "readers/FieldRules.h"
 #include "readers/firefox/Kinds.h"
 #include "readers/firefox/ProfileValues.h"
 #include "readers/sqlite/CookieRow.h"
@@ -74,12 +76,26 @@ Date dateOf(const Row &row, std::size_t column) {
     return stored == 0 ? Date() : unixSecondsToDate(stored);
 }
 
+constexpr const char *kBeyondTen =
+    "cookie whose stored expiry doesn't have ten digits of seconds: the Expiry Date by the first "
+    "ten is none of the cookie's, which fact \"expires\" tells";
+
+/// Adds the expiry where its first ten digits give another date.
+bool addLostExpiry(FactList &facts, std::int64_t stored) {
+    const Date expiry = dateOf(SourceForm::unixSeconds, stored);
+    const bool isLost = stored != 0 && expiry != unixSecondsToDate(stored);
+    if (isLost)
+        facts.add("expires", factDate(expiry), stored);
+    return isLost;
+}
+
 } // namespace
 
 ReadResult parseFirefoxCookiesFile(ReadContext &ctx) {
     return readSqliteFile(ctx, kReader, [&ctx](EvidenceDatabase &database) {
         const Date fileCreated = ctx.evidence.factsOf(ctx.file.fullPath).created;
         noteSchemaVersion(ctx, "cookies", userVersion(database));
+        std::uint64_t beyondTen = 0;
         const auto save = [&](std::int64_t id, const Row &row) {
             UrlRecord record = cookieRecord(ctx,
                                             {row.text(kHost), row.text(kName), row.text(kValue),
@@ -91,10 +107,15 @@ ReadResult parseFirefoxCookiesFile(ReadContext &ctx) {
             if (!ctx.classicOnly) {
                 addSource(record.facts, kTable, id);
                 addFacts(record.facts, row);
+                if (addLostExpiry(record.facts, row.number(kExpiry).value_or(0)))
+                    ++beyondTen;
             }
             ctx.sink.save(record);
         };
-        return mainRows(database, kTable, kColumns, ctx, kReader.procedure, save);
+        ReadResult result = mainRows(database, kTable, kColumns, ctx, kReader.procedure, save);
+        if (beyondTen > 0)
+            result.noted[kBeyondTen] = beyondTen;
+        return result;
     });
 }
 

@@ -56,6 +56,7 @@ bool saveVisits(ReadContext &ctx, PlacesPages &pages, const PlacesDownloads &dow
     const auto total = static_cast<double>(pages.visits().size());
     double done = 0;
     std::uint64_t unlisted = 0;
+    std::uint64_t undated = 0;
     for (const PlaceVisit &visit : pages.visits()) {
         if (!ctx.task.advance(done++ / total)) {
             result.state = ReadState::cancelled;
@@ -67,12 +68,17 @@ bool saveVisits(ReadContext &ctx, PlacesPages &pages, const PlacesDownloads &dow
             UrlRecord record = visitRecord(ctx, visit, pages, downloads, fileCreated);
             ctx.sink.save(record);
             unlisted += isListed(pages.find(visit.place)) ? 0 : 1;
+            if (!record.ActionDateUTC.has() && PlaceVisit::known(visit.date).value_or(0) != 0)
+                ++undated;
         });
     }
     if (trap.failed() > 0)
         result.passedOver["damaged visit"] += trap.failed();
     if (unlisted > 0)
         result.noted["visit of a page that is no longer listed, so without its address"] = unlisted;
+    if (undated > 0)
+        result.noted["visit whose stored date is none of the years 100 to 9999, so without one"] =
+            undated;
     return true;
 }
 
