@@ -25,8 +25,8 @@ NAMED = re.compile(r"`([\w./-]+\.(?:h|cpp|py)|(?:src|tests|tools|scripts|docs)/[
 MADE_UP = re.compile(r"foo[-_A-Z/]|Foo[A-Z]|CountCommand|count_cli|/PAGE\b")
 
 # (where the list stands, its keys, the page that tells what each is).
-LISTED = [("src/views/UrlColumns.cpp", re.compile(r'"(COL_URL_\w+)"'), "docs/guide/table.md"),
-          ("src/views/FieldNames.cpp", re.compile(r'\{C::\w+, "(\w+)"\}'), "docs/guide/table.md")]
+LISTED = [("src/views/rows/UrlColumns.cpp", re.compile(r'"(COL_URL_\w+)"'), "docs/guide/table.md"),
+          ("src/views/rows/FieldNames.cpp", re.compile(r'\{C::\w+, "(\w+)"\}'), "docs/guide/table.md")]
 
 
 def list_faults(names):

@@ -67,7 +67,7 @@ LIBRARY_FOLDERS = {"gumbo.h": "src/markup/", "re2/re2.h": "src/search/", "re2/se
                    "libpsl.h": "src/address/"}
 
 CATCH_PLACES = re.compile(r"src/base/Trap\.h|src/programs/[^/]*\.cpp|src/platform/.*"
-                          r"|src/db/SqliteErrors\.(h|cpp)")
+                          r"|src/db/sql/SqliteErrors\.(h|cpp)")
 
 # Further files that may catch: each with the reason why neither trap does.
 CATCH_ALLOWED = {

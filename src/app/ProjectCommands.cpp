@@ -10,9 +10,9 @@
 #include "base/Files.h"
 #include "base/Text.h"
 #include "base/Trap.h"
-#include "db/SideFiles.h"
-#include "db/StoredQueries.h"
-#include "reports/ExportFile.h"
+#include "db/project/StoredQueries.h"
+#include "db/sql/SideFiles.h"
+#include "reports/exports/ExportFile.h"
 
 #include <fmt/format.h>
 

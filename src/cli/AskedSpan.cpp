@@ -1,7 +1,7 @@
 #include "cli/AskedSpan.h"
 
 #include "cli/UsageError.h"
-#include "views/TypedSpan.h"
+#include "views/limits/TypedSpan.h"
 
 #include <fmt/format.h>
 

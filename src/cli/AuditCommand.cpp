@@ -8,7 +8,7 @@
 #include "rebuild/Harvest.h"
 #include "rebuild/RebuildMethod.h"
 #include "time/DateFormat.h"
-#include "views/Audit.h"
+#include "views/record/Audit.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>
 #include <fmt/format.h>

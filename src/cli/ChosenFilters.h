@@ -1,6 +1,6 @@
 #pragma once
 
-#include "views/RecordFilters.h"
+#include "views/rows/RecordFilters.h"
 
 #include <string>
 #include <vector>

@@ -3,8 +3,8 @@
 #include "base/Base64.h"
 #include "base/Text.h"
 #include "readers/ContentProbe.h"
-#include "reports/Html.h"
-#include "views/CellText.h"
+#include "reports/report/Html.h"
+#include "views/rows/CellText.h"
 
 #include <fmt/format.h>
 

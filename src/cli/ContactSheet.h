@@ -1,7 +1,7 @@
 #pragma once
 
 #include "base/ByteView.h"
-#include "views/Gallery.h"
+#include "views/gallery/Gallery.h"
 
 #include <functional>
 #include <string>

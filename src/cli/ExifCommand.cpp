@@ -3,7 +3,7 @@
 #include "cli/RowContent.h"
 #include "cli/Session.h"
 #include "cli/SharedArguments.h"
-#include "views/Exif.h"
+#include "views/record/Exif.h"
 
 #include <fmt/format.h>
 

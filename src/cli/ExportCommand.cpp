@@ -12,7 +12,7 @@
 #include "cli/OutputPath.h"
 #include "cli/Session.h"
 #include "cli/SharedArguments.h"
-#include "reports/ExportRows.h"
+#include "reports/exports/ExportRows.h"
 
 #include <fmt/format.h>
 

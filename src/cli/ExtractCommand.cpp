@@ -7,10 +7,10 @@
 #include "cli/RowCheck.h"
 #include "cli/Session.h"
 #include "cli/SharedArguments.h"
-#include "db/RecordStore.h"
+#include "db/records/RecordStore.h"
 #include "maintenance/SourceCheck.h"
 #include "readers/CachedBody.h"
-#include "reports/ExportFile.h"
+#include "reports/exports/ExportFile.h"
 #include "views/explain/ContentCheck.h"
 
 #include <fmt/format.h>

@@ -2,7 +2,7 @@
 
 #include "import/HistoryFiles.h"
 #include "import/ScanGaps.h"
-#include "views/FoundTree.h"
+#include "views/overview/FoundTree.h"
 
 #include <string>
 

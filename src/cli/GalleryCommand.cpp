@@ -12,8 +12,8 @@
 #include "cli/SharedArguments.h"
 #include "cli/SheetPicture.h"
 #include "platform/posix/SheetFile.h"
-#include "reports/ExportFile.h"
-#include "views/Gallery.h"
+#include "reports/exports/ExportFile.h"
+#include "views/gallery/Gallery.h"
 
 #include <fmt/format.h>
 

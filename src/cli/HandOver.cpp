@@ -5,9 +5,9 @@
 #include "base/Unfinished.h"
 #include "cli/Session.h"
 #include "rebuild/LocalNames.h"
-#include "reports/ExportFile.h"
-#include "reports/PartsInside.h"
-#include "reports/SafePage.h"
+#include "reports/exports/ExportFile.h"
+#include "reports/pages/PartsInside.h"
+#include "reports/pages/SafePage.h"
 
 #include <fmt/format.h>
 

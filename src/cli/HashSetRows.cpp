@@ -4,7 +4,7 @@
 #include "cli/RowWriter.h"
 #include "cli/Session.h"
 #include "cli/UsageError.h"
-#include "db/FoundHashSets.h"
+#include "db/hashes/FoundHashSets.h"
 
 #include <fmt/format.h>
 

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "cli/Argument.h"
-#include "views/UrlTable.h"
+#include "views/table/UrlTable.h"
 
 #include <string>
 #include <vector>

@@ -7,7 +7,7 @@
 #include "cli/Commands.h"
 #include "cli/Session.h"
 #include "cli/SharedArguments.h"
-#include "db/HashSets.h"
+#include "db/hashes/HashSets.h"
 #include "time/DateFormat.h"
 
 #include <fmt/format.h>

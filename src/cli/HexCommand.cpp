@@ -6,8 +6,8 @@
 #include "cli/RowCheck.h"
 #include "cli/Session.h"
 #include "cli/SharedArguments.h"
-#include "views/HexFind.h"
-#include "views/HexSource.h"
+#include "views/hex/HexFind.h"
+#include "views/hex/HexSource.h"
 
 #include <fmt/format.h>
 

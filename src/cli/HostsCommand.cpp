@@ -3,7 +3,7 @@
 #include "cli/LoadedTable.h"
 #include "cli/Session.h"
 #include "cli/SharedArguments.h"
-#include "views/Hosts.h"
+#include "views/limits/Hosts.h"
 
 namespace nv::cli {
 

@@ -21,10 +21,10 @@
 #include "cli/OutputPath.h"
 #include "cli/Session.h"
 #include "cli/SharedArguments.h"
-#include "db/StoredQueries.h"
+#include "db/project/StoredQueries.h"
 #include "import/Scan.h"
 #include "readers/Registry.h"
-#include "views/FoundTree.h"
+#include "views/overview/FoundTree.h"
 
 #include <fmt/format.h>
 #include <fmt/ranges.h>

@@ -6,7 +6,7 @@
 #include "cli/SearchedRows.h"
 #include "cli/Session.h"
 #include "cli/SharedArguments.h"
-#include "db/SqliteErrors.h"
+#include "db/sql/SqliteErrors.h"
 #include "search/SearchedRowReader.h"
 
 #include <fmt/format.h>

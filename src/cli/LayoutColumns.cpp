@@ -3,8 +3,8 @@
 #include "app/project/Project.h"
 #include "cli/Session.h"
 #include "cli/UsageError.h"
-#include "db/ProjectFields.h"
-#include "views/LayoutBook.h"
+#include "db/project/ProjectFields.h"
+#include "views/table/LayoutBook.h"
 
 #include <fmt/format.h>
 #include <fmt/ranges.h>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "views/UrlColumns.h"
+#include "views/rows/UrlColumns.h"
 
 #include <string>
 #include <vector>

@@ -8,7 +8,7 @@
 #include "cli/NamedTagRows.h"
 #include "cli/Session.h"
 #include "cli/SharedArguments.h"
-#include "views/LayoutBook.h"
+#include "views/table/LayoutBook.h"
 
 #include <algorithm>
 

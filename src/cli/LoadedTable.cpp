@@ -5,7 +5,7 @@
 #include "base/Text.h"
 #include "cli/RowWriter.h"
 #include "cli/Session.h"
-#include "db/StoredQueries.h"
+#include "db/project/StoredQueries.h"
 
 #include <fmt/format.h>
 #include <fmt/ranges.h>

@@ -2,7 +2,7 @@
 
 #include "cli/Exit.h"
 #include "cli/SharedArguments.h"
-#include "views/UrlTable.h"
+#include "views/table/UrlTable.h"
 
 #include <string>
 

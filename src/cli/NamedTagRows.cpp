@@ -3,7 +3,7 @@
 #include "cli/RowWriter.h"
 #include "cli/Session.h"
 #include "cli/UsageError.h"
-#include "db/NamedTags.h"
+#include "db/marks/NamedTags.h"
 
 #include <fmt/format.h>
 

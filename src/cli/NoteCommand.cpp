@@ -7,7 +7,7 @@
 #include "cli/Session.h"
 #include "cli/SharedArguments.h"
 #include "time/DateFormat.h"
-#include "views/Notes.h"
+#include "views/tags/Notes.h"
 
 #include <fmt/format.h>
 

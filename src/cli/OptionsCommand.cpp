@@ -8,9 +8,9 @@
 #include "cli/Commands.h"
 #include "cli/Session.h"
 #include "cli/SharedArguments.h"
-#include "db/ProjectFields.h"
-#include "db/ReadOnlyConnection.h"
-#include "views/MovedEvidence.h"
+#include "db/project/ProjectFields.h"
+#include "db/sql/ReadOnlyConnection.h"
+#include "views/limits/MovedEvidence.h"
 
 #include <SQLiteCpp/Database.h>
 #include <fmt/format.h>

@@ -4,7 +4,7 @@
 #include "app/project/EvidenceFolders.h"
 #include "cli/Session.h"
 #include "readers/Evidence.h"
-#include "reports/ExportFile.h"
+#include "reports/exports/ExportFile.h"
 
 namespace nv::cli {
 

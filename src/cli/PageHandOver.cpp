@@ -5,9 +5,9 @@
 #include "base/Text.h"
 #include "cli/Session.h"
 #include "rebuild/LocalNames.h"
-#include "reports/PartsInside.h"
+#include "reports/pages/PartsInside.h"
 #include "reports/warc/WarcWriter.h"
-#include "views/Audit.h"
+#include "views/record/Audit.h"
 
 #include <fmt/format.h>
 

@@ -3,7 +3,7 @@
 #include "app/jobs/RebuildJob.h"
 #include "cli/Exit.h"
 #include "cli/HandOver.h"
-#include "views/UnreadRows.h"
+#include "views/rows/UnreadRows.h"
 
 #include <cstddef>
 #include <filesystem>

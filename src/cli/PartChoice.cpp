@@ -5,8 +5,8 @@
 #include "base/Text.h"
 #include "cli/RowCheck.h"
 #include "cli/UsageError.h"
-#include "db/BindId.h"
-#include "db/RebuiltParts.h"
+#include "db/marks/RebuiltParts.h"
+#include "db/sql/BindId.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>
 #include <fmt/format.h>

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "app/program/Program.h"
-#include "db/Ids.h"
+#include "db/schema/Ids.h"
 
 #include <string_view>
 

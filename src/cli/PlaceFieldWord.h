@@ -1,6 +1,6 @@
 #pragma once
 
-#include "views/PlaceLimit.h"
+#include "views/limits/PlaceLimit.h"
 
 #include <string_view>
 

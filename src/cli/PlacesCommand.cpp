@@ -4,7 +4,7 @@
 #include "cli/PlaceFieldWord.h"
 #include "cli/Session.h"
 #include "cli/SharedArguments.h"
-#include "views/Places.h"
+#include "views/limits/Places.h"
 
 namespace nv::cli {
 

@@ -6,10 +6,10 @@
 #include "cli/ReadProject.h"
 #include "cli/Session.h"
 #include "cli/SharedArguments.h"
-#include "db/ReadOnlyConnection.h"
-#include "db/StoredQueries.h"
-#include "views/QueryCommands.h"
-#include "views/QueryMessages.h"
+#include "db/project/StoredQueries.h"
+#include "db/sql/ReadOnlyConnection.h"
+#include "views/queries/QueryCommands.h"
+#include "views/queries/QueryMessages.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>
 #include <fmt/format.h>

@@ -5,10 +5,10 @@
 #include "cli/ReadProject.h"
 #include "cli/Session.h"
 #include "cli/SharedArguments.h"
-#include "db/Dialect.h"
-#include "db/ReadOnlyConnection.h"
-#include "db/StoredQueries.h"
-#include "views/StatementWatch.h"
+#include "db/project/StoredQueries.h"
+#include "db/sql/Dialect.h"
+#include "db/sql/ReadOnlyConnection.h"
+#include "views/rows/StatementWatch.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>
 

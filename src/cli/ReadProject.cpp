@@ -4,7 +4,7 @@
 #include "app/project/Project.h"
 #include "base/Files.h"
 #include "cli/Session.h"
-#include "db/ReadOnlyConnection.h"
+#include "db/sql/ReadOnlyConnection.h"
 
 #include <SQLiteCpp/Database.h>
 #include <fmt/format.h>

@@ -14,7 +14,7 @@
 #include "cli/SharedArguments.h"
 #include "rebuild/Harvest.h"
 #include "rebuild/LocalNames.h"
-#include "views/Audit.h"
+#include "views/record/Audit.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>
 #include <fmt/format.h>

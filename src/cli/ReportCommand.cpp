@@ -12,9 +12,9 @@
 #include "cli/ReportedRows.h"
 #include "cli/Session.h"
 #include "cli/SharedArguments.h"
-#include "reports/PictureKind.h"
-#include "reports/PublishReport.h"
 #include "reports/case/RedactedHosts.h"
+#include "reports/pages/PictureKind.h"
+#include "reports/report/PublishReport.h"
 
 #include <fmt/format.h>
 

@@ -8,7 +8,7 @@
 #include "cli/NamedTagRows.h"
 #include "cli/SearchedRows.h"
 #include "cli/Session.h"
-#include "views/TypedSpan.h"
+#include "views/limits/TypedSpan.h"
 
 #include <fmt/format.h>
 #include <fmt/ranges.h>

@@ -2,7 +2,7 @@
 
 #include "cli/HashSetRows.h"
 #include "cli/SharedArguments.h"
-#include "views/IdLoader.h"
+#include "views/rows/IdLoader.h"
 
 #include <optional>
 #include <string>

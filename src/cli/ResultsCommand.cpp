@@ -4,7 +4,7 @@
 #include "cli/ReadProject.h"
 #include "cli/Session.h"
 #include "cli/SharedArguments.h"
-#include "db/SearchResults.h"
+#include "db/marks/SearchResults.h"
 #include "time/DateFormat.h"
 
 #include <SQLiteCpp/Database.h>

@@ -5,8 +5,8 @@
 #include "app/project/Project.h"
 #include "base/Files.h"
 #include "cli/Session.h"
-#include "db/BindId.h"
-#include "db/Damage.h"
+#include "db/sql/BindId.h"
+#include "db/sql/Damage.h"
 #include "rebuild/Harvest.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "db/Ids.h"
+#include "db/schema/Ids.h"
 
 #include <cstdint>
 #include <functional>

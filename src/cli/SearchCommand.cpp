@@ -7,7 +7,7 @@
 #include "cli/SharedArguments.h"
 #include "search/SearchedRowReader.h"
 #include "time/DateFormat.h"
-#include "views/SearchValues.h"
+#include "views/limits/SearchValues.h"
 
 #include <fmt/format.h>
 

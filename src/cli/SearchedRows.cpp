@@ -6,7 +6,7 @@
 #include "base/Trap.h"
 #include "cli/RowWriter.h"
 #include "cli/Session.h"
-#include "views/UnreadRows.h"
+#include "views/rows/UnreadRows.h"
 
 #include <fmt/format.h>
 

@@ -2,7 +2,7 @@
 
 #include "cli/Argument.h"
 #include "cli/RowWriter.h"
-#include "views/FieldNames.h"
+#include "views/rows/FieldNames.h"
 
 namespace nv::cli {
 

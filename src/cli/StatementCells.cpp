@@ -1,9 +1,9 @@
 #include "cli/StatementCells.h"
 
 #include "base/Text.h"
-#include "db/Schema.h"
-#include "db/UrlRecord.h"
-#include "views/StoredCell.h"
+#include "db/records/UrlRecord.h"
+#include "db/schema/Schema.h"
+#include "views/rows/StoredCell.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>
 

@@ -5,7 +5,7 @@
 #include "cli/RowWriter.h"
 #include "cli/Session.h"
 #include "cli/SharedArguments.h"
-#include "reports/ImportPage.h"
+#include "reports/report/ImportPage.h"
 #include "time/DateFormat.h"
 
 #include <nlohmann/json.hpp>

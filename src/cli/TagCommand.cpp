@@ -11,10 +11,10 @@
 #include "cli/RowWriter.h"
 #include "cli/Session.h"
 #include "cli/SharedArguments.h"
-#include "db/Damage.h"
-#include "db/Dialect.h"
-#include "db/ReadOnlyConnection.h"
-#include "views/Tagging.h"
+#include "db/sql/Damage.h"
+#include "db/sql/Dialect.h"
+#include "db/sql/ReadOnlyConnection.h"
+#include "views/tags/Tagging.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>
 #include <fmt/ranges.h>

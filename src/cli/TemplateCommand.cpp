@@ -9,7 +9,7 @@
 #include "cli/Session.h"
 #include "cli/SharedArguments.h"
 #include "cli/UsageError.h"
-#include "db/RecordTags.h"
+#include "db/marks/RecordTags.h"
 #include "rebuild/Harvest.h"
 #include "rebuild/LocalNames.h"
 #include "rebuild/TemplateList.h"

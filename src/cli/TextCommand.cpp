@@ -3,7 +3,7 @@
 #include "cli/RowContent.h"
 #include "cli/Session.h"
 #include "cli/SharedArguments.h"
-#include "views/CachedText.h"
+#include "views/record/CachedText.h"
 
 #include <fmt/format.h>
 

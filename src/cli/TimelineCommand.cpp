@@ -11,9 +11,9 @@
 #include "cli/Session.h"
 #include "cli/SharedArguments.h"
 #include "cli/TimelineJson.h"
-#include "reports/ExportFile.h"
+#include "reports/exports/ExportFile.h"
 #include "time/ExactZone.h"
-#include "views/TimelineChart.h"
+#include "views/timeline/TimelineChart.h"
 
 #include <fmt/format.h>
 

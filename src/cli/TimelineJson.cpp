@@ -1,6 +1,6 @@
 #include "cli/TimelineJson.h"
 
-#include "views/TimelineChart.h"
+#include "views/timeline/TimelineChart.h"
 
 #include <nlohmann/json.hpp>
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "views/Timeline.h"
+#include "views/timeline/Timeline.h"
 
 #include <string>
 #include <vector>

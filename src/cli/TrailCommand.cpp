@@ -1,8 +1,8 @@
 #include "cli/Commands.h"
 #include "cli/Session.h"
 #include "cli/SharedArguments.h"
-#include "db/CaseTrail.h"
-#include "db/ReadOnlyConnection.h"
+#include "db/sql/ReadOnlyConnection.h"
+#include "db/trail/CaseTrail.h"
 #include "time/DateFormat.h"
 
 #include <SQLiteCpp/Database.h>

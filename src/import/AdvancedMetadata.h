@@ -1,8 +1,8 @@
 #pragma once
 
 #include "base/FailureLog.h"
-#include "db/RecordStore.h"
-#include "db/UrlRecord.h"
+#include "db/records/RecordStore.h"
+#include "db/records/UrlRecord.h"
 #include "import/PageContent.h"
 #include "import/SavedContent.h"
 

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "base/FailureLog.h"
-#include "db/UrlRecord.h"
+#include "db/records/UrlRecord.h"
 #include "import/SavedContent.h"
 
 #include <string>
@@ -32,7 +32,7 @@ class Categories {
     Categories(Signatures signatures, FailureLog &log) : m_signatures(signatures), m_log(log) {}
 
     /// Decides without changing the record's words, and leaves cookies what their reader called
-    /// them; its names must be in order (orderNames() in db/RecordNames.h). Cached content that
+    /// them; its names must be in order (orderNames() in db/records/RecordNames.h). Cached content that
     /// can't be read is logged, and the name decides.
     Verdict verdictOn(const UrlRecord &record, SavedContent &content) const;
     /// Whether it takes a look at the content for that.

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "base/KeyedList.h"
-#include "db/HistoryFile.h"
+#include "db/records/HistoryFile.h"
 
 namespace nv {
 

@@ -1,7 +1,7 @@
 #include "import/ImportSink.h"
 
 #include "base/Trap.h"
-#include "db/RecordNames.h"
+#include "db/records/RecordNames.h"
 #include "readers/Scratch.h"
 
 #include <chrono>

@@ -1,9 +1,9 @@
 #pragma once
 
 #include "base/Workers.h"
-#include "db/HashLookup.h"
-#include "db/RecordStore.h"
-#include "db/WriteBatch.h"
+#include "db/hashes/HashLookup.h"
+#include "db/records/RecordStore.h"
+#include "db/sql/WriteBatch.h"
 #include "import/AskedKinds.h"
 #include "import/ImportSummary.h"
 #include "import/RecordLook.h"

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "db/HistoryFile.h"
+#include "db/records/HistoryFile.h"
 #include "import/RowsByKind.h"
 #include "import/ScanGaps.h"
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "db/CaseTrail.h"
+#include "db/trail/CaseTrail.h"
 #include "import/ImportSettings.h"
 #include "import/ImportSummary.h"
 

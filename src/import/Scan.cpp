@@ -4,7 +4,7 @@
 #include "base/Files.h"
 #include "base/Text.h"
 #include "base/Trap.h"
-#include "db/SideFiles.h"
+#include "db/sql/SideFiles.h"
 #include "import/ArtefactHash.h"
 #include "import/FileMask.h"
 #include "import/FolderList.h"

@@ -1,6 +1,6 @@
 #include "maintenance/ProjectLock.h"
 
-#include "db/SqliteErrors.h"
+#include "db/sql/SqliteErrors.h"
 
 #include <fmt/format.h>
 #include <sqlite3.h>

@@ -1,8 +1,8 @@
 #include "maintenance/ProjectShape.h"
 
 #include "base/Text.h"
-#include "db/Dialect.h"
-#include "db/SqlTokens.h"
+#include "db/sql/Dialect.h"
+#include "db/sql/SqlTokens.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>
 

@@ -2,8 +2,8 @@
 
 #include "base/NoLog.h"
 #include "base/Trap.h"
-#include "db/Dialect.h"
-#include "db/StoredQueries.h"
+#include "db/project/StoredQueries.h"
+#include "db/sql/Dialect.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>
 #include <fmt/format.h>

@@ -1,8 +1,8 @@
 #include "maintenance/SchemaScan.h"
 
 #include "base/Text.h"
-#include "db/Dialect.h"
-#include "db/Schema.h"
+#include "db/schema/Schema.h"
+#include "db/sql/Dialect.h"
 #include "maintenance/StatusText.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>

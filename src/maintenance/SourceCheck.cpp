@@ -6,7 +6,7 @@
 #include "base/Paths.h"
 #include "base/Text.h"
 #include "base/Trap.h"
-#include "db/CaseTrail.h"
+#include "db/trail/CaseTrail.h"
 #include "import/ArtefactHash.h"
 #include "import/ImportTrail.h"
 #include "readers/Evidence.h"

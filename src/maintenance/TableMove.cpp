@@ -2,7 +2,7 @@
 
 #include "base/Files.h"
 #include "base/Text.h"
-#include "db/Dialect.h"
+#include "db/sql/Dialect.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>
 #include <fmt/format.h>

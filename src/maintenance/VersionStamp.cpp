@@ -1,6 +1,6 @@
 #include "maintenance/VersionStamp.h"
 
-#include "db/ProjectFields.h"
+#include "db/project/ProjectFields.h"
 
 #include <fmt/format.h>
 

@@ -3,7 +3,7 @@
 #include "cli/Grammar.h"
 #include "cli/RowWriter.h"
 #include "cli/Session.h"
-#include "db/SqlTokens.h"
+#include "db/sql/SqlTokens.h"
 #include "platform/posix/BigBlocks.h"
 
 #include <filesystem>

@@ -10,9 +10,9 @@
 #include "platform/qt/PageGuard.h"
 #include "platform/qt/QtExaminer.h"
 #include "platform/qt/QtText.h"
+#include "ui/frame/SplashForm.h"
+#include "ui/frame/StatusForm.h"
 #include "ui/window/MainForm.h"
-#include "ui/window/SplashForm.h"
-#include "ui/window/StatusForm.h"
 
 #include <QThread>
 #include <QWindow>

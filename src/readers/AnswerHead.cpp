@@ -1,6 +1,6 @@
 #include "readers/AnswerHead.h"
 
-#include "db/UrlRecord.h"
+#include "db/records/UrlRecord.h"
 #include "readers/HttpHeaders.h"
 
 #include <variant>

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "base/FailureLog.h"
-#include "db/UrlRecord.h"
+#include "db/records/UrlRecord.h"
 #include "readers/Body.h"
 #include "readers/Evidence.h"
 #include "readers/Reader.h"

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "db/FactList.h"
+#include "db/records/FactList.h"
 #include "time/DateFormat.h"
 
 #include <fmt/format.h>

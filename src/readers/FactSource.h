@@ -1,6 +1,6 @@
 #pragma once
 
-#include "db/FactList.h"
+#include "db/records/FactList.h"
 
 #include <cstdint>
 #include <string>

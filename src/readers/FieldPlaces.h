@@ -1,7 +1,7 @@
 #pragma once
 
 #include "base/ByteView.h"
-#include "db/UrlRecord.h"
+#include "db/records/UrlRecord.h"
 #include "readers/Evidence.h"
 #include "readers/FieldRules.h"
 #include "readers/sqlite/CellBytes.h"

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "db/HistoryFile.h"
+#include "db/records/HistoryFile.h"
 #include "readers/BrowserPlaces.h"
 
 #include <string_view>

@@ -4,8 +4,8 @@
 #include "base/Clock.h"
 #include "base/FailureLog.h"
 #include "base/TaskMonitor.h"
-#include "db/HistoryFile.h"
-#include "db/UrlRecord.h"
+#include "db/records/HistoryFile.h"
+#include "db/records/UrlRecord.h"
 #include "readers/Evidence.h"
 
 #include <cstdint>

@@ -5,8 +5,8 @@
 #include "base/Storage.h"
 #include "base/Text.h"
 #include "base/Trap.h"
-#include "db/BindId.h"
-#include "db/SqliteErrors.h"
+#include "db/sql/BindId.h"
+#include "db/sql/SqliteErrors.h"
 #include "rebuild/Harvest.h"
 #include "rebuild/LocalNames.h"
 

@@ -2,9 +2,9 @@
 
 #include "base/Text.h"
 #include "base/Trap.h"
-#include "db/BindId.h"
-#include "db/Savepoint.h"
-#include "db/SqliteErrors.h"
+#include "db/sql/BindId.h"
+#include "db/sql/Savepoint.h"
+#include "db/sql/SqliteErrors.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>
 #include <fmt/format.h>

@@ -2,7 +2,7 @@
 
 #include "base/FailureLog.h"
 #include "base/TaskMonitor.h"
-#include "db/RecordStore.h"
+#include "db/records/RecordStore.h"
 #include "readers/CachedBody.h"
 #include "rebuild/RebuildMethod.h"
 #include "rebuild/TagScan.h"

@@ -1,7 +1,7 @@
 #include "rebuild/RebuildMethod.h"
 
 #include "base/Text.h"
-#include "db/RecordStore.h"
+#include "db/records/RecordStore.h"
 
 #include <algorithm>
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "db/UrlRecord.h"
+#include "db/records/UrlRecord.h"
 
 #include <cstdint>
 #include <string_view>

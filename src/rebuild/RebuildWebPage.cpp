@@ -4,7 +4,7 @@
 #include "base/Storage.h"
 #include "base/Text.h"
 #include "base/Trap.h"
-#include "db/SqliteErrors.h"
+#include "db/sql/SqliteErrors.h"
 #include "rebuild/FindTags.h"
 #include "rebuild/LocalNames.h"
 #include "rebuild/RebuiltRow.h"

@@ -1,8 +1,8 @@
 #include "rebuild/RebuiltRow.h"
 
 #include "base/Files.h"
-#include "db/BindId.h"
-#include "db/Savepoint.h"
+#include "db/sql/BindId.h"
+#include "db/sql/Savepoint.h"
 #include "time/DateFormat.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>

@@ -1,9 +1,9 @@
 #pragma once
 
 #include "base/Clock.h"
-#include "db/RebuildAudit.h"
-#include "db/RebuiltParts.h"
-#include "db/UrlRecord.h"
+#include "db/marks/RebuildAudit.h"
+#include "db/marks/RebuiltParts.h"
+#include "db/records/UrlRecord.h"
 #include "rebuild/RebuildContext.h"
 #include "rebuild/RebuildMethod.h"
 

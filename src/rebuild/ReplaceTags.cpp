@@ -2,8 +2,8 @@
 
 #include "base/Text.h"
 #include "base/Trap.h"
-#include "db/BindId.h"
-#include "db/SqliteErrors.h"
+#include "db/sql/BindId.h"
+#include "db/sql/SqliteErrors.h"
 #include "readers/RecordKind.h"
 #include "rebuild/LocalNames.h"
 #include "rebuild/PageText.h"

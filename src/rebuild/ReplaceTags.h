@@ -1,7 +1,7 @@
 #pragma once
 
-#include "db/RebuildAudit.h"
-#include "db/UrlRecord.h"
+#include "db/marks/RebuildAudit.h"
+#include "db/records/UrlRecord.h"
 #include "rebuild/PageSource.h"
 #include "rebuild/RebuildContext.h"
 

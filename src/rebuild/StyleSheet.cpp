@@ -3,8 +3,8 @@
 #include "base/Files.h"
 #include "base/Text.h"
 #include "base/Trap.h"
-#include "db/KeyWalk.h"
-#include "db/SqliteErrors.h"
+#include "db/sql/KeyWalk.h"
+#include "db/sql/SqliteErrors.h"
 #include "rebuild/PageText.h"
 #include "rebuild/WebMail.h"
 

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "base/KeyedList.h"
-#include "db/UrlRecord.h"
+#include "db/records/UrlRecord.h"
 #include "rebuild/RebuildContext.h"
 
 #include <cstdint>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "db/LikePattern.h"
+#include "db/sql/LikePattern.h"
 
 #include <cstddef>
 #include <cstdint>

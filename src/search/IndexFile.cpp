@@ -1,7 +1,7 @@
 #include "search/IndexFile.h"
 
 #include "base/Files.h"
-#include "db/SideFiles.h"
+#include "db/sql/SideFiles.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>
 #include <fmt/format.h>

@@ -2,7 +2,7 @@
 
 #include "base/NoLog.h"
 #include "base/Trap.h"
-#include "db/SideFiles.h"
+#include "db/sql/SideFiles.h"
 #include "search/IndexFile.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>

@@ -1,7 +1,7 @@
 #include "search/MarkedRows.h"
 
-#include "db/FoundHashSets.h"
-#include "db/RecordTags.h"
+#include "db/hashes/FoundHashSets.h"
+#include "db/marks/RecordTags.h"
 #include "search/FoldedText.h"
 
 #include <SQLiteCpp/Database.h>

@@ -1,6 +1,6 @@
 #include "search/Search.h"
 
-#include "db/SqliteErrors.h"
+#include "db/sql/SqliteErrors.h"
 #include "readers/RecordKind.h"
 #include "search/IndexMatch.h"
 #include "search/MarkedRows.h"

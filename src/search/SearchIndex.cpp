@@ -2,8 +2,8 @@
 
 #include "base/Files.h"
 #include "base/Replace.h"
-#include "db/SideFiles.h"
-#include "db/SqliteErrors.h"
+#include "db/sql/SideFiles.h"
+#include "db/sql/SqliteErrors.h"
 #include "search/IndexFile.h"
 #include "search/IndexFill.h"
 #include "search/IndexMatch.h"

@@ -1,7 +1,7 @@
 #include "search/SearchService.h"
 
 #include "base/Trap.h"
-#include "db/Connection.h"
+#include "db/sql/Connection.h"
 
 #include <SQLiteCpp/Database.h>
 

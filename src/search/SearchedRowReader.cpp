@@ -5,7 +5,7 @@
 #include "base/NoLog.h"
 #include "base/Text.h"
 #include "base/Trap.h"
-#include "db/RecordFacts.h"
+#include "db/records/RecordFacts.h"
 
 #include <SQLiteCpp/Database.h>
 #include <fmt/format.h>

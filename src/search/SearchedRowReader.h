@@ -1,7 +1,7 @@
 #pragma once
 
-#include "db/KeyWalk.h"
-#include "db/RowWalk.h"
+#include "db/sql/KeyWalk.h"
+#include "db/sql/RowWalk.h"
 #include "search/SearchedRow.h"
 
 #include <SQLiteCpp/Statement.h>

@@ -1,16 +1,16 @@
 #include "base/Files.h"
 #include "base/NoLog.h"
-#include "db/Connection.h"
+#include "db/sql/Connection.h"
 #include "search/IndexFile.h"
 #include "search/SearchService.h"
 #include "support/TempFolder.h"
 #include "support/TestDoubles.h"
-#include "views/ColumnLimit.h"
-#include "views/PlaceLimit.h"
-#include "views/Places.h"
-#include "views/TimeLimit.h"
-#include "views/Timeline.h"
-#include "views/UrlTable.h"
+#include "views/limits/ColumnLimit.h"
+#include "views/limits/PlaceLimit.h"
+#include "views/limits/Places.h"
+#include "views/table/UrlTable.h"
+#include "views/timeline/TimeLimit.h"
+#include "views/timeline/Timeline.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>
 #include <benchmark/benchmark.h>

@@ -1,5 +1,5 @@
 #include "base/Files.h"
-#include "reports/ExportRows.h"
+#include "reports/exports/ExportRows.h"
 #include "support/TestProject.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>

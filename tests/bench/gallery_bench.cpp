@@ -1,6 +1,6 @@
 #include "support/TestProject.h"
-#include "views/DateIndex.h"
-#include "views/Gallery.h"
+#include "views/gallery/Gallery.h"
+#include "views/rows/DateIndex.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>
 #include <benchmark/benchmark.h>

@@ -1,7 +1,7 @@
 #include "support/TestProject.h"
-#include "views/DateIndex.h"
-#include "views/LinkAnalysis.h"
-#include "views/LinkList.h"
+#include "views/links/LinkAnalysis.h"
+#include "views/links/LinkList.h"
+#include "views/rows/DateIndex.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>
 #include <benchmark/benchmark.h>

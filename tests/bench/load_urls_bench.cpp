@@ -1,7 +1,7 @@
 #include "support/TestProject.h"
-#include "views/DateIndex.h"
-#include "views/Hosts.h"
-#include "views/UrlTable.h"
+#include "views/limits/Hosts.h"
+#include "views/rows/DateIndex.h"
+#include "views/table/UrlTable.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>
 #include <benchmark/benchmark.h>

@@ -2,7 +2,7 @@
 #include "platform/ChildProcess.h"
 #include "platform/posix/DrawProgram.h"
 #include "rebuild/FindTags.h"
-#include "views/PageThumbnails.h"
+#include "views/gallery/PageThumbnails.h"
 
 #include <benchmark/benchmark.h>
 

@@ -1,5 +1,5 @@
-#include "reports/ReportWriter.h"
-#include "reports/SortTable.h"
+#include "reports/report/ReportWriter.h"
+#include "reports/report/SortTable.h"
 #include "support/TestProject.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>

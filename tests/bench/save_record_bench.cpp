@@ -1,5 +1,5 @@
-#include "db/RecordStore.h"
-#include "db/WriteBatch.h"
+#include "db/records/RecordStore.h"
+#include "db/sql/WriteBatch.h"
 #include "import/ImportSink.h"
 #include "support/TestProject.h"
 

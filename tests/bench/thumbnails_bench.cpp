@@ -2,7 +2,7 @@
 #include "platform/ChildProcess.h"
 #include "platform/posix/DrawProgram.h"
 #include "support/TestProject.h"
-#include "views/Thumbnails.h"
+#include "views/gallery/Thumbnails.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>
 #include <benchmark/benchmark.h>

@@ -1,8 +1,8 @@
 #include "search/IndexFile.h"
 #include "search/SearchService.h"
 #include "support/TestProject.h"
-#include "views/DateIndex.h"
-#include "views/UrlTable.h"
+#include "views/rows/DateIndex.h"
+#include "views/table/UrlTable.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>
 #include <benchmark/benchmark.h>

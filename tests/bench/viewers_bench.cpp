@@ -1,6 +1,6 @@
 #include "support/TestProject.h"
-#include "views/HexSource.h"
-#include "views/Properties.h"
+#include "views/hex/HexSource.h"
+#include "views/record/Properties.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>
 #include <benchmark/benchmark.h>

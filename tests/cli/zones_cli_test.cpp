@@ -1,5 +1,5 @@
 #include "cli/CliCase.h"
-#include "db/ReadOnlyConnection.h"
+#include "db/sql/ReadOnlyConnection.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>
 #include <gmock/gmock.h>

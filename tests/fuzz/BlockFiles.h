@@ -2,7 +2,7 @@
 
 #include "base/Files.h"
 #include "fuzz/Reading.h"
-#include "readers/chrome/Cache.h"
+#include "readers/chrome/cache/Cache.h"
 #include "support/TempFolder.h"
 
 #include <algorithm>

@@ -3,7 +3,7 @@
 // bodies no longer than their files.
 
 #include "fuzz/BlockFiles.h"
-#include "readers/chrome/CacheBody.h"
+#include "readers/chrome/cache/CacheBody.h"
 
 #include <algorithm>
 #include <cstdint>

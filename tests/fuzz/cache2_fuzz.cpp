@@ -2,8 +2,8 @@
 // read is said by the two failures that its reader knows.
 
 #include "fuzz/Reading.h"
-#include "readers/firefox/Cache2Entry.h"
-#include "readers/firefox/Cache2Hash.h"
+#include "readers/firefox/cache/Cache2Entry.h"
+#include "readers/firefox/cache/Cache2Hash.h"
 
 #include <cstdint>
 #include <stdexcept>

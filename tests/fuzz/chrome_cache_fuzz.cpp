@@ -3,7 +3,7 @@
 // their files.
 
 #include "fuzz/BlockFiles.h"
-#include "readers/chrome/CacheBody.h"
+#include "readers/chrome/cache/CacheBody.h"
 #include "support/builders/ChromeCache.h"
 
 #include <array>

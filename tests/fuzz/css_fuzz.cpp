@@ -4,7 +4,7 @@
 
 #include "markup/CssItems.h"
 #include "markup/CssWriter.h"
-#include "reports/SafeStyle.h"
+#include "reports/pages/SafeStyle.h"
 
 #include <cstdint>
 #include <cstdlib>

@@ -4,7 +4,7 @@
 #include "address/DefangedAddress.h"
 #include "address/RegisteredDomain.h"
 #include "base/Text.h"
-#include "views/DecodedValues.h"
+#include "views/record/DecodedValues.h"
 
 #include <cstdint>
 #include <cstdlib>

@@ -1,9 +1,9 @@
 // Statements and patterns that somebody typed: nothing but DialectError may come out of the
 // translation, and what it made is read by the database without a fault.
 
-#include "db/Dialect.h"
-#include "db/LikePattern.h"
-#include "db/SqlFunctions.h"
+#include "db/sql/Dialect.h"
+#include "db/sql/LikePattern.h"
+#include "db/sql/SqlFunctions.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>
 

@@ -5,7 +5,7 @@
 #include "markup/HtmlDocument.h"
 #include "rebuild/exact/PageReferences.h"
 #include "rebuild/exact/UsedDrawings.h"
-#include "reports/SafeTrack.h"
+#include "reports/pages/SafeTrack.h"
 
 #include <cstdint>
 #include <cstdlib>

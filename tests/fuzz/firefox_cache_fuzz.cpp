@@ -3,8 +3,8 @@
 //   input = damage*      damage = place:u16 (odd: block file) value:u32
 
 #include "fuzz/Reading.h"
-#include "readers/firefox/CacheBody.h"
-#include "readers/firefox/CacheParse.h"
+#include "readers/firefox/cache/CacheBody.h"
+#include "readers/firefox/cache/CacheParse.h"
 #include "support/TempFolder.h"
 #include "support/builders/FirefoxCache.h"
 

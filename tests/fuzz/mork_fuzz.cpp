@@ -2,7 +2,7 @@
 // thrown, and an entry's texts come from the file.
 
 #include "fuzz/Reading.h"
-#include "readers/firefox/MorkHistory.h"
+#include "readers/firefox/mork/MorkHistory.h"
 #include "support/TempFolder.h"
 
 #include <cstdint>

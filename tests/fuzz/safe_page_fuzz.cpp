@@ -4,7 +4,7 @@
 
 #include "base/Text.h"
 #include "markup/HtmlDocument.h"
-#include "reports/SafePage.h"
+#include "reports/pages/SafePage.h"
 
 #include <cstdint>
 #include <cstdlib>

@@ -5,12 +5,12 @@
 #include "fuzz/MemorySource.h"
 #include "fuzz/Reading.h"
 #include "readers/Limits.h"
-#include "readers/chrome/CacheKey.h"
-#include "readers/chrome/ResponseInfo.h"
-#include "readers/chrome/SimpleCache.h"
-#include "readers/chrome/SimpleEntry.h"
-#include "readers/chrome/SimpleIndex.h"
-#include "readers/chrome/SiteCacheAnswer.h"
+#include "readers/chrome/cache/CacheKey.h"
+#include "readers/chrome/cache/ResponseInfo.h"
+#include "readers/chrome/cache/SimpleCache.h"
+#include "readers/chrome/cache/SimpleEntry.h"
+#include "readers/chrome/cache/SimpleIndex.h"
+#include "readers/chrome/cache/SiteCacheAnswer.h"
 
 #include <cstdint>
 #include <string_view>

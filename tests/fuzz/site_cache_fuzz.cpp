@@ -5,7 +5,7 @@
 #include "fuzz/Reading.h"
 #include "readers/Crc32c.h"
 #include "readers/Unpacker.h"
-#include "readers/firefox/SiteCacheRecord.h"
+#include "readers/firefox/cache/SiteCacheRecord.h"
 #include "readers/leveldb/LevelStore.h"
 
 #include <algorithm>

@@ -4,8 +4,8 @@
 
 #include "base/Files.h"
 #include "fuzz/Reading.h"
-#include "readers/chrome/History.h"
-#include "readers/firefox/Places.h"
+#include "readers/chrome/history/History.h"
+#include "readers/firefox/profile/Places.h"
 #include "support/TempFolder.h"
 
 #include <cstdint>

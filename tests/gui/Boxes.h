@@ -1,15 +1,15 @@
 #pragma once
 
 #include "support/Places.h"
+#include "ui/frame/GuideForm.h"
+#include "ui/frame/TextForm.h"
+#include "ui/limits/ColumnLimitForm.h"
+#include "ui/limits/HashSetForm.h"
 #include "ui/options/TimeZoneForm.h"
 #include "ui/reports/RedactionForm.h"
-#include "ui/views/ColumnLimitForm.h"
-#include "ui/views/HashSetForm.h"
-#include "ui/views/PartChoiceForm.h"
-#include "ui/views/TagForm.h"
-#include "ui/window/GuideForm.h"
-#include "ui/window/TextForm.h"
-#include "views/PartAlternatives.h"
+#include "ui/tags/TagForm.h"
+#include "ui/viewers/PartChoiceForm.h"
+#include "views/record/PartAlternatives.h"
 
 #include <QAbstractSpinBox>
 #include <QAccessible>

@@ -10,9 +10,9 @@
 #include "support/TestDoubles.h"
 #include "support/builders/ChromeHistory.h"
 #include "support/builders/IndexDat.h"
+#include "ui/frame/StatusForm.h"
 #include "ui/options/OptionsForm.h"
 #include "ui/window/MainForm.h"
-#include "ui/window/StatusForm.h"
 
 #include <QAction>
 #include <QApplication>

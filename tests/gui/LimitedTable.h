@@ -2,8 +2,8 @@
 
 #include "gui/Desk.h"
 #include "platform/qt/QtText.h"
-#include "ui/views/ColumnLimitForm.h"
-#include "ui/views/TableTab.h"
+#include "ui/limits/ColumnLimitForm.h"
+#include "ui/table/TableTab.h"
 
 #include <QLabel>
 #include <QLineEdit>

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "gui/CachedSite.h"
-#include "ui/views/AuditPane.h"
-#include "ui/views/TableTab.h"
+#include "ui/table/TableTab.h"
+#include "ui/viewers/AuditPane.h"
 
 #include <QTabWidget>
 #include <QTableView>

@@ -1,6 +1,6 @@
 #include "gui/CachedSite.h"
 #include "platform/qt/PageGuard.h"
-#include "ui/views/GalleryTab.h"
+#include "ui/gallery/GalleryTab.h"
 
 #include <QBuffer>
 #include <QImage>

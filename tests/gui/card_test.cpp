@@ -1,10 +1,10 @@
-#include "db/NamedTags.h"
-#include "db/RecordTags.h"
+#include "db/marks/NamedTags.h"
+#include "db/marks/RecordTags.h"
 #include "gui/CachedSite.h"
 #include "platform/qt/PageGuard.h"
-#include "ui/views/BrowserPane.h"
-#include "ui/views/HexGrid.h"
-#include "ui/views/TableTab.h"
+#include "ui/table/TableTab.h"
+#include "ui/viewers/BrowserPane.h"
+#include "ui/viewers/HexGrid.h"
 
 #include <QHeaderView>
 #include <QKeySequence>

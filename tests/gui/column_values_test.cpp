@@ -1,5 +1,5 @@
 #include "gui/LimitedTable.h"
-#include "ui/views/ColumnLimitForm.h"
+#include "ui/limits/ColumnLimitForm.h"
 
 #include <QListWidget>
 #include <QMenu>

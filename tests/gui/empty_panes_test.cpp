@@ -1,8 +1,8 @@
 #include "gui/Desk.h"
 #include "platform/qt/PageGuard.h"
-#include "ui/views/EmptyPage.h"
-#include "ui/views/HostsPane.h"
-#include "ui/views/TableTab.h"
+#include "ui/limits/HostsPane.h"
+#include "ui/table/EmptyPage.h"
+#include "ui/table/TableTab.h"
 
 #include <QLabel>
 #include <QPlainTextEdit>

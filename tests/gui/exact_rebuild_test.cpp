@@ -1,10 +1,10 @@
 #include "gui/RebuildWindow.h"
 #include "platform/qt/QtText.h"
-#include "ui/views/AuditModel.h"
-#include "ui/views/AuditPane.h"
-#include "ui/views/GalleryTab.h"
-#include "ui/views/PartChoiceForm.h"
-#include "ui/views/TableTab.h"
+#include "ui/gallery/GalleryTab.h"
+#include "ui/table/TableTab.h"
+#include "ui/viewers/AuditModel.h"
+#include "ui/viewers/AuditPane.h"
+#include "ui/viewers/PartChoiceForm.h"
 
 #include <QDialogButtonBox>
 #include <QLabel>

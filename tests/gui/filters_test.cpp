@@ -1,10 +1,10 @@
 #include "gui/Desk.h"
 #include "platform/qt/QtText.h"
-#include "ui/views/FilterForm.h"
-#include "ui/views/GalleryTab.h"
-#include "ui/views/HostsPane.h"
-#include "ui/views/TableTab.h"
-#include "ui/views/TickHeader.h"
+#include "ui/gallery/GalleryTab.h"
+#include "ui/limits/FilterForm.h"
+#include "ui/limits/HostsPane.h"
+#include "ui/table/TableTab.h"
+#include "ui/widgets/TickHeader.h"
 
 #include <QCheckBox>
 #include <QContextMenuEvent>

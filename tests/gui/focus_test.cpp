@@ -1,9 +1,9 @@
 #include "gui/Desk.h"
 #include "platform/qt/PageGuard.h"
-#include "ui/views/TableTab.h"
-#include "ui/views/TimeStrip.h"
-#include "ui/window/FocusRing.h"
-#include "ui/window/Theme.h"
+#include "ui/frame/FocusRing.h"
+#include "ui/frame/Theme.h"
+#include "ui/limits/TimeStrip.h"
+#include "ui/table/TableTab.h"
 
 #include <QComboBox>
 #include <QLabel>

@@ -4,8 +4,8 @@
 #include "ui/import/FoundFilesModel.h"
 #include "ui/import/ImportForm.h"
 #include "ui/import/WizardTask.h"
-#include "ui/views/TableTab.h"
-#include "views/FoundTree.h"
+#include "ui/table/TableTab.h"
+#include "views/overview/FoundTree.h"
 
 #include <QComboBox>
 #include <QElapsedTimer>

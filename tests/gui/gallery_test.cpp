@@ -1,6 +1,6 @@
-#include "db/RecordTags.h"
+#include "db/marks/RecordTags.h"
 #include "gui/Desk.h"
-#include "ui/views/GalleryTab.h"
+#include "ui/gallery/GalleryTab.h"
 
 #include <QBuffer>
 #include <QCheckBox>

@@ -2,8 +2,8 @@
 #include "gui/HostilePages.h"
 #include "platform/qt/PageGuard.h"
 #include "platform/qt/QtText.h"
-#include "reports/PartsInside.h"
-#include "reports/SafePage.h"
+#include "reports/pages/PartsInside.h"
+#include "reports/pages/SafePage.h"
 #include "support/TempFolder.h"
 
 #ifndef Q_MOC_RUN // which takes quotes within raw texts for ends of texts

@@ -1,6 +1,6 @@
 #include "gui/Desk.h"
-#include "ui/window/GuideForm.h"
-#include "ui/window/GuidePage.h"
+#include "ui/frame/GuideForm.h"
+#include "ui/frame/GuidePage.h"
 
 #include <QAbstractTextDocumentLayout>
 #include <QDir>

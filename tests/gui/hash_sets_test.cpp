@@ -1,14 +1,14 @@
 #include "app/program/ProjectHold.h"
-#include "db/RecordTags.h"
+#include "db/marks/RecordTags.h"
 #include "gui/LimitedTable.h"
 #include "gui/PlacesTree.h"
 #include "support/builders/IndexDat.h"
+#include "ui/frame/Theme.h"
 #include "ui/import/ImportForm.h"
-#include "ui/views/FilterForm.h"
-#include "ui/views/HashSetForm.h"
-#include "ui/views/HashSetsForm.h"
-#include "ui/views/PlacesPane.h"
-#include "ui/window/Theme.h"
+#include "ui/limits/FilterForm.h"
+#include "ui/limits/HashSetForm.h"
+#include "ui/limits/HashSetsForm.h"
+#include "ui/limits/PlacesPane.h"
 
 #include <QCheckBox>
 #include <QComboBox>

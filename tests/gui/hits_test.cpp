@@ -2,12 +2,12 @@
 #include "gui/HostilePages.h"
 #include "platform/qt/PageGuard.h"
 #include "platform/qt/QtText.h"
-#include "ui/views/BrowserHits.h"
-#include "ui/views/BrowserPane.h"
-#include "ui/views/HexGrid.h"
-#include "ui/views/HexHitMarks.h"
-#include "ui/views/PropertiesPane.h"
-#include "ui/views/TableTab.h"
+#include "ui/table/TableTab.h"
+#include "ui/viewers/BrowserHits.h"
+#include "ui/viewers/BrowserPane.h"
+#include "ui/viewers/HexGrid.h"
+#include "ui/viewers/HexHitMarks.h"
+#include "ui/viewers/PropertiesPane.h"
 
 #include <QLabel>
 #include <QPlainTextEdit>

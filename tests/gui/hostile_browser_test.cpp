@@ -2,8 +2,8 @@
 #include "gui/HostilePages.h"
 #include "platform/qt/PageGuard.h"
 #include "platform/qt/QtText.h"
-#include "ui/views/BrowserPane.h"
-#include "ui/views/TableTab.h"
+#include "ui/table/TableTab.h"
+#include "ui/viewers/BrowserPane.h"
 
 #include <QEventLoop>
 #include <QLabel>

@@ -2,9 +2,9 @@
 #include "app/program/Zones.h"
 #include "gui/Desk.h"
 #include "platform/qt/QtText.h"
+#include "ui/frame/WelcomePage.h"
 #include "ui/import/ImportForm.h"
-#include "ui/views/TableTab.h"
-#include "ui/window/WelcomePage.h"
+#include "ui/table/TableTab.h"
 
 #include <QComboBox>
 #include <QLabel>

@@ -1,8 +1,8 @@
 #include "Desk.h"
 #include "base/Files.h"
+#include "ui/frame/Theme.h"
 #include "ui/import/ImportForm.h"
 #include "ui/import/ImportSummaryForm.h"
-#include "ui/window/Theme.h"
 
 #include <QCheckBox>
 #include <QLabel>

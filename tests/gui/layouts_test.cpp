@@ -1,8 +1,8 @@
 #include "gui/Desk.h"
 #include "platform/qt/QtText.h"
 #include "ui/maintenance/UpgradeWizardForm.h"
-#include "ui/views/PinnedHeader.h"
-#include "ui/views/TableTab.h"
+#include "ui/table/TableTab.h"
+#include "ui/widgets/PinnedHeader.h"
 
 #include <QComboBox>
 #include <QInputDialog>

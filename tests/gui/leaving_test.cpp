@@ -1,10 +1,10 @@
 #include "gui/Desk.h"
 #include "platform/qt/PageGuard.h"
+#include "ui/frame/Theme.h"
+#include "ui/frame/TipForm.h"
 #include "ui/import/ImportSummaryForm.h"
 #include "ui/reports/ReportForm.h"
-#include "ui/views/TableTab.h"
-#include "ui/window/Theme.h"
-#include "ui/window/TipForm.h"
+#include "ui/table/TableTab.h"
 
 #include <QComboBox>
 #include <QDialogButtonBox>

@@ -1,6 +1,6 @@
 #include "gui/LimitedTable.h"
 #include "gui/PlacesTree.h"
-#include "ui/views/TimeStrip.h"
+#include "ui/limits/TimeStrip.h"
 
 #include <QListWidget>
 #include <QMenu>

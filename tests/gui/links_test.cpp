@@ -1,10 +1,10 @@
 #include "base/Files.h"
 #include "gui/Desk.h"
 #include "platform/qt/QtText.h"
-#include "ui/views/LinksModel.h"
-#include "ui/views/LinksPane.h"
-#include "ui/views/NoRow.h"
-#include "ui/views/TableTab.h"
+#include "ui/table/TableTab.h"
+#include "ui/viewers/LinksModel.h"
+#include "ui/viewers/LinksPane.h"
+#include "ui/widgets/NoRow.h"
 
 #include <QClipboard>
 #include <QContextMenuEvent>

@@ -1,12 +1,12 @@
 #include "app/jobs/ImportClaim.h"
 #include "app/project/Project.h"
-#include "db/ProjectFields.h"
+#include "db/project/ProjectFields.h"
 #include "gui/Desk.h"
+#include "ui/frame/CaseTrailForm.h"
 #include "ui/import/FoundFilesModel.h"
 #include "ui/import/ImportForm.h"
-#include "ui/views/ColumnsForm.h"
-#include "ui/views/TableTab.h"
-#include "ui/window/CaseTrailForm.h"
+#include "ui/table/ColumnsForm.h"
+#include "ui/table/TableTab.h"
 
 #include <QCheckBox>
 #include <QHeaderView>

@@ -1,8 +1,8 @@
 #include "Desk.h"
-#include "db/CaseTrail.h"
+#include "db/trail/CaseTrail.h"
 #include "ui/options/OptionsForm.h"
 #include "ui/options/TimeZoneForm.h"
-#include "ui/window/GalleryPart.h"
+#include "ui/parts/GalleryPart.h"
 
 #include <QCheckBox>
 #include <QComboBox>

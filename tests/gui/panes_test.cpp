@@ -1,10 +1,10 @@
 #include "gui/Desk.h"
-#include "ui/views/CardPane.h"
-#include "ui/views/HexGrid.h"
-#include "ui/views/HexPane.h"
-#include "ui/views/NotesPane.h"
-#include "ui/views/PropertiesPane.h"
-#include "ui/window/Theme.h"
+#include "ui/frame/Theme.h"
+#include "ui/viewers/CardPane.h"
+#include "ui/viewers/HexGrid.h"
+#include "ui/viewers/HexPane.h"
+#include "ui/viewers/NotesPane.h"
+#include "ui/viewers/PropertiesPane.h"
 
 #include <QClipboard>
 #include <QLabel>

@@ -1,9 +1,9 @@
 #include "gui/CachedSite.h"
 #include "platform/qt/PageGuard.h"
-#include "ui/views/PicturePane.h"
-#include "ui/views/TableTab.h"
-#include "ui/views/UrlGrid.h"
-#include "ui/window/PictureFeed.h"
+#include "ui/parts/PictureFeed.h"
+#include "ui/table/TableTab.h"
+#include "ui/table/UrlGrid.h"
+#include "ui/viewers/PicturePane.h"
 
 #include <QBuffer>
 #include <QElapsedTimer>

@@ -1,9 +1,9 @@
-#include "db/NamedTags.h"
-#include "db/RecordTags.h"
+#include "db/marks/NamedTags.h"
+#include "db/marks/RecordTags.h"
 #include "gui/LimitedTable.h"
 #include "gui/PlacesTree.h"
-#include "ui/views/PlacesPane.h"
-#include "ui/views/TagForm.h"
+#include "ui/limits/PlacesPane.h"
+#include "ui/tags/TagForm.h"
 
 #include <QMenu>
 #include <QPushButton>

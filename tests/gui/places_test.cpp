@@ -2,9 +2,9 @@
 #include "gui/PlacesTree.h"
 #include "platform/qt/PageGuard.h"
 #include "platform/qt/QtText.h"
-#include "ui/views/PlacesPane.h"
-#include "ui/views/TableTab.h"
-#include "ui/window/ViewerTabs.h"
+#include "ui/frame/ViewerTabs.h"
+#include "ui/limits/PlacesPane.h"
+#include "ui/table/TableTab.h"
 
 #include <QBuffer>
 #include <QCheckBox>

@@ -1,10 +1,10 @@
-#include "db/ProjectFields.h"
-#include "db/StoredQueries.h"
+#include "db/project/ProjectFields.h"
+#include "db/project/StoredQueries.h"
 #include "gui/Desk.h"
 #include "platform/qt/QtText.h"
-#include "ui/views/GrowingGrid.h"
-#include "ui/views/SQLQueryForm.h"
-#include "ui/views/TableTab.h"
+#include "ui/queries/SQLQueryForm.h"
+#include "ui/table/TableTab.h"
+#include "ui/widgets/GrowingGrid.h"
 
 #include <QClipboard>
 #include <QComboBox>

@@ -1,7 +1,7 @@
 #include "app/program/ProjectHold.h"
 #include "base/Files.h"
 #include "gui/Desk.h"
-#include "ui/views/TableTab.h"
+#include "ui/table/TableTab.h"
 
 #include <QLabel>
 #include <QListView>

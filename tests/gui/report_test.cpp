@@ -1,12 +1,12 @@
 #include "base/Files.h"
-#include "db/RecordTags.h"
+#include "db/marks/RecordTags.h"
 #include "gui/CachedSite.h"
 #include "platform/qt/PageGuard.h"
+#include "ui/frame/ViewerTabs.h"
 #include "ui/reports/RedactionForm.h"
 #include "ui/reports/ReportForm.h"
 #include "ui/reports/ReportPreview.h"
-#include "ui/views/BrowserPane.h"
-#include "ui/window/ViewerTabs.h"
+#include "ui/viewers/BrowserPane.h"
 
 #include <QCheckBox>
 #include <QComboBox>

@@ -1,7 +1,7 @@
-#include "db/NamedTags.h"
+#include "db/marks/NamedTags.h"
 #include "gui/LimitedTable.h"
-#include "ui/views/HitCountsForm.h"
-#include "ui/views/HitMarks.h"
+#include "ui/search/HitCountsForm.h"
+#include "ui/viewers/HitMarks.h"
 
 #include <QComboBox>
 #include <QMenu>

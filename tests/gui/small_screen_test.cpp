@@ -1,8 +1,8 @@
 #include "app/project/RecentFiles.h"
-#include "db/StoredQueries.h"
+#include "db/project/StoredQueries.h"
 #include "gui/Desk.h"
-#include "ui/views/FlowLayout.h"
-#include "ui/views/TableTab.h"
+#include "ui/table/TableTab.h"
+#include "ui/widgets/FlowLayout.h"
 #include "ui/window/WindowLayout.h"
 
 #include <QCommandLinkButton>

@@ -3,10 +3,10 @@
 #include "platform/qt/QtExaminer.h"
 #include "support/TempFolder.h"
 #include "support/TestDoubles.h"
-#include "ui/views/FilterForm.h"
-#include "ui/window/SplashForm.h"
-#include "ui/window/Theme.h"
-#include "ui/window/TipForm.h"
+#include "ui/frame/SplashForm.h"
+#include "ui/frame/Theme.h"
+#include "ui/frame/TipForm.h"
+#include "ui/limits/FilterForm.h"
 
 #include <QApplication>
 #include <QCheckBox>

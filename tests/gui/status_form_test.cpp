@@ -1,6 +1,6 @@
-#include "ui/window/ProgressBox.h"
-#include "ui/window/StatusForm.h"
-#include "ui/window/Theme.h"
+#include "ui/frame/ProgressBox.h"
+#include "ui/frame/StatusForm.h"
+#include "ui/frame/Theme.h"
 
 #include <QLabel>
 #include <QPushButton>

@@ -1,7 +1,7 @@
-#include "db/RecordTags.h"
+#include "db/marks/RecordTags.h"
 #include "gui/LimitedTable.h"
-#include "ui/views/ColumnLimitForm.h"
-#include "ui/views/ZoneForm.h"
+#include "ui/import/ZoneForm.h"
+#include "ui/limits/ColumnLimitForm.h"
 
 #include <QHeaderView>
 #include <QListWidget>

@@ -1,7 +1,7 @@
 #include "gui/Desk.h"
 #include "platform/qt/QtText.h"
-#include "ui/views/ColumnsForm.h"
-#include "ui/views/TableTab.h"
+#include "ui/table/ColumnsForm.h"
+#include "ui/table/TableTab.h"
 
 #include <QCheckBox>
 #include <QClipboard>

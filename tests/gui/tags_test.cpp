@@ -1,13 +1,13 @@
 #include "app/program/ProjectHold.h"
-#include "db/NamedTags.h"
-#include "db/RecordTags.h"
+#include "db/marks/NamedTags.h"
+#include "db/marks/RecordTags.h"
 #include "gui/Desk.h"
 #include "platform/qt/QtText.h"
-#include "ui/views/TableTab.h"
-#include "ui/views/TagForm.h"
-#include "ui/views/TagPills.h"
-#include "ui/views/TagsPane.h"
-#include "ui/window/Theme.h"
+#include "ui/frame/Theme.h"
+#include "ui/table/TableTab.h"
+#include "ui/table/TagPills.h"
+#include "ui/tags/TagForm.h"
+#include "ui/tags/TagsPane.h"
 
 #include <QDialogButtonBox>
 #include <QLabel>

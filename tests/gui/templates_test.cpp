@@ -4,8 +4,8 @@
 #include "rebuild/Templates.h"
 #include "ui/rebuild/TemplateModel.h"
 #include "ui/rebuild/TemplatesTab.h"
-#include "ui/views/BrowserPane.h"
-#include "ui/views/TableTab.h"
+#include "ui/table/TableTab.h"
+#include "ui/viewers/BrowserPane.h"
 
 #include <QCheckBox>
 #include <QClipboard>

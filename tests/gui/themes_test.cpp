@@ -1,9 +1,9 @@
 #include "gui/Boxes.h"
 #include "gui/Desk.h"
 #include "platform/qt/PageGuard.h"
-#include "ui/views/SearchBar.h"
-#include "ui/window/GuidePage.h"
-#include "ui/window/Theme.h"
+#include "ui/frame/GuidePage.h"
+#include "ui/frame/Theme.h"
+#include "ui/search/SearchBar.h"
 
 #include <QCheckBox>
 #include <QLabel>

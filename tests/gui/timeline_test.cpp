@@ -1,8 +1,8 @@
 #include "gui/Desk.h"
 #include "platform/qt/ChartPainter.h"
 #include "platform/qt/QtText.h"
-#include "ui/views/TableTab.h"
-#include "ui/views/TimeStrip.h"
+#include "ui/limits/TimeStrip.h"
+#include "ui/table/TableTab.h"
 
 #include <QComboBox>
 #include <QElapsedTimer>

@@ -2,7 +2,7 @@
 #include "base/Files.h"
 #include "ui/maintenance/UpgradeWizardForm.h"
 #include "ui/reports/ExportForm.h"
-#include "ui/views/TableTab.h"
+#include "ui/table/TableTab.h"
 
 #include <QAction>
 #include <QButtonGroup>

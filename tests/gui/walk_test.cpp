@@ -3,8 +3,8 @@
 #include "platform/qt/PageGuard.h"
 #include "platform/qt/QtText.h"
 #include "ui/import/ImportForm.h"
-#include "ui/views/LinksModel.h"
-#include "ui/views/TableTab.h"
+#include "ui/table/TableTab.h"
+#include "ui/viewers/LinksModel.h"
 
 #include <QCheckBox>
 #include <QClipboard>

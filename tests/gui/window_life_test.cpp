@@ -1,8 +1,8 @@
 #include "gui/Desk.h"
 #include "platform/qt/QtText.h"
 #include "ui/import/ImportForm.h"
-#include "ui/views/TableTab.h"
-#include "ui/views/ZoneForm.h"
+#include "ui/import/ZoneForm.h"
+#include "ui/table/TableTab.h"
 
 #include <QFileDialog>
 #include <QLabel>

@@ -2,10 +2,10 @@
 #include "app/program/Zones.h"
 #include "gui/Desk.h"
 #include "ui/import/ImportForm.h"
-#include "ui/views/TableTab.h"
-#include "ui/views/UrlGrid.h"
-#include "ui/views/UrlModel.h"
-#include "ui/views/ZoneForm.h"
+#include "ui/import/ZoneForm.h"
+#include "ui/table/TableTab.h"
+#include "ui/table/UrlGrid.h"
+#include "ui/table/UrlModel.h"
 
 #include <QCheckBox>
 #include <QComboBox>

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "db/RecordFacts.h"
-#include "db/UrlRecord.h"
+#include "db/records/RecordFacts.h"
+#include "db/records/UrlRecord.h"
 
 #include <string>
 #include <string_view>

@@ -3,7 +3,7 @@
 #include "base/Files.h"
 #include "base/Md5.h"
 #include "base/Text.h"
-#include "db/RecordFacts.h"
+#include "db/records/RecordFacts.h"
 #include "readers/Body.h"
 #include "readers/ContentProbe.h"
 #include "readers/RecordKind.h"

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "db/ProjectDatabase.h"
-#include "db/RecordStore.h"
+#include "db/project/ProjectDatabase.h"
+#include "db/records/RecordStore.h"
 #include "support/TempFolder.h"
 #include "support/TestDoubles.h"
 #include "time/TimeZone.h"

@@ -5,8 +5,8 @@
 #include "base/Files.h"
 #include "base/Text.h"
 #include "base/Trap.h"
-#include "db/FoundHashSets.h"
-#include "db/HashSets.h"
+#include "db/hashes/FoundHashSets.h"
+#include "db/hashes/HashSets.h"
 
 #include <fmt/format.h>
 #include <fmt/ranges.h>

@@ -2,8 +2,8 @@
 
 #include "app/program/Program.h"
 #include "base/TaskMonitor.h"
-#include "db/HashLookup.h"
-#include "views/HashMatch.h"
+#include "db/hashes/HashLookup.h"
+#include "views/limits/HashMatch.h"
 
 #include <cstdint>
 #include <memory>

@@ -9,11 +9,11 @@
 #include "base/Files.h"
 #include "base/Text.h"
 #include "base/Trap.h"
-#include "db/SqliteErrors.h"
+#include "db/sql/SqliteErrors.h"
 #include "import/ImportRun.h"
-#include "views/DateIndex.h"
-#include "views/MovedEvidence.h"
-#include "views/NarrowIndex.h"
+#include "views/limits/MovedEvidence.h"
+#include "views/rows/DateIndex.h"
+#include "views/rows/NarrowIndex.h"
 
 #include <SQLiteCpp/Column.h>
 #include <SQLiteCpp/Database.h>

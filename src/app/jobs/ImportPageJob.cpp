@@ -4,8 +4,8 @@
 #include "app/project/EvidenceFolders.h"
 #include "base/Files.h"
 #include "base/Text.h"
-#include "reports/ExportFile.h"
-#include "reports/ImportPage.h"
+#include "reports/exports/ExportFile.h"
+#include "reports/report/ImportPage.h"
 
 #include <fmt/format.h>
 

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "app/program/Program.h"
-#include "views/ImportOverview.h"
+#include "views/overview/ImportOverview.h"
 
 #include <filesystem>
 #include <optional>

@@ -1,10 +1,10 @@
 #pragma once
 
 #include "app/program/Program.h"
-#include "db/RecordStore.h"
+#include "db/records/RecordStore.h"
 #include "readers/Evidence.h"
-#include "views/LinkAnalysis.h"
-#include "views/LinkList.h"
+#include "views/links/LinkAnalysis.h"
+#include "views/links/LinkList.h"
 
 #include <filesystem>
 

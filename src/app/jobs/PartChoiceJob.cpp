@@ -1,7 +1,7 @@
 #include "app/jobs/PartChoiceJob.h"
 
 #include "app/jobs/Trail.h"
-#include "db/PartChoices.h"
+#include "db/marks/PartChoices.h"
 
 #include <fmt/format.h>
 

@@ -5,13 +5,13 @@
 #include "app/project/ChosenRows.h"
 #include "base/Text.h"
 #include "base/Trap.h"
-#include "db/BindId.h"
+#include "db/sql/BindId.h"
 #include "rebuild/Harvest.h"
 #include "rebuild/LocalNames.h"
 #include "rebuild/RebuildWebPage.h"
 #include "rebuild/WatchedBy.h"
 #include "rebuild/exact/ExactRebuild.h"
-#include "views/Audit.h"
+#include "views/record/Audit.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>
 #include <fmt/format.h>

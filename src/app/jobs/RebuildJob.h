@@ -1,7 +1,7 @@
 #pragma once
 
 #include "app/jobs/RecordTools.h"
-#include "views/UnreadRows.h"
+#include "views/rows/UnreadRows.h"
 
 #include <filesystem>
 #include <functional>

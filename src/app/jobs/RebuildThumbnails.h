@@ -2,7 +2,7 @@
 
 #include "app/jobs/RebuildJob.h"
 #include "app/jobs/ThumbnailJob.h"
-#include "views/PageThumbnails.h"
+#include "views/gallery/PageThumbnails.h"
 
 #include <cstddef>
 #include <filesystem>

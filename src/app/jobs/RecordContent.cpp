@@ -2,7 +2,7 @@
 
 #include "base/Text.h"
 #include "readers/HttpHeaders.h"
-#include "views/SourcePath.h"
+#include "views/rows/SourcePath.h"
 
 #include <fmt/format.h>
 

@@ -2,7 +2,7 @@
 
 #include "app/program/DrawingTools.h"
 #include "app/program/Program.h"
-#include "db/RecordStore.h"
+#include "db/records/RecordStore.h"
 #include "readers/Evidence.h"
 #include "rebuild/RebuildContext.h"
 

@@ -7,8 +7,8 @@
 #include "base/Files.h"
 #include "base/Text.h"
 #include "base/Trap.h"
-#include "db/ProjectFields.h"
-#include "db/ReadOnlyConnection.h"
+#include "db/project/ProjectFields.h"
+#include "db/sql/ReadOnlyConnection.h"
 #include "reports/case/CaseReport.h"
 
 #include <fmt/format.h>

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "app/jobs/RecordTools.h"
-#include "reports/ReportWriter.h"
-#include "reports/SortTable.h"
+#include "reports/report/ReportWriter.h"
+#include "reports/report/SortTable.h"
 
 #include <filesystem>
 #include <memory>

@@ -1,9 +1,9 @@
 #include "app/jobs/ReportTags.h"
 
 #include "base/Text.h"
-#include "db/ProjectFields.h"
-#include "db/ReadOnlyConnection.h"
-#include "db/RecordTags.h"
+#include "db/marks/RecordTags.h"
+#include "db/project/ProjectFields.h"
+#include "db/sql/ReadOnlyConnection.h"
 
 #include <fmt/format.h>
 

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "app/program/Program.h"
-#include "db/NamedTags.h"
-#include "views/IdLoader.h"
+#include "db/marks/NamedTags.h"
+#include "views/rows/IdLoader.h"
 
 #include <cstdint>
 #include <span>

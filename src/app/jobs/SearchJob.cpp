@@ -4,10 +4,10 @@
 #include "app/project/EvidenceFolders.h"
 #include "base/Files.h"
 #include "base/Text.h"
-#include "db/SearchResults.h"
-#include "db/StoredQueries.h"
+#include "db/marks/SearchResults.h"
+#include "db/project/StoredQueries.h"
 #include "search/IndexFile.h"
-#include "views/QueryCommands.h"
+#include "views/queries/QueryCommands.h"
 
 #include <fmt/format.h>
 

@@ -5,7 +5,7 @@
 #include "base/Storage.h"
 #include "readers/ContentProbe.h"
 #include "rebuild/LocalNames.h"
-#include "views/TextKind.h"
+#include "views/record/TextKind.h"
 
 #include <algorithm>
 #include <array>

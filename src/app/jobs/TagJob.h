@@ -2,8 +2,8 @@
 
 #include "app/program/Program.h"
 #include "base/TaskMonitor.h"
-#include "db/RecordTags.h"
-#include "views/TagHistory.h"
+#include "db/marks/RecordTags.h"
+#include "views/tags/TagHistory.h"
 
 #include <cstdint>
 #include <optional>

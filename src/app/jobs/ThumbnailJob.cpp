@@ -2,8 +2,8 @@
 
 #include "app/program/DrawingTools.h"
 #include "app/project/ChosenRows.h"
-#include "db/BindId.h"
-#include "db/SqliteErrors.h"
+#include "db/sql/BindId.h"
+#include "db/sql/SqliteErrors.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>
 #include <fmt/format.h>

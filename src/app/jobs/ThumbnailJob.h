@@ -1,7 +1,7 @@
 #pragma once
 
 #include "app/program/Program.h"
-#include "views/Thumbnails.h"
+#include "views/gallery/Thumbnails.h"
 
 #include <cstdint>
 #include <filesystem>

@@ -1,14 +1,14 @@
 #pragma once
 
 #include "app/program/Program.h"
-#include "db/CaseTrail.h"
-#include "db/Ids.h"
-#include "db/TrailChain.h"
+#include "db/schema/Ids.h"
+#include "db/trail/CaseTrail.h"
+#include "db/trail/TrailChain.h"
 #include "import/ImportSummary.h"
 #include "maintenance/SourceCheck.h"
-#include "reports/Export.h"
-#include "reports/PublishReport.h"
-#include "reports/ReportWriter.h"
+#include "reports/exports/Export.h"
+#include "reports/report/PublishReport.h"
+#include "reports/report/ReportWriter.h"
 #include "search/KeywordList.h"
 
 #include <cstddef>

@@ -6,7 +6,7 @@
 #include "app/project/Project.h"
 #include "base/Trap.h"
 #include "time/ExactZone.h"
-#include "views/LocalDates.h"
+#include "views/rows/LocalDates.h"
 
 #include <fmt/format.h>
 

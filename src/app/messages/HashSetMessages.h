@@ -1,9 +1,9 @@
 #pragma once
 
 #include "base/Examiner.h"
-#include "db/HashSetFile.h"
-#include "db/HashSets.h"
-#include "views/HashMatch.h"
+#include "db/hashes/HashSetFile.h"
+#include "db/hashes/HashSets.h"
+#include "views/limits/HashMatch.h"
 
 #include <span>
 #include <string>

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "base/Examiner.h"
-#include "db/TrailChain.h"
+#include "db/trail/TrailChain.h"
 #include "maintenance/SourceCheck.h"
 
 #include <string_view>

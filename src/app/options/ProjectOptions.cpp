@@ -2,7 +2,7 @@
 
 #include "app/jobs/Trail.h"
 #include "base/Files.h"
-#include "db/ProjectFields.h"
+#include "db/project/ProjectFields.h"
 #include "time/ExactZone.h"
 
 #include <fmt/format.h>

@@ -1,12 +1,12 @@
 #pragma once
 
 #include "app/settings/SettingValues.h"
-#include "db/ProjectDatabase.h"
+#include "db/project/ProjectDatabase.h"
 #include "time/TimeZone.h"
-#include "views/Pard.h"
-#include "views/QueryDefinitions.h"
-#include "views/RecordFilters.h"
-#include "views/ViewerContent.h"
+#include "views/gallery/Pard.h"
+#include "views/queries/QueryDefinitions.h"
+#include "views/record/ViewerContent.h"
+#include "views/rows/RecordFilters.h"
 
 #include <filesystem>
 #include <string>

@@ -4,7 +4,7 @@
 #include "base/Paths.h"
 #include "base/Text.h"
 #include "time/Date.h"
-#include "views/CellText.h"
+#include "views/rows/CellText.h"
 
 #include <fmt/format.h>
 

@@ -1,6 +1,6 @@
 #include "app/project/ChosenRows.h"
 
-#include "views/DamagedList.h"
+#include "views/rows/DamagedList.h"
 
 #include <utility>
 

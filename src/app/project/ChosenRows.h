@@ -1,8 +1,8 @@
 #pragma once
 
 #include "app/program/Program.h"
-#include "db/Ids.h"
-#include "views/UnreadRows.h"
+#include "db/schema/Ids.h"
+#include "views/rows/UnreadRows.h"
 
 #include <string>
 #include <vector>

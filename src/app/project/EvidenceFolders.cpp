@@ -2,8 +2,8 @@
 
 #include "base/Files.h"
 #include "base/Paths.h"
-#include "db/KeptEvidence.h"
-#include "db/ProjectFields.h"
+#include "db/project/KeptEvidence.h"
+#include "db/project/ProjectFields.h"
 #include "readers/Evidence.h"
 
 #include <fmt/format.h>

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "app/program/Program.h"
-#include "db/ProjectFields.h"
+#include "db/project/ProjectFields.h"
 #include "maintenance/VersionStamp.h"
 #include "time/ShownDate.h"
 

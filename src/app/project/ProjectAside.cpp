@@ -3,8 +3,8 @@
 #include "base/Files.h"
 #include "base/NoLog.h"
 #include "base/Trap.h"
-#include "db/Connection.h"
-#include "db/SideFiles.h"
+#include "db/sql/Connection.h"
+#include "db/sql/SideFiles.h"
 
 #include <fmt/format.h>
 

@@ -2,7 +2,7 @@
 
 #include "app/settings/SettingFacts.h"
 #include "rebuild/ReplaceableTags.h"
-#include "reports/ReportTitle.h"
+#include "reports/report/ReportTitle.h"
 #include "time/DateFormat.h"
 
 #include <array>

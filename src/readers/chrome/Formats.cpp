@@ -1,11 +1,11 @@
 #include "readers/chrome/Formats.h"
 
 #include "readers/Candidate.h"
-#include "readers/chrome/Cache.h"
-#include "readers/chrome/CacheBody.h"
-#include "readers/chrome/Cookies.h"
 #include "readers/chrome/Kinds.h"
 #include "readers/chrome/Options.h"
+#include "readers/chrome/cache/Cache.h"
+#include "readers/chrome/cache/CacheBody.h"
+#include "readers/chrome/profile/Cookies.h"
 
 #include <optional>
 

@@ -2,13 +2,13 @@
 
 #include "base/Text.h"
 #include "readers/Candidate.h"
-#include "readers/firefox/CacheBody.h"
-#include "readers/firefox/CacheParse.h"
-#include "readers/firefox/Cookies.h"
 #include "readers/firefox/Kinds.h"
-#include "readers/firefox/MorkHistory.h"
 #include "readers/firefox/Options.h"
-#include "readers/firefox/Places.h"
+#include "readers/firefox/cache/CacheBody.h"
+#include "readers/firefox/cache/CacheParse.h"
+#include "readers/firefox/mork/MorkHistory.h"
+#include "readers/firefox/profile/Cookies.h"
+#include "readers/firefox/profile/Places.h"
 #include "readers/sqlite/SchemaHead.h"
 
 namespace nv {

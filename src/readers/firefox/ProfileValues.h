@@ -1,6 +1,6 @@
 #pragma once
 
-#include "db/FactList.h"
+#include "db/records/FactList.h"
 #include "readers/Reader.h"
 #include "time/Date.h"
 

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "db/HistoryFile.h"
-#include "db/UrlRecord.h"
+#include "db/records/HistoryFile.h"
+#include "db/records/UrlRecord.h"
 #include "readers/ContentProbe.h"
 #include "readers/Evidence.h"
 

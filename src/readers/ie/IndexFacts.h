@@ -1,7 +1,7 @@
 #pragma once
 
 #include "base/ByteView.h"
-#include "db/UrlRecord.h"
+#include "db/records/UrlRecord.h"
 
 #include <cstdint>
 

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "base/ByteView.h"
-#include "db/HistoryFile.h"
+#include "db/records/HistoryFile.h"
 #include "readers/ie/HashChain.h"
 
 #include <string>

@@ -2,8 +2,8 @@
 
 #include "base/ByteView.h"
 #include "base/Clock.h"
-#include "db/HistoryFile.h"
-#include "db/UrlRecord.h"
+#include "db/records/HistoryFile.h"
+#include "db/records/UrlRecord.h"
 #include "readers/ie/IndexKind.h"
 
 #include <cstdint>

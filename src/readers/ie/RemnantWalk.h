@@ -2,7 +2,7 @@
 
 #include "base/ByteView.h"
 #include "base/Trap.h"
-#include "db/UrlRecord.h"
+#include "db/records/UrlRecord.h"
 #include "readers/Reader.h"
 #include "readers/ie/IndexBlocks.h"
 

@@ -2,7 +2,7 @@
 
 #include "base/Files.h"
 #include "base/Text.h"
-#include "db/SideFiles.h"
+#include "db/sql/SideFiles.h"
 #include "readers/sqlite/LoggedFile.h"
 #include "readers/sqlite/PagedRows.h"
 

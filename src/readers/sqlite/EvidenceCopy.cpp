@@ -4,7 +4,7 @@
 #include "base/Files.h"
 #include "base/Storage.h"
 #include "base/Text.h"
-#include "db/SideFiles.h"
+#include "db/sql/SideFiles.h"
 #include "readers/Scratch.h"
 #include "readers/sqlite/PageLog.h"
 

@@ -5,7 +5,7 @@
 
 #include "readers/sqlite/SchemaHead.h"
 
-#include "db/SideFiles.h"
+#include "db/sql/SideFiles.h"
 #include "readers/sqlite/FileHead.h"
 
 namespace nv {

@@ -13,7 +13,7 @@
 #include "base/NoLog.h"
 #include "base/Text.h"
 #include "base/Trap.h"
-#include "db/SideFiles.h"
+#include "db/sql/SideFiles.h"
 #include "readers/sqlite/FileHead.h"
 
 #include <fmt/format.h>

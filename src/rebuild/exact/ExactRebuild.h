@@ -1,7 +1,7 @@
 #pragma once
 
 #include "base/Clock.h"
-#include "db/UrlRecord.h"
+#include "db/records/UrlRecord.h"
 #include "rebuild/Harvest.h"
 #include "rebuild/RebuildContext.h"
 

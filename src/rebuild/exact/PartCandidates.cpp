@@ -2,9 +2,9 @@
 
 #include "address/WebAddress.h"
 #include "base/Text.h"
-#include "db/RebuiltParts.h"
-#include "db/StoredText.h"
-#include "db/UrlRecord.h"
+#include "db/marks/RebuiltParts.h"
+#include "db/records/UrlRecord.h"
+#include "db/sql/StoredText.h"
 #include "readers/RecordKind.h"
 #include "rebuild/exact/RecordAddress.h"
 

@@ -5,7 +5,7 @@
 #include "base/Storage.h"
 #include "base/Text.h"
 #include "base/Trap.h"
-#include "db/RebuiltParts.h"
+#include "db/marks/RebuiltParts.h"
 #include "readers/AnswerHead.h"
 #include "readers/CachedBody.h"
 #include "readers/HttpHeaders.h"

@@ -1,7 +1,7 @@
 #include "rebuild/exact/PartFinder.h"
 
 #include "address/WebAddress.h"
-#include "db/PartChoices.h"
+#include "db/marks/PartChoices.h"
 
 #include <algorithm>
 #include <array>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "db/RebuiltParts.h"
+#include "db/marks/RebuiltParts.h"
 #include "rebuild/exact/PartCandidates.h"
 #include "rebuild/exact/PartFiles.h"
 

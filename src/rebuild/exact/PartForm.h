@@ -1,8 +1,8 @@
 #pragma once
 
 #include "base/ByteView.h"
-#include "db/Ids.h"
-#include "db/UrlRecord.h"
+#include "db/records/UrlRecord.h"
+#include "db/schema/Ids.h"
 #include "rebuild/exact/Reference.h"
 
 #include <cstdint>

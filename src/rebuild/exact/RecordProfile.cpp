@@ -1,6 +1,6 @@
 #include "rebuild/exact/RecordProfile.h"
 
-#include "db/BindId.h"
+#include "db/sql/BindId.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>
 #include <fmt/format.h>

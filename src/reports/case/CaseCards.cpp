@@ -2,9 +2,9 @@
 
 #include "base/Succeeds.h"
 #include "base/Text.h"
-#include "reports/Html.h"
 #include "reports/case/CaseTables.h"
 #include "reports/case/CaseText.h"
+#include "reports/report/Html.h"
 
 #include <fmt/format.h>
 

@@ -1,10 +1,10 @@
 #pragma once
 
-#include "reports/CardEvidence.h"
 #include "reports/case/CaseFrame.h"
 #include "reports/case/CaseRow.h"
 #include "reports/case/RedactedContent.h"
-#include "views/UnreadRows.h"
+#include "reports/report/CardEvidence.h"
+#include "views/rows/UnreadRows.h"
 
 #include <cstddef>
 #include <fstream>

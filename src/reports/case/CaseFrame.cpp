@@ -1,8 +1,8 @@
 #include "reports/case/CaseFrame.h"
 
-#include "reports/Html.h"
 #include "reports/case/CaseStyle.h"
 #include "reports/case/CaseText.h"
+#include "reports/report/Html.h"
 
 #include <fmt/format.h>
 

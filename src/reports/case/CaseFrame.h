@@ -1,6 +1,6 @@
 #pragma once
 
-#include "reports/ReportContext.h"
+#include "reports/report/ReportContext.h"
 
 #include <array>
 #include <cstddef>

@@ -1,10 +1,10 @@
 #pragma once
 
-#include "reports/ReportContext.h"
 #include "reports/case/CaseFrame.h"
 #include "reports/case/CaseOptions.h"
 #include "reports/case/Redactor.h"
-#include "views/IdLoader.h"
+#include "reports/report/ReportContext.h"
+#include "views/rows/IdLoader.h"
 
 #include <cstdint>
 #include <filesystem>

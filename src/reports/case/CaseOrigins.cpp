@@ -1,11 +1,11 @@
 #include "reports/case/CaseOrigins.h"
 
 #include "base/Text.h"
-#include "db/SqliteErrors.h"
-#include "reports/Html.h"
+#include "db/sql/SqliteErrors.h"
 #include "reports/case/CaseRow.h"
 #include "reports/case/CaseTables.h"
 #include "reports/case/CaseText.h"
+#include "reports/report/Html.h"
 #include "views/explain/Explain.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>

@@ -2,7 +2,7 @@
 
 #include "reports/case/CaseFrame.h"
 #include "reports/case/Redactor.h"
-#include "views/IdLoader.h"
+#include "views/rows/IdLoader.h"
 
 #include <cstddef>
 #include <fstream>

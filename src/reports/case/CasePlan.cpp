@@ -1,10 +1,10 @@
 #include "reports/case/CasePlan.h"
 
 #include "base/Text.h"
-#include "reports/ReportWriter.h"
 #include "reports/case/CaseCards.h"
 #include "reports/case/CaseOrigins.h"
 #include "reports/case/CaseTables.h"
+#include "reports/report/ReportWriter.h"
 
 #include <fmt/format.h>
 

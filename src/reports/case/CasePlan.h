@@ -4,7 +4,7 @@
 #include "reports/case/CaseFrame.h"
 #include "reports/case/CaseTagRows.h"
 #include "reports/case/Redactor.h"
-#include "views/IdLoader.h"
+#include "views/rows/IdLoader.h"
 
 #include <array>
 #include <cstddef>

@@ -6,15 +6,15 @@
 #include "base/Text.h"
 #include "base/TextRows.h"
 #include "base/Trap.h"
-#include "db/Savepoint.h"
-#include "db/SqliteErrors.h"
-#include "reports/ReportWriter.h"
-#include "reports/SortTable.h"
+#include "db/sql/Savepoint.h"
+#include "db/sql/SqliteErrors.h"
 #include "reports/case/CaseCards.h"
 #include "reports/case/CaseIndex.h"
 #include "reports/case/CaseOrigins.h"
 #include "reports/case/CasePlan.h"
 #include "reports/case/CaseTables.h"
+#include "reports/report/ReportWriter.h"
+#include "reports/report/SortTable.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>
 #include <fmt/format.h>

@@ -2,9 +2,9 @@
 
 #include "base/Text.h"
 #include "rebuild/RebuildMethod.h"
-#include "reports/ReportValues.h"
+#include "reports/report/ReportValues.h"
 #include "time/DateFormat.h"
-#include "views/SourcePlace.h"
+#include "views/record/SourcePlace.h"
 
 #include <fmt/format.h>
 

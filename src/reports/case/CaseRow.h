@@ -1,9 +1,9 @@
 #pragma once
 
-#include "db/RecordTags.h"
+#include "db/marks/RecordTags.h"
 #include "readers/RecordKind.h"
-#include "reports/ReportContext.h"
 #include "reports/case/Redactor.h"
+#include "reports/report/ReportContext.h"
 
 #include <optional>
 #include <string>

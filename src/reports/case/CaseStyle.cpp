@@ -1,6 +1,6 @@
 #include "reports/case/CaseStyle.h"
 
-#include "reports/PolicyHash.h"
+#include "reports/pages/PolicyHash.h"
 
 #include <fmt/format.h>
 

@@ -3,8 +3,8 @@
 #include "base/Storage.h"
 #include "base/Text.h"
 #include "base/TextRows.h"
-#include "reports/ExportWriter.h"
 #include "reports/case/CaseText.h"
+#include "reports/exports/ExportWriter.h"
 
 #include <fmt/format.h>
 

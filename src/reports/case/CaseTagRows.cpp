@@ -1,6 +1,6 @@
 #include "reports/case/CaseTagRows.h"
 
-#include "db/RecordTags.h"
+#include "db/marks/RecordTags.h"
 
 #include <algorithm>
 #include <utility>

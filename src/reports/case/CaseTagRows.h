@@ -1,7 +1,7 @@
 #pragma once
 
-#include "db/Ids.h"
-#include "db/NamedTags.h"
+#include "db/marks/NamedTags.h"
+#include "db/schema/Ids.h"
 
 #include <cstdint>
 #include <span>

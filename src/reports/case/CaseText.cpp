@@ -1,7 +1,7 @@
 #include "reports/case/CaseText.h"
 
 #include "base/Text.h"
-#include "reports/Html.h"
+#include "reports/report/Html.h"
 
 #include <fmt/format.h>
 

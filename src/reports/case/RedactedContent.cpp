@@ -7,9 +7,9 @@
 #include "base/Text.h"
 #include "base/Trap.h"
 #include "readers/CachedBody.h"
-#include "reports/PictureKind.h"
-#include "views/CachedText.h"
-#include "views/ThumbnailJobs.h"
+#include "reports/pages/PictureKind.h"
+#include "views/gallery/ThumbnailJobs.h"
+#include "views/record/CachedText.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>
 #include <fmt/format.h>

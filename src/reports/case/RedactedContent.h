@@ -1,7 +1,7 @@
 #pragma once
 
-#include "reports/CardEvidence.h"
 #include "reports/case/Redactor.h"
+#include "reports/report/CardEvidence.h"
 
 #include <map>
 #include <optional>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "db/UrlRecord.h"
+#include "db/records/UrlRecord.h"
 #include "reports/case/PlainStream.h"
 #include "reports/case/Redaction.h"
 

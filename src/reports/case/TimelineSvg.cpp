@@ -1,6 +1,6 @@
 #include "reports/case/TimelineSvg.h"
 
-#include "reports/Html.h"
+#include "reports/report/Html.h"
 
 #include <fmt/format.h>
 

@@ -4,10 +4,10 @@
 #include "readers/CachedBody.h"
 #include "readers/Scratch.h"
 #include "rebuild/RebuildContext.h"
-#include "reports/TextExport.h"
 #include "reports/events/RecordEvents.h"
+#include "reports/exports/TextExport.h"
 #include "reports/warc/WarcSource.h"
-#include "views/ExifPosition.h"
+#include "views/record/ExifPosition.h"
 
 #include <fmt/format.h>
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "reports/ExportWriter.h"
+#include "reports/exports/ExportWriter.h"
 
 #include <cstddef>
 #include <cstdint>

@@ -1,7 +1,7 @@
 #include "base/DisplayText.h"
 #include "base/Text.h"
-#include "reports/TextExport.h"
 #include "reports/events/RecordEvents.h"
+#include "reports/exports/TextExport.h"
 
 #include <fmt/format.h>
 

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "readers/Body.h"
-#include "reports/ExportFile.h"
+#include "reports/exports/ExportFile.h"
 
 #include <cstdint>
 #include <filesystem>

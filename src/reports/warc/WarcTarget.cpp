@@ -1,7 +1,7 @@
 #include "reports/warc/WarcTarget.h"
 
 #include "base/TextRows.h"
-#include "reports/FactsJson.h"
+#include "reports/exports/FactsJson.h"
 #include "time/DateFormat.h"
 
 #include <fmt/format.h>

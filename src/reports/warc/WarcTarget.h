@@ -1,6 +1,6 @@
 #pragma once
 
-#include "db/UrlRecord.h"
+#include "db/records/UrlRecord.h"
 
 #include <string>
 

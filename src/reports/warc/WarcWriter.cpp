@@ -4,7 +4,7 @@
 #include "base/Files.h"
 #include "base/Text.h"
 #include "base/Trap.h"
-#include "db/BindId.h"
+#include "db/sql/BindId.h"
 #include "readers/AnswerHead.h"
 #include "readers/CachedBody.h"
 #include "readers/Coding.h"

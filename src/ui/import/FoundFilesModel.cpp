@@ -4,7 +4,7 @@
 #include "import/UntickedFiles.h"
 #include "platform/qt/QtText.h"
 #include "readers/Registry.h"
-#include "views/CellText.h"
+#include "views/rows/CellText.h"
 
 #include <QLocale>
 

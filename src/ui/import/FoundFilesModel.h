@@ -1,7 +1,7 @@
 #pragma once
 
 #include "import/HistoryFiles.h"
-#include "views/FoundTree.h"
+#include "views/overview/FoundTree.h"
 
 #include <QAbstractItemModel>
 

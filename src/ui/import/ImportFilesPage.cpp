@@ -9,8 +9,8 @@
 #include "ui/import/ImportNetwork.h"
 #include "ui/import/ImportZone.h"
 #include "ui/import/WizardParts.h"
-#include "ui/views/GridCopy.h"
-#include "views/CellText.h"
+#include "ui/widgets/GridCopy.h"
+#include "views/rows/CellText.h"
 
 #include <QBoxLayout>
 #include <QHeaderView>

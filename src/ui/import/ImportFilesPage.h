@@ -4,7 +4,7 @@
 #include "import/Scan.h"
 #include "ui/import/ImportProject.h"
 #include "ui/import/WizardTask.h"
-#include "views/FoundTree.h"
+#include "views/overview/FoundTree.h"
 
 #include <QWidget>
 

@@ -12,14 +12,14 @@
 #include "app/project/Project.h"
 #include "base/Files.h"
 #include "base/Trap.h"
-#include "db/HashSets.h"
+#include "db/hashes/HashSets.h"
 #include "platform/qt/QtText.h"
 #include "platform/qt/WithinScreen.h"
 #include "ui/import/ImportFilesPage.h"
 #include "ui/import/ImportNetwork.h"
 #include "ui/import/ImportZone.h"
 #include "ui/import/WizardParts.h"
-#include "ui/views/DroppedUrls.h"
+#include "ui/widgets/DroppedUrls.h"
 
 #include <QBoxLayout>
 #include <QDragEnterEvent>

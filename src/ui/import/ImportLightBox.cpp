@@ -3,8 +3,8 @@
 #include "platform/qt/QtText.h"
 #include "ui/import/LightPalette.h"
 #include "ui/import/WizardParts.h"
-#include "views/CellText.h"
-#include "views/ImportOverview.h"
+#include "views/overview/ImportOverview.h"
+#include "views/rows/CellText.h"
 
 #include <QBoxLayout>
 #include <QEvent>

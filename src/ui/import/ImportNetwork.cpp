@@ -5,7 +5,7 @@
 #include "platform/qt/QtText.h"
 #include "ui/import/LightPalette.h"
 #include "ui/import/WizardParts.h"
-#include "views/ImportOverview.h"
+#include "views/overview/ImportOverview.h"
 
 #include <QAccessible>
 #include <QBoxLayout>

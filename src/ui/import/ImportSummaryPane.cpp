@@ -10,8 +10,8 @@
 #include "time/DateFormat.h"
 #include "ui/import/ImportLightBox.h"
 #include "ui/import/WizardParts.h"
-#include "ui/views/GridCopy.h"
-#include "views/CellText.h"
+#include "ui/widgets/GridCopy.h"
+#include "views/rows/CellText.h"
 
 #include <QBoxLayout>
 #include <QFileDialog>

@@ -8,8 +8,8 @@
 #include "base/Files.h"
 #include "platform/qt/QtText.h"
 #include "ui/import/WizardParts.h"
-#include "ui/views/ZoneForm.h"
-#include "views/CellText.h"
+#include "ui/import/ZoneForm.h"
+#include "views/rows/CellText.h"
 
 #include <QBoxLayout>
 #include <QComboBox>

@@ -1,6 +1,6 @@
 #include "ui/import/LightPalette.h"
 
-#include "views/LightColors.h"
+#include "views/overview/LightColors.h"
 
 #include <QApplication>
 

@@ -6,7 +6,7 @@
 #include "base/Trap.h"
 #include "platform/qt/QtText.h"
 #include "platform/qt/WithinScreen.h"
-#include "ui/views/GridCopy.h"
+#include "ui/widgets/GridCopy.h"
 
 #include <QApplication>
 #include <QBoxLayout>

@@ -1,9 +1,9 @@
 #include "ui/rebuild/TemplatesTab.h"
 
 #include "ui/rebuild/TemplateModel.h"
-#include "ui/views/BrowserPane.h"
-#include "ui/views/FlowLayout.h"
-#include "ui/views/GridCopy.h"
+#include "ui/viewers/BrowserPane.h"
+#include "ui/widgets/FlowLayout.h"
+#include "ui/widgets/GridCopy.h"
 
 #include <QAction>
 #include <QBoxLayout>

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "base/Examiner.h"
-#include "reports/Export.h"
-#include "reports/ExportFile.h"
+#include "reports/exports/Export.h"
+#include "reports/exports/ExportFile.h"
 
 #include <QDialog>
 

@@ -3,7 +3,7 @@
 #include "app/messages/ReportMessages.h"
 #include "base/DisplayText.h"
 #include "platform/qt/QtText.h"
-#include "reports/ReportFolder.h"
+#include "reports/report/ReportFolder.h"
 #include "ui/reports/CaseReportBox.h"
 
 #include <QBoxLayout>

@@ -2,7 +2,7 @@
 
 #include "app/jobs/ReportTags.h"
 #include "base/Examiner.h"
-#include "reports/ReportWriter.h"
+#include "reports/report/ReportWriter.h"
 
 #include <QDialog>
 

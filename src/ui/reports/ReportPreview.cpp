@@ -1,6 +1,6 @@
 #include "ui/reports/ReportPreview.h"
 
-#include "ui/views/BrowserPane.h"
+#include "ui/viewers/BrowserPane.h"
 
 #include <QBoxLayout>
 #include <QDialogButtonBox>

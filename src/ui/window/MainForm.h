@@ -2,11 +2,11 @@
 
 #include "app/ProjectCommands.h"
 #include "app/program/Program.h"
-#include "ui/views/ImportSteps.h"
-#include "ui/window/MainActions.h"
-#include "ui/window/MainMenus.h"
-#include "ui/window/StatusLine.h"
-#include "ui/window/WindowDialogs.h"
+#include "ui/frame/MainActions.h"
+#include "ui/frame/MainMenus.h"
+#include "ui/frame/StatusLine.h"
+#include "ui/frame/WindowDialogs.h"
+#include "ui/table/ImportSteps.h"
 #include "ui/window/WindowTitle.h"
 
 #include <QMainWindow>

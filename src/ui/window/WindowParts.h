@@ -1,6 +1,6 @@
 #pragma once
 
-#include "ui/window/Workbench.h"
+#include "ui/parts/Workbench.h"
 
 #include <QObject>
 

@@ -2,7 +2,7 @@
 
 #include "app/program/TaskStatus.h"
 #include "platform/qt/QtText.h"
-#include "ui/window/Workbench.h"
+#include "ui/parts/Workbench.h"
 
 #include <QStringList>
 #include <QWidget>

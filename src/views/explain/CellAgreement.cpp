@@ -2,7 +2,7 @@
 
 #include "base/Base64.h"
 #include "base/Text.h"
-#include "readers/chrome/ValueCipher.h"
+#include "readers/chrome/profile/ValueCipher.h"
 
 #include <fmt/format.h>
 

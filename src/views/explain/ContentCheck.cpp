@@ -3,7 +3,7 @@
 #include "base/Digest.h"
 #include "base/Files.h"
 #include "base/Trap.h"
-#include "db/RecordFacts.h"
+#include "db/records/RecordFacts.h"
 #include "import/OpenedFiles.h"
 
 namespace nv {

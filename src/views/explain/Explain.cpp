@@ -4,16 +4,16 @@
 #include "base/Files.h"
 #include "base/Text.h"
 #include "base/Trap.h"
-#include "db/CaseTrail.h"
-#include "db/RecordStore.h"
-#include "db/SideFiles.h"
+#include "db/records/RecordStore.h"
+#include "db/sql/SideFiles.h"
+#include "db/trail/CaseTrail.h"
 #include "import/ImportTrail.h"
 #include "readers/FieldPlaces.h"
-#include "views/Properties.h"
-#include "views/SourcePath.h"
 #include "views/explain/ContentCheck.h"
 #include "views/explain/RecordValues.h"
 #include "views/explain/SourceValues.h"
+#include "views/record/Properties.h"
+#include "views/rows/SourcePath.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>
 #include <fmt/format.h>

@@ -2,7 +2,7 @@
 
 #include "base/Digest.h"
 #include "base/FailureLog.h"
-#include "db/Ids.h"
+#include "db/schema/Ids.h"
 #include "readers/Evidence.h"
 #include "time/ShownDate.h"
 

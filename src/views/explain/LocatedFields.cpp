@@ -2,8 +2,8 @@
 
 #include "base/Text.h"
 #include "base/Trap.h"
-#include "db/RecordFacts.h"
-#include "db/RecordStore.h"
+#include "db/records/RecordFacts.h"
+#include "db/records/RecordStore.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>
 #include <fmt/format.h>

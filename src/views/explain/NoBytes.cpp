@@ -1,9 +1,9 @@
 #include "views/explain/NoBytes.h"
 
 #include "base/Text.h"
-#include "views/SourcePath.h"
 #include "views/explain/MadeBy.h"
 #include "views/explain/RecordValues.h"
+#include "views/rows/SourcePath.h"
 
 #include <fmt/format.h>
 

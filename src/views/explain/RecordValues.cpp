@@ -1,8 +1,8 @@
 #include "views/explain/RecordValues.h"
 
 #include "base/Text.h"
-#include "db/BindId.h"
-#include "db/RecordFacts.h"
+#include "db/records/RecordFacts.h"
+#include "db/sql/BindId.h"
 #include "readers/sqlite/CellPath.h"
 #include "time/ExactZone.h"
 #include "views/explain/CellAgreement.h"

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "db/FactList.h"
-#include "views/Properties.h"
+#include "db/records/FactList.h"
 #include "views/explain/Explain.h"
+#include "views/record/Properties.h"
 
 #include <cstdint>
 #include <filesystem>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "db/FactList.h"
+#include "db/records/FactList.h"
 #include "readers/FieldRules.h"
 #include "readers/sqlite/CellPath.h"
 #include "readers/sqlite/EvidenceDatabase.h"

@@ -2,7 +2,7 @@
 
 #include "ProgramFixture.h"
 #include "app/ProjectCommands.h"
-#include "db/ProjectFields.h"
+#include "db/project/ProjectFields.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>
 

@@ -7,7 +7,7 @@
 #include "app/project/Project.h"
 #include "app/project/RecentFiles.h"
 #include "base/Files.h"
-#include "db/StoredQueries.h"
+#include "db/project/StoredQueries.h"
 #include "support/builders/IndexDat.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>

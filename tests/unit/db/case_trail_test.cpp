@@ -1,6 +1,6 @@
-#include "db/CaseTrail.h"
-#include "db/ProjectDatabase.h"
-#include "db/TrailChain.h"
+#include "db/project/ProjectDatabase.h"
+#include "db/trail/CaseTrail.h"
+#include "db/trail/TrailChain.h"
 #include "support/TempFolder.h"
 #include "support/TestDoubles.h"
 

@@ -1,4 +1,4 @@
-#include "db/DeadQueries.h"
+#include "db/project/DeadQueries.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "db/Dialect.h"
+#include "db/sql/Dialect.h"
 
 #include <gtest/gtest.h>
 

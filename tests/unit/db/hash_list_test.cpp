@@ -1,6 +1,6 @@
 #include "base/Digest.h"
 #include "base/Text.h"
-#include "db/HashList.h"
+#include "db/hashes/HashList.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,8 +1,8 @@
 #include "base/Files.h"
 #include "base/Text.h"
-#include "db/HashLookup.h"
-#include "db/HashSetMaker.h"
-#include "db/HashSets.h"
+#include "db/hashes/HashLookup.h"
+#include "db/hashes/HashSetMaker.h"
+#include "db/hashes/HashSets.h"
 #include "support/TempFolder.h"
 #include "support/TestDoubles.h"
 

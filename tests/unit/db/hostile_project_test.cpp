@@ -1,8 +1,8 @@
 #include "base/Files.h"
 #include "base/Trap.h"
-#include "db/ProjectDatabase.h"
-#include "db/ReadOnlyConnection.h"
-#include "db/StoredQueries.h"
+#include "db/project/ProjectDatabase.h"
+#include "db/project/StoredQueries.h"
+#include "db/sql/ReadOnlyConnection.h"
 #include "support/TempFolder.h"
 #include "support/TestDoubles.h"
 

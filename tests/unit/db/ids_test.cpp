@@ -1,4 +1,4 @@
-#include "db/BindId.h"
+#include "db/sql/BindId.h"
 #include "support/TestProject.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>

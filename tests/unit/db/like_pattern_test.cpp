@@ -1,5 +1,5 @@
-#include "db/LikePattern.h"
-#include "db/SqlTokens.h"
+#include "db/sql/LikePattern.h"
+#include "db/sql/SqlTokens.h"
 
 #include <gtest/gtest.h>
 

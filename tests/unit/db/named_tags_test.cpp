@@ -1,8 +1,8 @@
 #include "base/Digest.h"
 #include "base/Storage.h"
-#include "db/Connection.h"
-#include "db/NamedTags.h"
-#include "db/RecordTags.h"
+#include "db/marks/NamedTags.h"
+#include "db/marks/RecordTags.h"
+#include "db/sql/Connection.h"
 #include "support/TestProject.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>

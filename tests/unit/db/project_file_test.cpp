@@ -1,6 +1,6 @@
-#include "db/KeywordLists.h"
-#include "db/ReadOnlyConnection.h"
-#include "db/StoredQueries.h"
+#include "db/project/StoredQueries.h"
+#include "db/sql/KeywordLists.h"
+#include "db/sql/ReadOnlyConnection.h"
 #include "support/TestProject.h"
 
 #include <gtest/gtest.h>

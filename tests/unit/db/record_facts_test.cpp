@@ -1,8 +1,8 @@
-#include "db/Dialect.h"
-#include "db/FactNames.h"
-#include "db/RecordFacts.h"
-#include "db/SchemaGaps.h"
-#include "db/StoredQueries.h"
+#include "db/project/StoredQueries.h"
+#include "db/records/RecordFacts.h"
+#include "db/schema/FactNames.h"
+#include "db/schema/SchemaGaps.h"
+#include "db/sql/Dialect.h"
 #include "support/TestProject.h"
 
 #include <gtest/gtest.h>

@@ -1,4 +1,4 @@
-#include "db/RecordNames.h"
+#include "db/records/RecordNames.h"
 
 #include <gtest/gtest.h>
 

@@ -1,10 +1,10 @@
 #include "base/Files.h"
 #include "base/Md5.h"
 #include "base/Text.h"
-#include "db/RecordColumns.h"
-#include "db/RecordStore.h"
-#include "db/SchemaColumns.h"
-#include "db/StoredQueries.h"
+#include "db/project/StoredQueries.h"
+#include "db/records/RecordColumns.h"
+#include "db/records/RecordStore.h"
+#include "db/schema/SchemaColumns.h"
 #include "support/TestProject.h"
 
 #include <gtest/gtest.h>

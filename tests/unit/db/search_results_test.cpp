@@ -1,6 +1,6 @@
 #include "base/Files.h"
-#include "db/SearchResults.h"
-#include "db/StoredQueries.h"
+#include "db/marks/SearchResults.h"
+#include "db/project/StoredQueries.h"
 #include "support/TestProject.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>

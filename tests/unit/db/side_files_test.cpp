@@ -1,4 +1,4 @@
-#include "db/SideFiles.h"
+#include "db/sql/SideFiles.h"
 #include "support/TempFolder.h"
 
 #include <gtest/gtest.h>

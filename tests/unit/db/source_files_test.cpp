@@ -1,5 +1,5 @@
 #include "base/Files.h"
-#include "db/SourceFiles.h"
+#include "db/records/SourceFiles.h"
 #include "support/TestProject.h"
 
 #include <gtest/gtest.h>

@@ -1,6 +1,6 @@
 #include "base/Files.h"
-#include "db/ReadOnlyConnection.h"
-#include "db/WriteBatch.h"
+#include "db/sql/ReadOnlyConnection.h"
+#include "db/sql/WriteBatch.h"
 #include "support/TestProject.h"
 
 #include <gtest/gtest.h>

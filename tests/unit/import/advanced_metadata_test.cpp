@@ -1,6 +1,6 @@
 #include "base/Files.h"
 #include "base/Md5.h"
-#include "db/RecordNames.h"
+#include "db/records/RecordNames.h"
 #include "import/ImportSink.h"
 #include "support/TestProject.h"
 #include "unit/import/ImportFixture.h"

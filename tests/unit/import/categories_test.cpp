@@ -1,5 +1,5 @@
 #include "base/Files.h"
-#include "db/RecordNames.h"
+#include "db/records/RecordNames.h"
 #include "import/Categories.h"
 #include "support/TempFolder.h"
 #include "support/TestDoubles.h"

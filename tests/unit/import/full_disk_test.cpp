@@ -1,5 +1,5 @@
 #include "base/Storage.h"
-#include "db/ReadOnlyConnection.h"
+#include "db/sql/ReadOnlyConnection.h"
 #include "support/SmallFiles.h"
 #include "support/builders/MacCache.h"
 #include "unit/import/ImportFixture.h"

@@ -1,5 +1,5 @@
 #include "base/Md5.h"
-#include "db/HashSets.h"
+#include "db/hashes/HashSets.h"
 #include "import/ImportSink.h"
 #include "support/FactsOf.h"
 #include "support/TestProject.h"

@@ -1,9 +1,9 @@
 #pragma once
 
 #include "base/Files.h"
-#include "db/ProjectDatabase.h"
-#include "db/ProjectFields.h"
-#include "db/StoredQueries.h"
+#include "db/project/ProjectDatabase.h"
+#include "db/project/ProjectFields.h"
+#include "db/project/StoredQueries.h"
 #include "maintenance/ProjectUpgrade.h"
 #include "support/TempFolder.h"
 #include "support/TestDoubles.h"

@@ -1,6 +1,6 @@
 #include "UpgradeFixture.h"
-#include "db/RecordTags.h"
-#include "db/SearchResults.h"
+#include "db/marks/RecordTags.h"
+#include "db/marks/SearchResults.h"
 
 namespace nv {
 namespace {

@@ -1,9 +1,9 @@
 #include "UpgradeFixture.h"
 #include "base/Digest.h"
-#include "db/CaseTrail.h"
-#include "db/PartChoices.h"
-#include "db/RebuildAudit.h"
-#include "db/RebuiltParts.h"
+#include "db/marks/PartChoices.h"
+#include "db/marks/RebuildAudit.h"
+#include "db/marks/RebuiltParts.h"
+#include "db/trail/CaseTrail.h"
 
 #include <csignal>
 #include <sys/wait.h>

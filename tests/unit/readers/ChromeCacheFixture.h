@@ -1,7 +1,7 @@
 #pragma once
 
 #include "readers/ContentProbe.h"
-#include "readers/chrome/Cache.h"
+#include "readers/chrome/cache/Cache.h"
 #include "support/TempFolder.h"
 #include "support/TestDoubles.h"
 #include "support/builders/ChromeCache.h"

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "readers/chrome/History.h"
+#include "readers/chrome/history/History.h"
 #include "support/FactsOf.h"
 #include "support/SqliteHistoryReading.h"
 #include "support/builders/ChromeHistory.h"

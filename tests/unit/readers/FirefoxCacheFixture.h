@@ -3,7 +3,7 @@
 #include "base/Files.h"
 #include "readers/CachedBody.h"
 #include "readers/ContentProbe.h"
-#include "readers/firefox/CacheParse.h"
+#include "readers/firefox/cache/CacheParse.h"
 #include "support/TempFolder.h"
 #include "support/TestDoubles.h"
 #include "support/builders/FirefoxCache.h"

@@ -1,6 +1,6 @@
 #include "base/Files.h"
 #include "readers/Registry.h"
-#include "readers/chrome/CacheBody.h"
+#include "readers/chrome/cache/CacheBody.h"
 #include "support/builders/Packed.h"
 #include "unit/readers/ChromeCacheFixture.h"
 

@@ -1,5 +1,5 @@
-#include "readers/chrome/CacheBody.h"
-#include "readers/chrome/ResponseInfo.h"
+#include "readers/chrome/cache/CacheBody.h"
+#include "readers/chrome/cache/ResponseInfo.h"
 #include "support/Facts.h"
 #include "time/DateFormat.h"
 #include "unit/readers/ChromeCacheFixture.h"

@@ -1,4 +1,4 @@
-#include "readers/chrome/CacheRecords.h"
+#include "readers/chrome/cache/CacheRecords.h"
 #include "support/builders/ChromeHistory.h"
 #include "support/builders/IndexDat.h"
 #include "time/DateFormat.h"

@@ -1,6 +1,6 @@
 #include "base/Files.h"
 #include "base/Text.h"
-#include "readers/chrome/CacheBody.h"
+#include "readers/chrome/cache/CacheBody.h"
 #include "support/Facts.h"
 #include "support/Samples.h"
 #include "time/DateFormat.h"

@@ -1,5 +1,5 @@
 #include "base/Files.h"
-#include "readers/chrome/BlockCache.h"
+#include "readers/chrome/cache/BlockCache.h"
 #include "time/DateFormat.h"
 #include "unit/readers/ChromeCacheFixture.h"
 

@@ -1,6 +1,6 @@
 #include "base/Files.h"
 #include "base/Md5.h"
-#include "readers/chrome/History.h"
+#include "readers/chrome/history/History.h"
 #include "readers/sqlite/HistoryRow.h"
 #include "support/SqliteHistoryReading.h"
 #include "support/builders/ChromeHistory.h"

@@ -1,10 +1,10 @@
 // Block caches of versions 2 and 3, made of the golden case: the same files, damaged.
 
 #include "base/Files.h"
-#include "readers/chrome/Cache.h"
-#include "readers/chrome/CacheBody.h"
-#include "readers/chrome/LaterCache.h"
-#include "readers/chrome/LaterEntry.h"
+#include "readers/chrome/cache/Cache.h"
+#include "readers/chrome/cache/CacheBody.h"
+#include "readers/chrome/cache/LaterCache.h"
+#include "readers/chrome/cache/LaterEntry.h"
 #include "support/BodyOf.h"
 #include "support/FactText.h"
 #include "support/FileReading.h"

@@ -1,5 +1,5 @@
 #include "readers/Limits.h"
-#include "readers/chrome/Bookmarks.h"
+#include "readers/chrome/profile/Bookmarks.h"
 #include "support/FactText.h"
 #include "support/FileReading.h"
 #include "support/builders/ChromeHistory.h"

@@ -1,4 +1,4 @@
-#include "readers/chrome/Cookies.h"
+#include "readers/chrome/profile/Cookies.h"
 #include "support/FactText.h"
 #include "support/SqliteHistoryReading.h"
 #include "support/builders/ChromeHistory.h"

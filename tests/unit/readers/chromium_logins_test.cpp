@@ -1,4 +1,4 @@
-#include "readers/chrome/Logins.h"
+#include "readers/chrome/profile/Logins.h"
 #include "support/FactText.h"
 #include "support/SqliteHistoryReading.h"
 #include "support/builders/ChromeHistory.h"

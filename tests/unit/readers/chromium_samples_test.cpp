@@ -1,11 +1,11 @@
 // Real profiles, with what an independent reading found in them.
 
 #include "base/Files.h"
-#include "readers/chrome/Bookmarks.h"
-#include "readers/chrome/Cookies.h"
-#include "readers/chrome/Logins.h"
-#include "readers/chrome/Settings.h"
-#include "readers/chrome/WebData.h"
+#include "readers/chrome/profile/Bookmarks.h"
+#include "readers/chrome/profile/Cookies.h"
+#include "readers/chrome/profile/Logins.h"
+#include "readers/chrome/profile/Settings.h"
+#include "readers/chrome/profile/WebData.h"
 #include "support/FactText.h"
 #include "support/FileReading.h"
 #include "support/Samples.h"

@@ -1,4 +1,4 @@
-#include "readers/chrome/Settings.h"
+#include "readers/chrome/profile/Settings.h"
 #include "support/FactText.h"
 #include "support/FileReading.h"
 #include "time/DateFormat.h"

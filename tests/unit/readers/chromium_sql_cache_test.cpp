@@ -1,5 +1,5 @@
 #include "base/Files.h"
-#include "readers/chrome/SqlCache.h"
+#include "readers/chrome/cache/SqlCache.h"
 #include "readers/sqlite/PagedRows.h"
 #include "support/BodyOf.h"
 #include "support/FactText.h"

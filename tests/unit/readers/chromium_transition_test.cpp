@@ -1,6 +1,6 @@
-#include "db/RecordFacts.h"
-#include "readers/chrome/StoredDate.h"
-#include "readers/chrome/Transition.h"
+#include "db/records/RecordFacts.h"
+#include "readers/chrome/shared/StoredDate.h"
+#include "readers/chrome/shared/Transition.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "readers/chrome/WebData.h"
+#include "readers/chrome/profile/WebData.h"
 #include "support/FactText.h"
 #include "support/SqliteHistoryReading.h"
 #include "support/builders/ChromiumProfile.h"

@@ -1,5 +1,5 @@
-#include "readers/chrome/Cookies.h"
-#include "readers/firefox/Cookies.h"
+#include "readers/chrome/profile/Cookies.h"
+#include "readers/firefox/profile/Cookies.h"
 #include "support/SqliteHistoryReading.h"
 #include "support/builders/ChromeHistory.h"
 #include "support/builders/Cookies.h"

@@ -1,6 +1,6 @@
 #include "base/Files.h"
 #include "base/Text.h"
-#include "db/FactNames.h"
+#include "db/schema/FactNames.h"
 #include "support/Places.h"
 
 #include <gtest/gtest.h>

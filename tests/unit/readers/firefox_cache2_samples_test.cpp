@@ -3,7 +3,7 @@
 #include "base/Files.h"
 #include "base/Md5.h"
 #include "readers/CachedBody.h"
-#include "readers/firefox/Cache2.h"
+#include "readers/firefox/cache/Cache2.h"
 #include "support/FactsOf.h"
 #include "support/FileReading.h"
 #include "support/Samples.h"

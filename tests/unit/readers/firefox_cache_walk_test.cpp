@@ -1,4 +1,4 @@
-#include "readers/firefox/Cache.h"
+#include "readers/firefox/cache/Cache.h"
 #include "unit/readers/FirefoxCacheFixture.h"
 
 namespace nv {

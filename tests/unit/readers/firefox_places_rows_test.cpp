@@ -1,4 +1,4 @@
-#include "readers/firefox/Places.h"
+#include "readers/firefox/profile/Places.h"
 #include "support/Samples.h"
 #include "support/SqliteHistoryReading.h"
 #include "support/builders/FirefoxProfile.h"

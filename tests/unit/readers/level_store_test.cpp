@@ -1,5 +1,5 @@
 #include "base/Files.h"
-#include "readers/chrome/ScriptAddresses.h"
+#include "readers/chrome/cache/ScriptAddresses.h"
 #include "readers/leveldb/LevelStore.h"
 #include "support/TempFolder.h"
 #include "support/TestDoubles.h"

@@ -2,10 +2,10 @@
 
 #include "base/Files.h"
 #include "readers/CachedBody.h"
-#include "readers/chrome/Cache.h"
-#include "readers/chrome/SimpleCache.h"
-#include "readers/chrome/SqlCache.h"
-#include "readers/firefox/Cache2.h"
+#include "readers/chrome/cache/Cache.h"
+#include "readers/chrome/cache/SimpleCache.h"
+#include "readers/chrome/cache/SqlCache.h"
+#include "readers/firefox/cache/Cache2.h"
 #include "support/FileReading.h"
 #include "support/builders/site/SiteCaches.h"
 

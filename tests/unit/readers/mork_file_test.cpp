@@ -1,5 +1,5 @@
 #include "readers/Limits.h"
-#include "readers/firefox/MorkFile.h"
+#include "readers/firefox/mork/MorkFile.h"
 #include "support/builders/Mork.h"
 
 #include <fmt/format.h>

@@ -1,6 +1,6 @@
 #include "base/Files.h"
 #include "base/Md5.h"
-#include "readers/firefox/MorkHistory.h"
+#include "readers/firefox/mork/MorkHistory.h"
 #include "support/Samples.h"
 #include "support/SqliteHistoryReading.h"
 #include "time/DateFormat.h"

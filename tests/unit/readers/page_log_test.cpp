@@ -2,7 +2,7 @@
 
 #include "base/Files.h"
 #include "readers/Scratch.h"
-#include "readers/chrome/History.h"
+#include "readers/chrome/history/History.h"
 #include "readers/sqlite/PageLog.h"
 #include "support/SqliteHistoryReading.h"
 #include "support/builders/ChromeHistory.h"

@@ -1,6 +1,6 @@
 #include "base/Files.h"
-#include "readers/chrome/History.h"
-#include "readers/firefox/Places.h"
+#include "readers/chrome/history/History.h"
+#include "readers/firefox/profile/Places.h"
 #include "support/SqliteHistoryReading.h"
 #include "support/builders/ChromeHistory.h"
 #include "support/builders/Places.h"

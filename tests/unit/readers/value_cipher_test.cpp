@@ -1,4 +1,4 @@
-#include "readers/chrome/ValueCipher.h"
+#include "readers/chrome/profile/ValueCipher.h"
 #include "support/builders/ChromiumProfile.h"
 
 #include <gtest/gtest.h>

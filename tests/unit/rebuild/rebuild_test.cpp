@@ -1,4 +1,4 @@
-#include "db/RebuildAudit.h"
+#include "db/marks/RebuildAudit.h"
 #include "unit/rebuild/RebuildFixture.h"
 
 #include <functional>

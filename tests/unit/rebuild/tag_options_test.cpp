@@ -1,5 +1,5 @@
-#include "db/Dialect.h"
-#include "db/RebuildAudit.h"
+#include "db/marks/RebuildAudit.h"
+#include "db/sql/Dialect.h"
 #include "rebuild/ReplaceTags.h"
 #include "rebuild/TagOptions.h"
 #include "rebuild/UrlPatterns.h"

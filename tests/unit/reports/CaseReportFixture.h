@@ -1,8 +1,8 @@
 #pragma once
 
-#include "reports/PublishReport.h"
 #include "reports/case/CaseReport.h"
 #include "reports/case/CaseTables.h"
+#include "reports/report/PublishReport.h"
 #include "support/SmallFiles.h"
 #include "unit/reports/ReportFixture.h"
 

@@ -2,8 +2,8 @@
 
 #include "base/Files.h"
 #include "base/Text.h"
-#include "db/RecordFacts.h"
-#include "reports/ExportRows.h"
+#include "db/records/RecordFacts.h"
+#include "reports/exports/ExportRows.h"
 #include "support/SmallFiles.h"
 #include "support/WorkingFolder.h"
 #include "unit/views/MadeProject.h"

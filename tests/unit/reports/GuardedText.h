@@ -1,6 +1,6 @@
 #pragma once
 
-#include "reports/SafePage.h"
+#include "reports/pages/SafePage.h"
 
 #include <string>
 #include <string_view>

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "reports/ReportWriter.h"
-#include "reports/SortTable.h"
+#include "reports/report/ReportWriter.h"
+#include "reports/report/SortTable.h"
 #include "unit/rebuild/RebuildFixture.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>

@@ -1,6 +1,6 @@
 #include "base/Base64.h"
 #include "base/Digest.h"
-#include "db/CaseTrail.h"
+#include "db/trail/CaseTrail.h"
 #include "reports/case/CaseStyle.h"
 #include "unit/reports/CaseReportFixture.h"
 

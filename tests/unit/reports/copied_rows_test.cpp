@@ -1,4 +1,4 @@
-#include "reports/CopiedRows.h"
+#include "reports/exports/CopiedRows.h"
 
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>

@@ -3,8 +3,8 @@
 #include "base/Text.h"
 #include "rebuild/exact/OwnParts.h"
 #include "rebuild/exact/PageReferences.h"
-#include "reports/SafePage.h"
-#include "reports/SafeStyle.h"
+#include "reports/pages/SafePage.h"
+#include "reports/pages/SafeStyle.h"
 #include "support/HostileWays.h"
 
 #include <gmock/gmock.h>

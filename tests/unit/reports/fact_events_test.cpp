@@ -1,5 +1,5 @@
-#include "db/NamedTags.h"
-#include "db/RecordTags.h"
+#include "db/marks/NamedTags.h"
+#include "db/marks/RecordTags.h"
 #include "unit/reports/EventsFixture.h"
 
 #include <gmock/gmock.h>

@@ -1,4 +1,4 @@
-#include "reports/ImportPage.h"
+#include "reports/report/ImportPage.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,4 +1,4 @@
-#include "reports/PublishReport.h"
+#include "reports/report/PublishReport.h"
 #include "support/SmallFiles.h"
 #include "unit/reports/ReportFixture.h"
 

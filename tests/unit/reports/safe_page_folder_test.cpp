@@ -1,5 +1,5 @@
 #include "base/Files.h"
-#include "reports/SafePage.h"
+#include "reports/pages/SafePage.h"
 #include "support/TempFolder.h"
 
 #include <gmock/gmock.h>

@@ -1,5 +1,5 @@
 #include "base/Base64.h"
-#include "reports/PageWriter.h"
+#include "reports/pages/PageWriter.h"
 #include "unit/reports/GuardedText.h"
 
 #include <gmock/gmock.h>

@@ -3,8 +3,8 @@
 #include "markup/CssTokens.h"
 #include "markup/HtmlDocument.h"
 #include "markup/SrcSet.h"
-#include "reports/PageWriter.h"
-#include "reports/SafePage.h"
+#include "reports/pages/PageWriter.h"
+#include "reports/pages/SafePage.h"
 #include "support/HostileWays.h"
 #include "unit/reports/GuardedText.h"
 

@@ -1,6 +1,6 @@
 #include "base/Base64.h"
-#include "reports/SafePage.h"
-#include "reports/SafeTrack.h"
+#include "reports/pages/SafePage.h"
+#include "reports/pages/SafeTrack.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,8 +1,8 @@
 #include "base/Base64.h"
 #include "base/Files.h"
 #include "base/Text.h"
-#include "reports/PartsInside.h"
-#include "reports/SafePage.h"
+#include "reports/pages/PartsInside.h"
+#include "reports/pages/SafePage.h"
 #include "support/HostileWays.h"
 #include "support/TempFolder.h"
 

@@ -1,6 +1,6 @@
 #include "base/Trap.h"
-#include "db/CaseTrail.h"
-#include "db/Connection.h"
+#include "db/sql/Connection.h"
+#include "db/trail/CaseTrail.h"
 #include "unit/reports/ReportFixture.h"
 
 namespace nv::test {

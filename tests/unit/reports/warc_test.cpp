@@ -2,7 +2,7 @@
 #include "base/Files.h"
 #include "readers/HttpHeaders.h"
 #include "rebuild/RebuildContext.h"
-#include "reports/ExportRows.h"
+#include "reports/exports/ExportRows.h"
 #include "reports/warc/WarcHead.h"
 #include "reports/warc/WarcTarget.h"
 #include "reports/warc/WarcWriter.h"

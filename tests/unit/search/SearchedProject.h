@@ -1,7 +1,7 @@
 #pragma once
 
-#include "db/BindId.h"
-#include "db/RecordFacts.h"
+#include "db/records/RecordFacts.h"
+#include "db/sql/BindId.h"
 #include "search/IndexFile.h"
 #include "search/Search.h"
 #include "search/SearchIndex.h"

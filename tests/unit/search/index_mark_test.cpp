@@ -1,6 +1,6 @@
 #include "SearchedProject.h"
-#include "db/CaseTrail.h"
-#include "db/Connection.h"
+#include "db/sql/Connection.h"
+#include "db/trail/CaseTrail.h"
 #include "search/IndexMark.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>

@@ -1,8 +1,8 @@
 #include "SearchedProject.h"
 #include "base/Files.h"
 #include "base/Md5.h"
-#include "db/Dialect.h"
-#include "db/StoredQueries.h"
+#include "db/project/StoredQueries.h"
+#include "db/sql/Dialect.h"
 #include "support/Unprivileged.h"
 
 #include <filesystem>

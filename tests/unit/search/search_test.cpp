@@ -1,5 +1,5 @@
 #include "SearchedProject.h"
-#include "db/RecordTags.h"
+#include "db/marks/RecordTags.h"
 #include "search/HitFinder.h"
 #include "search/SearchFailure.h"
 #include "search/SearchedRowReader.h"

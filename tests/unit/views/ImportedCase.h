@@ -2,7 +2,7 @@
 
 #include "import/ImportTrail.h"
 #include "support/TestProject.h"
-#include "views/ImportOverview.h"
+#include "views/overview/ImportOverview.h"
 
 #include <gtest/gtest.h>
 

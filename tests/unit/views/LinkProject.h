@@ -2,7 +2,7 @@
 
 #include "base/Md5.h"
 #include "support/TestProject.h"
-#include "views/LinkAnalysis.h"
+#include "views/links/LinkAnalysis.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>
 #include <fmt/format.h>

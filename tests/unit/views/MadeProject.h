@@ -1,6 +1,6 @@
 #pragma once
 
-#include "db/ProjectDatabase.h"
+#include "db/project/ProjectDatabase.h"
 #include "support/TempFolder.h"
 #include "support/TestDoubles.h"
 #include "time/TimeZone.h"

@@ -1,6 +1,6 @@
 #include "rebuild/Templates.h"
 #include "unit/rebuild/RebuildFixture.h"
-#include "views/Audit.h"
+#include "views/record/Audit.h"
 
 #include <gmock/gmock.h>
 

@@ -1,6 +1,6 @@
 #include "base/Files.h"
 #include "support/TempFolder.h"
-#include "views/CachedText.h"
+#include "views/record/CachedText.h"
 
 #include <gtest/gtest.h>
 

@@ -1,5 +1,5 @@
 #include "base/Text.h"
-#include "views/CellText.h"
+#include "views/rows/CellText.h"
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,6 @@
 #include "support/TestProject.h"
-#include "views/ColumnLimit.h"
-#include "views/UrlTable.h"
+#include "views/limits/ColumnLimit.h"
+#include "views/table/UrlTable.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>
 #include <gmock/gmock.h>

@@ -1,4 +1,4 @@
-#include "views/UrlColumns.h"
+#include "views/rows/UrlColumns.h"
 
 #include <gtest/gtest.h>
 

@@ -1,8 +1,8 @@
 #include "base/Base64.h"
 #include "base/Text.h"
 #include "time/DateFormat.h"
-#include "views/DecodedValues.h"
-#include "views/NumberTimes.h"
+#include "views/record/DecodedValues.h"
+#include "views/record/NumberTimes.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

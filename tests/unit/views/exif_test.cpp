@@ -1,7 +1,7 @@
 #include "base/Files.h"
 #include "support/TempFolder.h"
 #include "support/builders/ExifJpeg.h"
-#include "views/Exif.h"
+#include "views/record/Exif.h"
 
 #include <gtest/gtest.h>
 

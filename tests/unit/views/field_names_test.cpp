@@ -1,4 +1,4 @@
-#include "views/FieldNames.h"
+#include "views/rows/FieldNames.h"
 
 #include <gtest/gtest.h>
 

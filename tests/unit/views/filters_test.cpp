@@ -1,9 +1,9 @@
 #include "MadeProject.h"
-#include "db/RecordStore.h"
-#include "db/UrlRecord.h"
+#include "db/records/RecordStore.h"
+#include "db/records/UrlRecord.h"
 #include "import/Categories.h"
-#include "views/IdLoader.h"
-#include "views/RecordFilters.h"
+#include "views/rows/IdLoader.h"
+#include "views/rows/RecordFilters.h"
 
 #include <cstddef>
 #include <random>

@@ -1,7 +1,7 @@
 #include "MadeProject.h"
-#include "db/StoredQueries.h"
+#include "db/project/StoredQueries.h"
 #include "time/ExactZone.h"
-#include "views/UrlTable.h"
+#include "views/table/UrlTable.h"
 
 #include <gmock/gmock.h>
 

@@ -3,7 +3,7 @@
 #include "readers/Registry.h"
 #include "support/TempFolder.h"
 #include "support/TestDoubles.h"
-#include "views/FoundTree.h"
+#include "views/overview/FoundTree.h"
 
 #include <gtest/gtest.h>
 

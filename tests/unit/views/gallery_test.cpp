@@ -1,7 +1,7 @@
 #include "MadeProject.h"
-#include "db/StoredQueries.h"
-#include "views/DateIndex.h"
-#include "views/Gallery.h"
+#include "db/project/StoredQueries.h"
+#include "views/gallery/Gallery.h"
+#include "views/rows/DateIndex.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

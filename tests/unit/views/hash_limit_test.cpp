@@ -1,10 +1,10 @@
-#include "db/NamedTags.h"
-#include "db/RecordTags.h"
+#include "db/marks/NamedTags.h"
+#include "db/marks/RecordTags.h"
 #include "unit/views/MadeProject.h"
-#include "views/ColumnLimit.h"
-#include "views/DateIndex.h"
-#include "views/HashLimit.h"
-#include "views/UrlTable.h"
+#include "views/limits/ColumnLimit.h"
+#include "views/limits/HashLimit.h"
+#include "views/rows/DateIndex.h"
+#include "views/table/UrlTable.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,6 +1,6 @@
-#include "db/HashSets.h"
+#include "db/hashes/HashSets.h"
 #include "support/TestProject.h"
-#include "views/HashMatch.h"
+#include "views/limits/HashMatch.h"
 
 #include <fmt/format.h>
 #include <gtest/gtest.h>

@@ -1,5 +1,5 @@
 #include "support/TempFolder.h"
-#include "views/HexHits.h"
+#include "views/hex/HexHits.h"
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,7 @@
 #include "support/TempFolder.h"
 #include "support/TestDoubles.h"
-#include "views/HexFind.h"
-#include "views/HexSource.h"
+#include "views/hex/HexFind.h"
+#include "views/hex/HexSource.h"
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,7 @@
 #include "MadeProject.h"
-#include "db/UrlRecord.h"
-#include "views/Hosts.h"
-#include "views/UrlTable.h"
+#include "db/records/UrlRecord.h"
+#include "views/limits/Hosts.h"
+#include "views/table/UrlTable.h"
 
 #include <limits>
 #include <string>

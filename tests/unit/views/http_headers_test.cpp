@@ -1,4 +1,4 @@
-#include "views/HttpHeaders.h"
+#include "views/record/HttpHeaders.h"
 
 #include <gmock/gmock.h>
 

@@ -1,4 +1,4 @@
-#include "views/IconKey.h"
+#include "views/rows/IconKey.h"
 
 #include <gtest/gtest.h>
 

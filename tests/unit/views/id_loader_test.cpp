@@ -1,6 +1,6 @@
 #include "MadeProject.h"
-#include "views/DateIndex.h"
-#include "views/IdLoader.h"
+#include "views/rows/DateIndex.h"
+#include "views/rows/IdLoader.h"
 
 namespace nv {
 namespace {

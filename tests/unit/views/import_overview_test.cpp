@@ -1,5 +1,5 @@
 #include "ImportedCase.h"
-#include "views/LightColors.h"
+#include "views/overview/LightColors.h"
 
 #include <cmath>
 

@@ -1,4 +1,4 @@
-#include "views/LayoutBook.h"
+#include "views/table/LayoutBook.h"
 
 #include <gtest/gtest.h>
 

@@ -1,5 +1,5 @@
 #include "LinkProject.h"
-#include "views/LinkList.h"
+#include "views/links/LinkList.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

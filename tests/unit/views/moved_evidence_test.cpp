@@ -1,5 +1,5 @@
 #include "MadeProject.h"
-#include "views/MovedEvidence.h"
+#include "views/limits/MovedEvidence.h"
 
 namespace nv {
 namespace {

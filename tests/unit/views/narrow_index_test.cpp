@@ -1,11 +1,11 @@
-#include "db/Connection.h"
+#include "db/sql/Connection.h"
 #include "unit/views/MadeProject.h"
-#include "views/ColumnLimit.h"
-#include "views/NarrowIndex.h"
-#include "views/PlaceLimit.h"
-#include "views/Places.h"
-#include "views/TimeLimit.h"
-#include "views/Timeline.h"
+#include "views/limits/ColumnLimit.h"
+#include "views/limits/PlaceLimit.h"
+#include "views/limits/Places.h"
+#include "views/rows/NarrowIndex.h"
+#include "views/timeline/TimeLimit.h"
+#include "views/timeline/Timeline.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

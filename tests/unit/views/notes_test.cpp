@@ -1,6 +1,6 @@
 #include "MadeProject.h"
-#include "views/Notes.h"
-#include "views/ViewerContent.h"
+#include "views/record/ViewerContent.h"
+#include "views/tags/Notes.h"
 
 #include <gtest/gtest.h>
 

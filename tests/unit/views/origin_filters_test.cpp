@@ -1,8 +1,8 @@
 #include "MadeProject.h"
-#include "db/UrlRecord.h"
-#include "views/IdLoader.h"
-#include "views/OriginChoices.h"
-#include "views/RecordFilters.h"
+#include "db/records/UrlRecord.h"
+#include "views/limits/OriginChoices.h"
+#include "views/rows/IdLoader.h"
+#include "views/rows/RecordFilters.h"
 
 // Whose records the table shows.
 namespace nv {

@@ -1,4 +1,4 @@
-#include "views/Pard.h"
+#include "views/gallery/Pard.h"
 
 #include <gtest/gtest.h>
 

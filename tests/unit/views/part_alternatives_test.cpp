@@ -1,7 +1,7 @@
-#include "db/PartChoices.h"
+#include "db/marks/PartChoices.h"
 #include "rebuild/LocalNames.h"
 #include "unit/rebuild/exact/ExactFixture.h"
-#include "views/PartAlternatives.h"
+#include "views/record/PartAlternatives.h"
 
 #include <gmock/gmock.h>
 

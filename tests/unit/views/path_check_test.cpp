@@ -1,5 +1,5 @@
 #include "support/TempFolder.h"
-#include "views/PathCheck.h"
+#include "views/rows/PathCheck.h"
 
 #include <gtest/gtest.h>
 

@@ -1,9 +1,9 @@
 #include "MadeProject.h"
-#include "db/RecordTags.h"
+#include "db/marks/RecordTags.h"
 #include "support/TestDoubles.h"
-#include "views/PlaceLimit.h"
-#include "views/Places.h"
-#include "views/UrlTable.h"
+#include "views/limits/PlaceLimit.h"
+#include "views/limits/Places.h"
+#include "views/table/UrlTable.h"
 
 #include <fmt/format.h>
 #include <gmock/gmock.h>

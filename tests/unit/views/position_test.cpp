@@ -1,6 +1,6 @@
 #include "support/TempFolder.h"
 #include "support/builders/ExifJpeg.h"
-#include "views/ExifPosition.h"
+#include "views/record/ExifPosition.h"
 
 #include <gtest/gtest.h>
 

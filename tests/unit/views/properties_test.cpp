@@ -1,8 +1,8 @@
 #include "MadeProject.h"
 #include "base/Files.h"
-#include "db/RecordFacts.h"
+#include "db/records/RecordFacts.h"
 #include "support/builders/ExifJpeg.h"
-#include "views/Properties.h"
+#include "views/record/Properties.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,6 +1,6 @@
 #include "MadeProject.h"
-#include "views/QueryBuilder.h"
-#include "views/QueryMessages.h"
+#include "views/queries/QueryBuilder.h"
+#include "views/queries/QueryMessages.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,8 +1,8 @@
 #include "MadeProject.h"
-#include "db/StoredQueries.h"
-#include "views/QueryCommands.h"
-#include "views/QueryMessages.h"
-#include "views/UrlQuery.h"
+#include "db/project/StoredQueries.h"
+#include "views/queries/QueryCommands.h"
+#include "views/queries/QueryMessages.h"
+#include "views/rows/UrlQuery.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,9 +1,9 @@
 #include "MadeProject.h"
-#include "db/Dialect.h"
-#include "db/ReadOnlyConnection.h"
-#include "db/Schema.h"
-#include "views/QueryGrid.h"
-#include "views/TestQuery.h"
+#include "db/schema/Schema.h"
+#include "db/sql/Dialect.h"
+#include "db/sql/ReadOnlyConnection.h"
+#include "views/queries/QueryGrid.h"
+#include "views/queries/TestQuery.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,7 +1,7 @@
 #include "MadeProject.h"
-#include "db/RecordFacts.h"
+#include "db/records/RecordFacts.h"
 #include "time/ExactZone.h"
-#include "views/RecordCard.h"
+#include "views/record/RecordCard.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,8 +1,8 @@
 #include "MadeProject.h"
 #include "time/ExactZone.h"
-#include "views/CellText.h"
-#include "views/RowCells.h"
-#include "views/RowPager.h"
+#include "views/rows/CellText.h"
+#include "views/rows/RowCells.h"
+#include "views/rows/RowPager.h"
 
 namespace nv {
 namespace {

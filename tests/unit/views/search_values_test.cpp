@@ -1,8 +1,8 @@
 #include "MadeProject.h"
-#include "db/RecordTags.h"
+#include "db/marks/RecordTags.h"
 #include "search/FoldedText.h"
 #include "support/TestDoubles.h"
-#include "views/SearchValues.h"
+#include "views/limits/SearchValues.h"
 
 #include <fmt/format.h>
 #include <gmock/gmock.h>

@@ -1,6 +1,6 @@
-#include "db/ProjectFields.h"
+#include "db/project/ProjectFields.h"
 #include "support/TestProject.h"
-#include "views/TableLayout.h"
+#include "views/table/TableLayout.h"
 
 #include <gtest/gtest.h>
 

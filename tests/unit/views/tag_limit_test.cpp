@@ -1,9 +1,9 @@
-#include "db/NamedTags.h"
-#include "db/RecordTags.h"
+#include "db/marks/NamedTags.h"
+#include "db/marks/RecordTags.h"
 #include "unit/views/MadeProject.h"
-#include "views/TagHistory.h"
-#include "views/TagLimit.h"
-#include "views/UrlTable.h"
+#include "views/limits/TagLimit.h"
+#include "views/table/UrlTable.h"
+#include "views/tags/TagHistory.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,9 +1,9 @@
 #include "MadeProject.h"
-#include "db/ReadOnlyConnection.h"
-#include "db/StoredQueries.h"
-#include "views/IdLoader.h"
-#include "views/TestQuery.h"
-#include "views/UrlTable.h"
+#include "db/project/StoredQueries.h"
+#include "db/sql/ReadOnlyConnection.h"
+#include "views/queries/TestQuery.h"
+#include "views/rows/IdLoader.h"
+#include "views/table/UrlTable.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -5,9 +5,9 @@
 #include "support/FakeDrawing.h"
 #include "support/TestProject.h"
 #include "support/UrlIds.h"
-#include "views/PageThumbnails.h"
-#include "views/ThumbnailJobs.h"
-#include "views/Thumbnails.h"
+#include "views/gallery/PageThumbnails.h"
+#include "views/gallery/ThumbnailJobs.h"
+#include "views/gallery/Thumbnails.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,5 +1,5 @@
 #include "support/TestProject.h"
-#include "views/TickCount.h"
+#include "views/rows/TickCount.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>
 #include <gtest/gtest.h>

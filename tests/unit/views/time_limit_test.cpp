@@ -1,8 +1,8 @@
 #include "time/ExactZone.h"
 #include "time/LocalSeconds.h"
 #include "unit/views/MadeProject.h"
-#include "views/TimeLimit.h"
-#include "views/UrlTable.h"
+#include "views/table/UrlTable.h"
+#include "views/timeline/TimeLimit.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

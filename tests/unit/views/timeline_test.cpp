@@ -1,7 +1,7 @@
 #include "platform/posix/ChartFile.h"
 #include "time/ExactZone.h"
 #include "unit/views/MadeProject.h"
-#include "views/TimelineChart.h"
+#include "views/timeline/TimelineChart.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

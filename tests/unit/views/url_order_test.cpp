@@ -1,6 +1,6 @@
 #include "MadeProject.h"
-#include "db/StoredQueries.h"
-#include "views/UrlTable.h"
+#include "db/project/StoredQueries.h"
+#include "views/table/UrlTable.h"
 
 // In which order the table has its rows, and the columns that came later.
 namespace nv {

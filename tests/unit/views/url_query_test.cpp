@@ -1,4 +1,4 @@
-#include "views/UrlQuery.h"
+#include "views/rows/UrlQuery.h"
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,7 @@
 #include "MadeProject.h"
-#include "db/ProjectFields.h"
-#include "db/StoredQueries.h"
-#include "views/UrlTable.h"
+#include "db/project/ProjectFields.h"
+#include "db/project/StoredQueries.h"
+#include "views/table/UrlTable.h"
 
 namespace nv {
 namespace {

@@ -1,5 +1,5 @@
 #include "MadeProject.h"
-#include "views/ViewerChoice.h"
+#include "views/record/ViewerChoice.h"
 
 #include <gtest/gtest.h>
 

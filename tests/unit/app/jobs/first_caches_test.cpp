@@ -1,4 +1,4 @@
-#include "db/RebuiltParts.h"
+#include "db/marks/RebuiltParts.h"
 #include "rebuild/exact/ExactRebuild.h"
 #include "support/ImportedSite.h"
 #include "support/builders/site/SiteCaches.h"

@@ -3,7 +3,7 @@
 #include "app/project/Project.h"
 #include "base/Digest.h"
 #include "base/Files.h"
-#include "db/CaseTrail.h"
+#include "db/trail/CaseTrail.h"
 #include "import/Scan.h"
 #include "rebuild/TemplateList.h"
 #include "support/UrlIds.h"

@@ -2,8 +2,8 @@
 
 #include "app/options/Options.h"
 #include "app/project/Project.h"
-#include "db/CaseTrail.h"
-#include "db/ProjectFields.h"
+#include "db/project/ProjectFields.h"
+#include "db/trail/CaseTrail.h"
 #include "unit/app/ProgramFixture.h"
 
 namespace nv::test {

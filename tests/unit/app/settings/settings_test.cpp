@@ -4,8 +4,8 @@
 #include "app/options/SettingsTable.h"
 #include "support/SettingOfTheGuide.h"
 #include "unit/app/options/OptionsFixture.h"
-#include "views/Gallery.h"
-#include "views/Thumbnails.h"
+#include "views/gallery/Gallery.h"
+#include "views/gallery/Thumbnails.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>
 #include <fmt/format.h>

@@ -1,4 +1,4 @@
-#include "db/PartChoices.h"
+#include "db/marks/PartChoices.h"
 #include "rebuild/LocalNames.h"
 #include "rebuild/RebuildMethod.h"
 #include "rebuild/TemplateList.h"

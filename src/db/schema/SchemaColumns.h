@@ -1,0 +1,9 @@
+#pragma once
+
+#include "db/schema/Schema.h"
+
+namespace nv::schema {
+
+std::span<const Column> urlColumns();
+
+} // namespace nv::schema

@@ -1,0 +1,305 @@
+#include "ui/parts/ReportPart.h"
+
+#include "app/jobs/RebuildJob.h"
+#include "app/jobs/ReportJob.h"
+#include "app/jobs/ReportTags.h"
+#include "app/jobs/Trail.h"
+#include "app/messages/Messages.h"
+#include "app/messages/ReportMessages.h"
+#include "app/project/EvidenceFolders.h"
+#include "app/settings/Settings.h"
+#include "base/Files.h"
+#include "base/Text.h"
+#include "base/Trap.h"
+#include "platform/qt/QtText.h"
+#include "reports/report/PublishReport.h"
+#include "time/DateFormat.h"
+#include "ui/reports/ReportForm.h"
+#include "ui/reports/ReportPreview.h"
+#include "ui/viewers/BrowserPane.h"
+#include "ui/viewers/ReportPane.h"
+
+#include <QAction>
+#include <QDesktopServices>
+#include <QUrl>
+#include <fmt/format.h>
+#include <fmt/ranges.h>
+
+#include <algorithm>
+#include <optional>
+
+namespace nv {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr std::string_view kChooseFolder =
+    "Publish Report: Select an output folder for the published report:";
+
+/// Nothing is ever written beside evidence.
+void refuseEvidence(const fs::path &target, ProgramState &state) {
+    if (const auto folder = evidenceAround(target, state))
+        throw StorageFailure(messages::liesInEvidence(target, *folder).text);
+}
+
+/// Which rows the report holds, for its cover.
+std::string contentOf(const UrlTable &table, bool isAll, const std::vector<std::string> &tags) {
+    std::string text = isAll ? "the rows of the table" : "the ticked rows of the table";
+    if (!tags.empty())
+        text += " with " + tagsText(tags);
+    if (!table.choice.activeQueryName.empty())
+        text += fmt::format(", the query \"{}\"", table.choice.activeQueryName);
+    if (table.choice.filterByHostEnabled)
+        text += fmt::format(", the host \"{}\"", table.choice.filterByHostValue);
+    if (table.time)
+        text += fmt::format(", from {} up to {}", isoUtc(table.time->from), isoUtc(table.time->to));
+    if (table.hiddenCount() > 0)
+        text += fmt::format(" ({} hidden by the filters or by the time)",
+                            counted(table.hiddenCount(), "row"));
+    return text;
+}
+
+/// Those of `ids` that are among `tagged`, which are ascending, in their order.
+void leaveTagged(RowIds &ids, const RowIds &tagged) {
+    std::erase_if(ids,
+                  [&tagged](std::int32_t id) { return !std::ranges::binary_search(tagged, id); });
+}
+
+} // namespace
+
+ReportPart::ReportPart(Workbench &bench) : m_bench(bench) {
+    connect(bench.actions.createReport, &QAction::triggered, this,
+            [this] { m_bench.run("ReportForm.OkBtn_Click()", [this] { create(); }); });
+    connect(bench.actions.publishReport, &QAction::triggered, this,
+            [this] { m_bench.run("MainForm.PublishReport()", [this] { publishReport(); }); });
+    connect(bench.actions.openReportFolder, &QAction::triggered, this, &ReportPart::openFolder);
+    connect(&bench, &Workbench::projectOpened, this, &ReportPart::findReport);
+    bench.askBeforeClosing = [this] { return askBeforeClosing(); };
+    connect(bench.viewers->findChild<ReportPane *>(), &ReportPane::largeWanted, this,
+            &ReportPart::showLarge);
+    tellOfFailures();
+}
+
+void ReportPart::showLarge() {
+    if (const fs::path page = lastReport(); !page.empty())
+        ReportPreview(page, &m_bench.window).exec();
+}
+
+/// Whatever comes later than the command that shows it: the engine loads by itself.
+void ReportPart::tellOfFailures() {
+    const BrowserPane &browser = m_bench.viewers->findChild<ReportPane *>()->browser();
+    connect(&browser, &BrowserPane::pageFailed, this, [this](const QString &reason) {
+        m_bench.program.log.write({fromQt(reason), "ReportForm.OkBtn_Click()", Severity::Warning,
+                                   std::string(kContactSupport)});
+        m_bench.examiner().tell(messages::reportNotLoaded(fromQt(reason)));
+    });
+}
+
+void ReportPart::create() {
+    if (!m_bench.table->table())
+        return;
+    Program &program = m_bench.program;
+    ReportTools tools(program, program.task, program.state.tempFolderPath);
+    RowIds rows = m_bench.table->table()->ids();
+    if (!chooseOptions(tools, rows))
+        return;
+    withdrawReport();
+    bool finished = false;
+    std::optional<std::string> failure;
+    m_bench.runTask({"CREATING REPORT", "Overall Progress", "", ""}, [&](TaskMonitor &) {
+        failure =
+            failureOf(program.log, "ReportForm.OkBtn_Click()", [&] { finished = tools.run(rows); });
+    });
+    if (!finished)
+        findReport(); // an earlier one of the other type is still there
+    if (failure)
+        m_bench.examiner().tell(messages::reportingError(*failure));
+    else
+        tellOf(tools, finished);
+    if (finished && m_publishes)
+        publishReport();
+}
+
+/// The pages lie in the folder for scratch, where others may take their place.
+bool ReportPart::isThere(const Made &made) const {
+    std::error_code none;
+    return made.project == m_bench.program.state.projectDBPath &&
+           fs::is_regular_file(made.page, none);
+}
+
+fs::path ReportPart::lastReport() const {
+    const auto last = std::find_if(m_made.rbegin(), m_made.rend(),
+                                   [this](const Made &made) { return isThere(made); });
+    return last == m_made.rend() ? fs::path() : last->page;
+}
+
+std::optional<bool> ReportPart::askBeforeClosing() {
+    std::vector<Made> lost;
+    for (const Made &made : m_made)
+        if (m_bench.isProjectOpen() && !made.isSettled && isThere(made))
+            lost.push_back(made);
+    if (lost.empty())
+        return std::nullopt;
+    const Answer answer = m_bench.examiner().ask(
+        messages::reportNotPublished(lost.size(), textOf(lost.front().page)));
+    if (answer != Answer::Yes && answer != Answer::No)
+        return false;
+    for (const Made &made : lost) {
+        if (answer == Answer::Yes && !publish(made.type))
+            return false;
+        settle(made.type);
+    }
+    return true;
+}
+
+/// A report of a type takes the place of the one before.
+void ReportPart::settle(int type) {
+    for (Made &made : m_made)
+        made.isSettled |= made.type == type && isThere(made);
+}
+
+/// The pane shows the report again of a project that is opened again: it lies in the folder for
+/// scratch until the program ends, or until another one takes its name.
+void ReportPart::findReport() {
+    m_bench.program.state.viewer.reportURL = lastReport().string();
+    m_bench.viewers->findChild<ReportPane *>()->refresh();
+}
+
+/// False when the examiner thinks better of it.
+bool ReportPart::chooseOptions(ReportTools &tools, RowIds &ids) {
+    Program &program = m_bench.program;
+    readReportOptions(program.settings, tools.report);
+    // Those of another case, which an earlier version of the program kept with its settings.
+    tools.report.caseNumber.clear();
+    tools.report.reportedBy.clear();
+    readProjectReportOptions(program, tools.report);
+    UnreadRows unread; // the report names them
+    const auto tagged = taggedIds(program, unread);
+    const auto shown = static_cast<std::size_t>(std::ranges::count_if(
+        ids, [&tagged](auto id) { return std::ranges::binary_search(tagged, UrlId{id}); }));
+    tools.report.includeAll = shown == 0;
+    const std::vector<ReportTag> tags = reportTags(program, ids);
+    ReportForm form(tools.report, {ids.size(), shown, tags, keptReportTags(program)},
+                    m_bench.examiner(), &m_bench.window);
+    if (form.exec() != QDialog::Accepted)
+        return false;
+    form.apply(tools.report);
+    m_publishes = form.publishes();
+    const std::vector<std::string> names = form.chosenTags();
+    if (!names.empty())
+        leaveTagged(ids, rowsWithOneOf(tags, names));
+    tools.report.caseOptions.content =
+        contentOf(*m_bench.table->table(), tools.report.includeAll, names);
+    if (!writeProjectReportOptions(program, tools.report) || !keepReportTags(program, names))
+        m_bench.examiner().tell(messages::reportingError(
+            "The choices could not be kept with the project; the log of the program says why."));
+    if (!writeReportOptions(tools.report, program.settings))
+        m_bench.examiner().tell(messages::settingsNotWritten(program.settings.path()));
+    return true;
+}
+
+void ReportPart::tellOf(const ReportTools &tools, bool finished) {
+    if (finished) {
+        m_bench.actions.openReportFolder->setEnabled(true);
+        showReport(tools.report.reportFilePath);
+        m_bench.showNotice(
+            tr("The report is ready; Publish Report keeps it when the program ends. %1")
+                .arg(pathToQt(tools.report.reportFilePath)));
+        if (const auto notes = notesOf(tools.report); !notes.empty())
+            m_bench.examiner().tell(messages::reportingError(
+                fmt::format("{}\n\nThe log \"{}\" says why.", fmt::join(notes, "\n"),
+                            textOf(m_bench.program.log.path()))));
+    } else if (tools.report.cancel) {
+        m_bench.showNotice(tr("The report was cancelled."));
+    } else {
+        m_bench.examiner().tell(messages::reportingError(fmt::format(
+            "The report could not be made; see \"{}\".", textOf(m_bench.program.log.path()))));
+    }
+}
+
+/// The finished report comes to the front of the viewers.
+void ReportPart::showReport(const fs::path &page) {
+    const auto failure = failureOf(m_bench.program.log, "ReportForm.OkBtn_Click()", [&] {
+        std::erase_if(m_made, [&page](const Made &each) { return each.page == page; });
+        m_made.push_back({m_bench.program.state.projectDBPath, page,
+                          readNumber(m_bench.program.settings, "ReportType")});
+        m_bench.program.state.viewer.reportURL = page.string();
+        auto *pane = m_bench.viewers->findChild<ReportPane *>();
+        pane->refresh();
+        m_bench.viewers->showOnce(*pane);
+        m_bench.viewers->refresh();
+    });
+    if (failure)
+        m_bench.examiner().tell(messages::reportNotLoaded(*failure));
+}
+
+/// The one that is shown is about to be written over, under the same name.
+void ReportPart::withdrawReport() {
+    m_bench.program.state.viewer.reportURL.clear();
+    m_bench.viewers->findChild<ReportPane *>()->refresh();
+}
+
+void ReportPart::publishReport() {
+    publish(readNumber(m_bench.program.settings, "ReportType"));
+}
+
+bool ReportPart::publish(int type) {
+    const ProgramState &state = m_bench.program.state;
+    if (!isReportThere(ReportFolder::of(state.tempFolderPath, type), type)) {
+        m_bench.examiner().tell(messages::nothingToPublish());
+        return false;
+    }
+    const auto target =
+        m_bench.dialogs.chooseFolder(std::string(kChooseFolder), state.publishTempFolder);
+    if (!target || !fs::is_directory(*target))
+        return false;
+    refuseEvidence(*target, m_bench.program.state);
+    return m_bench.examiner().ask(messages::readyToPublish()) == Answer::Yes &&
+           mayReplace(*target, type) && publishTo(*target, type);
+}
+
+/// What an earlier report held and this one doesn't would be handed over with it. False when the
+/// examiner thinks better of it.
+bool ReportPart::mayReplace(const fs::path &target, int type) const {
+    if (!isReportThere(ReportFolder::at(target), type))
+        return true;
+    return m_bench.examiner().ask(messages::replacePublished(textOf(target))) == Answer::Yes;
+}
+
+bool ReportPart::publishTo(const fs::path &target, int type) {
+    Published published;
+    std::optional<std::string> failure;
+    m_bench.runTask({"PUBLISHING REPORT", "Copying report contents to output folder...", "", ""},
+                    [&](TaskMonitor &task) {
+                        failure = failureOf(m_bench.program.log, "MainForm.PublishReport()", [&] {
+                            const ReportFolder report =
+                                ReportFolder::of(m_bench.program.state.tempFolderPath, type);
+                            removePublished(target, type);
+                            published = nv::publishReport(report, type, target, task);
+                            if (!published.cancelled)
+                                notePublish(m_bench.program, ReportFolder::at(target).index(type),
+                                            published);
+                        });
+                    });
+    if (failure) {
+        m_bench.examiner().tell(messages::commandFailed(*failure));
+        return false;
+    }
+    if (published.cancelled) {
+        m_bench.showNotice(tr("Publishing was cancelled after %L1 files.").arg(published.files));
+        return false;
+    }
+    settle(type);
+    m_bench.examiner().tell(messages::reportPublished());
+    return true;
+}
+
+void ReportPart::openFolder() const {
+    const fs::path last = lastReport();
+    const ReportFolder report(m_bench.program.state.tempFolderPath);
+    QDesktopServices::openUrl(
+        QUrl::fromLocalFile(pathToQt(last.empty() ? report.path : last.parent_path())));
+}
+
+} // namespace nv

@@ -1,0 +1,56 @@
+#pragma once
+
+#include "ui/parts/Workbench.h"
+
+#include <filesystem>
+#include <optional>
+#include <vector>
+
+namespace nv {
+
+class ReportTools;
+
+/// The commands Create Report and Publish Report.
+class ReportPart final : public QObject {
+    Q_OBJECT
+
+  public:
+    explicit ReportPart(Workbench &bench);
+
+  private:
+    /// A report that was made since the start.
+    struct Made {
+        std::filesystem::path project;
+        std::filesystem::path page;
+        int type = 0;           ///< as the settings have it
+        bool isSettled = false; ///< published, or the examiner lets it go
+    };
+
+    void create();
+    /// The newest report of the open project that is still there; empty for none.
+    std::filesystem::path lastReport() const;
+    void findReport();
+    bool isThere(const Made &made) const;
+    void settle(int type);
+    std::optional<bool> askBeforeClosing();
+    /// Leaves of the rows those that the report is of.
+    bool chooseOptions(ReportTools &tools, RowIds &ids);
+    void tellOf(const ReportTools &tools, bool finished);
+    void showLarge();
+    void showReport(const std::filesystem::path &page);
+    void tellOfFailures();
+    void withdrawReport();
+    /// That of the type which was made last.
+    void publishReport();
+    /// False when it isn't published.
+    bool publish(int type);
+    bool mayReplace(const std::filesystem::path &target, int type) const;
+    bool publishTo(const std::filesystem::path &target, int type);
+    void openFolder() const;
+
+    Workbench &m_bench;
+    bool m_publishes = false; ///< the report in hand, once it is made
+    std::vector<Made> m_made; ///< in their order; a page is there once
+};
+
+} // namespace nv

@@ -1,0 +1,43 @@
+#pragma once
+
+#include "ui/viewers/HitViewer.h"
+
+#include <QList>
+#include <QTextEdit>
+
+#include <vector>
+
+class QPlainTextEdit;
+class QTextDocument;
+
+namespace nv {
+
+/// A mark for each hit in a box of text.
+QList<QTextEdit::ExtraSelection> hitSelections(QTextDocument &text, HitFinder *finder);
+
+/// The hits in a box of text, whatever text the box comes to show.
+class HitMarks final : public HitViewer {
+    Q_OBJECT
+
+  public:
+    /// The box owns it. `viewer` is what has it.
+    HitMarks(QPlainTextEdit &box, QWidget &viewer, QString name);
+
+    QWidget &viewer() override { return m_viewer; }
+    QString name() const override { return m_name; }
+    void take(const RecordHits &hits) override;
+    HitCount count() const override;
+    /// Chooses the next mark behind the cursor, or before it.
+    HitStep goOn(bool forward) override;
+
+  private:
+    void mark();
+
+    QPlainTextEdit &m_box;
+    QWidget &m_viewer;
+    QString m_name;
+    std::shared_ptr<HitFinder> m_finder;
+    QList<QTextEdit::ExtraSelection> m_marks; ///< from the left
+};
+
+} // namespace nv

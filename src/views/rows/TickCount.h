@@ -1,0 +1,30 @@
+#pragma once
+
+#include "views/rows/IdLoader.h"
+
+#include <cstdint>
+#include <optional>
+
+namespace nv {
+
+/// How many rows are ticked, in the project and in a list of it. Reading that takes a look at each
+/// row of the project, so what was read serves until a tick changes.
+class TickCount {
+  public:
+    std::int64_t all() const { return m_all; }
+    std::int64_t shown() const { return m_shown; }
+
+    /// Of these rows. Throws what the database says, and leaves the counts as they were.
+    void count(SQLite::Database &project, const RowIds &ids);
+    /// A row was ticked or unticked; `isShown` when it is one of those that were counted.
+    void note(bool tagged, bool isShown);
+    /// Others may have changed ticks.
+    void forget() { m_ticked.reset(); }
+
+  private:
+    std::int64_t m_all = 0;
+    std::int64_t m_shown = 0;
+    std::optional<RowIds> m_ticked; ///< ascending
+};
+
+} // namespace nv
