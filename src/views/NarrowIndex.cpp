@@ -4,6 +4,7 @@
 #include "base/Trap.h"
 #include "search/IdBits.h"
 #include "views/StatementWatch.h"
+#include "views/TickCount.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>
 #include <fmt/format.h>
@@ -215,7 +216,8 @@ IndexState ensureNarrowIndexes(SQLite::Database &project, TaskMonitor &task) {
         if (each != IndexState::Present)
             state = each;
     }
-    return state;
+    const IndexState ticks = ensureTickIndex(project, task);
+    return ticks == IndexState::Present ? state : ticks;
 }
 
 std::int32_t NarrowRow::id() const {

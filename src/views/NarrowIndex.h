@@ -15,10 +15,10 @@ struct sqlite3_value;
 namespace nv {
 
 /// Makes `URLTimeIndex` and `URLHostIndex` when the project has none: a few columns of all rows, so
-/// that what is counted of millions reads some tens of bytes a row and not the row. SQLite keeps
-/// them true, whoever writes. No statement uses them that doesn't name them: what a query of the
-/// examiner's gives, and in which order, is the same with and without. A cancel leaves the project
-/// without. Throws what the database says.
+/// that what is counted of millions reads some tens of bytes a row and not the row; and that of the
+/// ticked rows. SQLite keeps them true, whoever writes. No statement uses them that doesn't name
+/// them: what a query of the examiner's gives, and in which order, is the same with and without. A
+/// cancel leaves the project without. Throws what the database says.
 IndexState ensureNarrowIndexes(SQLite::Database &project, TaskMonitor &task);
 
 /// A row as an index has it, as long as it is shown.
