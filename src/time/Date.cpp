@@ -11,7 +11,6 @@ namespace {
 
 constexpr double kFirstDay = -657434; // 0100-01-01
 constexpr double kEndDay = 2958466;   // 10000-01-01
-constexpr double kSecondsPerDay = 86400;
 
 } // namespace
 

@@ -2,12 +2,6 @@
 
 namespace nv {
 
-namespace {
-
-constexpr std::int64_t kHour = 3600;
-
-} // namespace
-
 std::optional<std::int64_t> LocalSeconds::of(Date utc) {
     if (!utc.has())
         return std::nullopt;

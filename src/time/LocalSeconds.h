@@ -1,5 +1,6 @@
 #pragma once
 
+#include "time/StoredDays.h"
 #include "time/TimeZone.h"
 
 #include <cstdint>
@@ -20,8 +21,19 @@ class LocalSeconds {
     /// Seconds since 1970-01-01 00:00 by the zone's clock. Nothing without a date, and for one that
     /// the zone moves out of the calendar. Throws std::range_error as convertDateToZone() does.
     std::optional<std::int64_t> of(Date utc);
+    /// The same of a date as it is stored.
+    std::optional<std::int64_t> ofDays(double days) {
+        // Dates that follow each other are often of one hour: then this is all there is to do.
+        const double seconds = (days - Date::kUnixEpoch) * kSecondsPerDay + earlyBy(days) -
+                               static_cast<double>(m_lastHour);
+        if (m_lastOffset && days >= Date::kUnixEpoch && seconds >= 0 && seconds < kHour)
+            return m_lastHour + static_cast<std::int64_t>(seconds) + *m_lastOffset;
+        return of(Date::fromDays(days));
+    }
 
   private:
+    static constexpr std::int64_t kHour = 3600;
+
     std::optional<std::int64_t> offsetAt(std::int64_t utcSeconds) const;
 
     const TimeZone &m_zone;

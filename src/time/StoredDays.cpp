@@ -5,18 +5,6 @@
 
 namespace nv {
 
-namespace {
-
-constexpr double kSecondsPerDay = 86400;
-
-} // namespace
-
-double earlyBy(double days) {
-    constexpr double kOfSums = 5e-6; // zones and seconds that were added
-    constexpr double kOfLastBits = 4e-11;
-    return kOfSums + std::abs(days) * kOfLastBits;
-}
-
 double firstDays(Date date) {
     const auto second = static_cast<double>(date.unixSeconds());
     return Date::kUnixEpoch + (second - earlyBy(date.days())) / kSecondsPerDay;

@@ -10,8 +10,14 @@ namespace nv {
 // last bits are worth a microsecond today, and more the farther a year is from 1899. All that asks
 // for the second of a date, or compares stored days with one, goes by these.
 
+inline constexpr double kSecondsPerDay = 86400;
+
 /// Seconds by which a whole second of that day may be early.
-double earlyBy(double days);
+inline double earlyBy(double days) {
+    constexpr double kOfSums = 5e-6; // zones and seconds that were added
+    constexpr double kOfLastBits = 4e-11;
+    return kOfSums + (days < 0 ? -days : days) * kOfLastBits;
+}
 
 /// The least stored days of a date in the same second; without a date meaningless.
 double firstDays(Date date);

@@ -142,7 +142,7 @@ void ColumnLimitsPart::choose(UrlColumn column) {
     CountedValues counted;
     if (isListed && !isLong)
         m_bench.runTask({"COUNTING VALUES", "", "", ""}, [&](TaskMonitor &task) {
-            walk = countValues(m_bench.project(), ids, column, kMostListed, task, counted);
+            walk = table->countValues(ids, column, kMostListed, task, counted);
         });
     if (walk == Walk::Cancelled)
         return;

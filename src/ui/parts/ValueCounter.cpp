@@ -28,6 +28,13 @@ void ValueCounter::stop() {
         m_thread.join();
 }
 
+namespace {
+
+/// Each page is read once, one after the other: to keep many would only take memory.
+constexpr const char *kSmallCache = "PRAGMA cache_size=-2048";
+
+} // namespace
+
 void ValueCounter::work(const std::filesystem::path &project, const RowIds &ids, UrlColumn column,
                         std::size_t most) {
     CountedValues values;
@@ -35,6 +42,7 @@ void ValueCounter::work(const std::filesystem::path &project, const RowIds &ids,
     NoLog unheard; // the log is the window's: what went wrong is told there
     const auto failure = failureOf(unheard, "ValueCounter.work()", [&] {
         const auto database = connectToProject(project, Access::read);
+        database->exec(kSmallCache);
         StoppableTask task(m_stops,
                            [this](int done) { tell([this, done] { emit advanced(done); }); });
         walk = countValues(

@@ -6,6 +6,7 @@
 #include "search/FoldedText.h"
 #include "search/FoundIds.h"
 #include "views/limits/GatheredTexts.h"
+#include "views/limits/ValueCounts.h"
 #include "views/rows/CellText.h"
 #include "views/rows/NarrowIndex.h"
 #include "views/rows/UrlQuery.h"
@@ -22,9 +23,6 @@
 namespace nv {
 
 namespace {
-
-/// Values come from evidence: a column can hold another one in each row.
-constexpr std::size_t kMostValues = 200'000;
 
 struct TextHash {
     using is_transparent = void; // NOLINT(readability-identifier-naming)
@@ -47,6 +45,11 @@ std::string_view sourceOf(UrlColumn column) {
         return "(Notes <> '')";
     const bool isOfZone = rule == CellRule::ZoneDate || rule == CellRule::LocalDate;
     return isOfZone ? factsOf(UrlColumn::ActionDateUtc).source : factsOf(column).source;
+}
+
+bool isFlag(CellRule rule) {
+    return rule == CellRule::YesNo || rule == CellRule::Flag || rule == CellRule::Rebuilt ||
+           rule == CellRule::Note;
 }
 
 /// The types as the table shows them; the same few come again and again.
@@ -91,8 +94,6 @@ Walk walkRows(SQLite::Database &project, const RowIds &ids, UrlColumn column, Ta
     if (isGathered(column))
         return walkGathered(project, sorted, column, task, look);
     const UrlColumnFacts &facts = factsOf(column);
-    const bool isFlag = facts.rule == CellRule::YesNo || facts.rule == CellRule::Flag ||
-                        facts.rule == CellRule::Rebuilt || facts.rule == CellRule::Note;
     TypeWords types;
     SQLite::Statement row(project, fmt::format("SELECT URL_ID, {} FROM URLs WHERE URL_ID >= ? "
                                                "ORDER BY URL_ID",
@@ -107,7 +108,7 @@ Walk walkRows(SQLite::Database &project, const RowIds &ids, UrlColumn column, Ta
             if (!walk.goTo(id))
                 return;
             const SQLite::Column value = row.getColumn(1);
-            if (isFlag)
+            if (isFlag(facts.rule))
                 look(id, value.getInt() != 0 ? "Yes" : "No");
             else if (facts.rule == CellRule::Type)
                 look(id, types.of(textIn(value)));
@@ -130,39 +131,22 @@ NarrowWalk walkIndex(SQLite::Database &project, const RowIds &ids, UrlColumn col
     });
 }
 
-/// How often each value came.
-class ValueCounts {
-  public:
-    void add(std::string_view value) {
-        if (m_last == m_counts.end() || m_last->first != value)
-            m_last = m_counts.find(value);
-        if (m_last == m_counts.end() && m_counts.size() < kMostValues)
-            m_last = m_counts.emplace(value, 0).first;
-        if (m_last != m_counts.end())
-            ++m_last->second;
+/// The same by one statement over all rows of the table.
+NarrowWalk walkStatement(SQLite::Database &project, const RowIds &ids, UrlColumn column,
+                         RowOrder order, TaskMonitor &task, const Look &look) {
+    if (isGathered(column))
+        return NarrowWalk::Impossible;
+    const CellRule rule = factsOf(column).rule;
+    TypeWords types;
+    return walkTable(project, sourceOf(column), ids, order, task, [&](const NarrowRow &row) {
+        if (isFlag(rule))
+            look(row.id(), row.isSet(0) ? "Yes" : "No");
+        else if (rule == CellRule::Type)
+            look(row.id(), types.of(row.text(0)));
         else
-            m_isCut = true;
-    }
-    /// There were more values than are counted: which of them depends on who came first.
-    bool isCut() const { return m_isCut; }
-    CountedValues most(std::size_t most) const {
-        CountedValues counted{{m_counts.begin(), m_counts.end()}, m_isCut};
-        std::ranges::sort(counted.values, [](const auto &one, const auto &other) {
-            return one.second != other.second ? one.second > other.second : one.first < other.first;
-        });
-        if (counted.values.size() > most) {
-            counted.values.resize(most);
-            counted.isCut = true;
-        }
-        return counted;
-    }
-
-  private:
-    using Counts = std::unordered_map<std::string, std::int64_t, TextHash, std::equal_to<>>;
-    Counts m_counts;
-    Counts::iterator m_last = m_counts.end(); ///< rows side by side often say the same
-    bool m_isCut = false;
-};
+            look(row.id(), row.text(0));
+    });
+}
 
 bool isWithin(std::string_view text, const ColumnLimit &limit) {
     double days = 0;
@@ -269,19 +253,57 @@ Walk keepByColumn(SQLite::Database &project, const ColumnLimit &limit, TaskMonit
         if (!test.meets(value))
             out.push_back(id);
     };
-    const NarrowWalk byIndex =
-        limit.dates ? walkDates(project, ids, limit, task, out)
-                    : walkIndex(project, ids, limit.column, NarrowIds::told, task, look);
-    if (byIndex == NarrowWalk::Cancelled)
+    NarrowWalk walk = limit.dates
+                          ? walkDates(project, ids, limit, task, out)
+                          : walkIndex(project, ids, limit.column, NarrowIds::told, task, look);
+    if (walk == NarrowWalk::Impossible) {
+        out.clear();
+        walk = walkStatement(project, ids, limit.column, RowOrder::any, task, look);
+    }
+    if (walk == NarrowWalk::Cancelled)
         return Walk::Cancelled;
-    if (byIndex == NarrowWalk::Impossible) {
+    if (walk == NarrowWalk::Impossible) {
         out.clear();
         if (walkRows(project, ids, limit.column, task, look) == Walk::Cancelled)
             return Walk::Cancelled;
     }
-    leaveOut(sortedIds(out), ids);
+    if (!std::ranges::is_sorted(out)) // as an index shows them; millions aren't copied
+        out = sortedIds(out);
+    leaveOut(out, ids);
     return Walk::Finished;
 }
+
+namespace {
+
+/// Counts values, and tells of the first ones.
+class Counting {
+  public:
+    Counting(std::size_t most, const CountedSoFar &soFar) : m_most(most), m_soFar(soFar) {}
+    void add(std::string_view value) {
+        m_counts.add(value);
+        if (++m_rows < m_next || !m_soFar)
+            return;
+        m_soFar(m_counts.most(m_most), m_rows);
+        m_next *= 2;
+    }
+    const ValueCounts &counts() const { return m_counts; }
+    /// Counts anew, and tells no more until it has come as far again.
+    void restart() {
+        m_counts = {};
+        m_rows = 0;
+    }
+
+  private:
+    static constexpr std::size_t kFirst = 10'000;
+
+    std::size_t m_most;
+    const CountedSoFar &m_soFar;
+    ValueCounts m_counts;
+    std::size_t m_rows = 0;
+    std::size_t m_next = kFirst;
+};
+
+} // namespace
 
 Walk countValues(SQLite::Database &project, const RowIds &ids, UrlColumn column, std::size_t most,
                  TaskMonitor &task, CountedValues &counted, const CountedSoFar &soFar) {
@@ -293,19 +315,15 @@ Walk countValues(SQLite::Database &project, const RowIds &ids, UrlColumn column,
         counted = known.most(most);
         return byIndex == NarrowWalk::Cancelled ? Walk::Cancelled : Walk::Finished;
     }
-    constexpr std::size_t kFirst = 10'000;
-    ValueCounts counts;
-    std::size_t rows = 0;
-    std::size_t next = kFirst;
-    const Walk walk =
-        walkRows(project, ids, column, task, [&](std::int32_t, std::string_view value) {
-            counts.add(value);
-            if (++rows != next || !soFar)
-                return;
-            soFar(counts.most(most), rows);
-            next *= 2;
-        });
-    counted = counts.most(most);
+    Counting counting(most, soFar);
+    const auto add = [&](std::int32_t, std::string_view value) { counting.add(value); };
+    const NarrowWalk byTable = walkStatement(project, ids, column, RowOrder::byId, task, add);
+    Walk walk = byTable == NarrowWalk::Cancelled ? Walk::Cancelled : Walk::Finished;
+    if (byTable == NarrowWalk::Impossible) {
+        counting.restart();
+        walk = walkRows(project, ids, column, task, add);
+    }
+    counted = counting.counts().most(most);
     return walk;
 }
 

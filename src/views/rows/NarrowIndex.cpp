@@ -4,6 +4,7 @@
 #include "base/Trap.h"
 #include "search/IdBits.h"
 #include "views/rows/StatementWatch.h"
+#include "views/rows/TickCount.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>
 #include <fmt/format.h>
@@ -121,12 +122,13 @@ RawStatement prepared(SQLite::Database &project, const std::string &sql) {
     return RawStatement(statement);
 }
 
-/// With the least and the greatest id of the rows that it shows.
-RawStatement lookStatement(SQLite::Database &project, const NarrowIndex &index,
-                           const Columns &columns, NarrowIds told) {
-    const std::string sql = fmt::format("SELECT {}(?1, {}{}), {} FROM URLs INDEXED BY {} WHERE {}",
-                                        kFunction, told == NarrowIds::told ? "URL_ID, " : "",
-                                        fmt::join(columns, ", "), kEnds, index.name, kAllRows);
+/// With the least and the greatest id of the rows that it shows. `how` they are read is the end of
+/// the statement.
+RawStatement lookStatement(SQLite::Database &project, std::string_view how, const Columns &columns,
+                           NarrowIds told) {
+    const std::string sql = fmt::format("SELECT {}(?1, {}{}), {} FROM URLs {}", kFunction,
+                                        told == NarrowIds::told ? "URL_ID, " : "",
+                                        fmt::join(columns, ", "), kEnds, how);
     if (auto statement = prepared(project, sql))
         return statement;
     // To replace a function that is there fails while a statement is at work.
@@ -180,24 +182,36 @@ bool areWanted(const Looker &looker, sqlite3_stmt *ends) {
             sqlite3_column_int64(ends, 2) == range.last);
 }
 
-NarrowWalk walkIndex(SQLite::Database &project, const NarrowIndex &index, const Columns &columns,
-                     const RowIds &ids, NarrowIds told, TaskMonitor &task, const Look &look) {
+NarrowWalk walkAll(SQLite::Database &project, std::string_view how, const Columns &columns,
+                   const RowIds &ids, NarrowIds told, TaskMonitor &task, const Look &look) {
     const auto wanted = wantedOf(project, ids);
     if (!wanted || !hasUtf8(project))
         return NarrowWalk::Impossible;
     if (told == NarrowIds::untold && !areAll(project, *wanted))
         told = NarrowIds::told;
-    const RawStatement statement = lookStatement(project, index, columns, told);
+    const RawStatement statement = lookStatement(project, how, columns, told);
     if (!statement)
         return NarrowWalk::Impossible;
     Looker looker{look, *wanted, told};
     sqlite3_bind_pointer(statement.get(), 1, &looker, kLooker, nullptr);
-    const StatementWatch watch(project, task);
+    const StatementWatch watch(project, task, [&] {
+        return static_cast<double>(looker.shown) / static_cast<double>(ids.size());
+    });
     const int answer = sqlite3_step(statement.get());
     if (watch.cancelled())
         return NarrowWalk::Cancelled;
     return answer == SQLITE_ROW && areWanted(looker, statement.get()) ? NarrowWalk::Finished
                                                                       : NarrowWalk::Impossible;
+}
+
+NarrowWalk walkTrapped(SQLite::Database &project, std::string_view how, const Columns &columns,
+                       const RowIds &ids, NarrowIds told, TaskMonitor &task, const Look &look) {
+    NarrowWalk walk = NarrowWalk::Impossible;
+    NoLog unheard; // who reads the rows themselves tells
+    if (failureOf(unheard, {},
+                  [&] { walk = walkAll(project, how, columns, ids, told, task, look); }))
+        return NarrowWalk::Impossible;
+    return walk;
 }
 
 } // namespace
@@ -215,7 +229,8 @@ IndexState ensureNarrowIndexes(SQLite::Database &project, TaskMonitor &task) {
         if (each != IndexState::Present)
             state = each;
     }
-    return state;
+    const IndexState ticks = ensureTickIndex(project, task);
+    return ticks == IndexState::Present ? state : ticks;
 }
 
 std::int32_t NarrowRow::id() const {
@@ -237,16 +252,23 @@ std::optional<double> NarrowRow::number(std::size_t column) const {
                : std::nullopt;
 }
 
+bool NarrowRow::isSet(std::size_t column) const {
+    return sqlite3_value_int(m_columns[column]) != 0;
+}
+
 NarrowWalk walkNarrow(SQLite::Database &project, const Columns &columns, const RowIds &ids,
                       NarrowIds told, TaskMonitor &task, const Look &look) {
     const NarrowIndex *index = indexWith(columns);
-    NarrowWalk walk = NarrowWalk::Impossible;
-    NoLog unheard; // who reads the rows themselves tells
-    if (index != nullptr && failureOf(unheard, {}, [&] {
-            walk = walkIndex(project, *index, columns, ids, told, task, look);
-        }))
+    if (index == nullptr)
         return NarrowWalk::Impossible;
-    return walk;
+    return walkTrapped(project, fmt::format("INDEXED BY {} WHERE {}", index->name, kAllRows),
+                       columns, ids, told, task, look);
+}
+
+NarrowWalk walkTable(SQLite::Database &project, std::string_view source, const RowIds &ids,
+                     RowOrder order, TaskMonitor &task, const Look &look) {
+    return walkTrapped(project, order == RowOrder::byId ? "NOT INDEXED" : "", {source}, ids,
+                       NarrowIds::told, task, look);
 }
 
 bool countNarrow(SQLite::Database &project, std::string_view column,

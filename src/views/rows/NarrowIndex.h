@@ -15,13 +15,13 @@ struct sqlite3_value;
 namespace nv {
 
 /// Makes `URLTimeIndex` and `URLHostIndex` when the project has none: a few columns of all rows, so
-/// that what is counted of millions reads some tens of bytes a row and not the row. SQLite keeps
-/// them true, whoever writes. No statement uses them that doesn't name them: what a query of the
-/// examiner's gives, and in which order, is the same with and without. A cancel leaves the project
-/// without. Throws what the database says.
+/// that what is counted of millions reads some tens of bytes a row and not the row; and that of the
+/// ticked rows. SQLite keeps them true, whoever writes. No statement uses them that doesn't name
+/// them: what a query of the examiner's gives, and in which order, is the same with and without. A
+/// cancel leaves the project without. Throws what the database says.
 IndexState ensureNarrowIndexes(SQLite::Database &project, TaskMonitor &task);
 
-/// A row as an index has it, as long as it is shown.
+/// A row as an index or the table has it, as long as it is shown.
 class NarrowRow {
   public:
     NarrowRow(sqlite3_value *id, sqlite3_value **columns) : m_id(id), m_columns(columns) {}
@@ -31,6 +31,8 @@ class NarrowRow {
     std::string_view text(std::size_t column) const;
     /// Nothing for no value and for a text.
     std::optional<double> number(std::size_t column) const;
+    /// Of a flag.
+    bool isSet(std::size_t column) const;
 
   private:
     sqlite3_value *m_id;
@@ -54,6 +56,14 @@ enum class NarrowWalk {
 NarrowWalk walkNarrow(SQLite::Database &project, const Columns &columns, const RowIds &ids,
                       NarrowIds told, TaskMonitor &task,
                       const std::function<void(const NarrowRow &)> &look);
+
+/// In which order rows are shown: for any, SQLite may read another index that has the columns.
+enum class RowOrder : std::uint8_t { byId, any };
+/// The same of the table: quicker than a statement that is stepped from row to row. `source` is a
+/// column or an expression of some. Impossible where a row can't be read, too.
+NarrowWalk walkTable(SQLite::Database &project, std::string_view source, const RowIds &ids,
+                     RowOrder order, TaskMonitor &task,
+                     const std::function<void(const NarrowRow &)> &look);
 
 /// Shows each value of a column, or one of those that differ in case only, and how many of all rows
 /// have it, by an index. False when that can't be: what was shown is worth nothing then.

@@ -3,13 +3,16 @@
 #include <SQLiteCpp/SQLiteCpp.h>
 #include <sqlite3.h>
 
+#include <utility>
+
 namespace nv {
 
 /// Steps of the database's machine between two questions: a few milliseconds.
 constexpr int kStepsBetween = 100'000;
 
-StatementWatch::StatementWatch(SQLite::Database &database, TaskMonitor &task)
-    : m_database(database), m_task(task) {
+StatementWatch::StatementWatch(SQLite::Database &database, TaskMonitor &task,
+                               std::function<double()> done)
+    : m_database(database), m_task(task), m_done(std::move(done)) {
     sqlite3_progress_handler(database.getHandle(), kStepsBetween, &StatementWatch::ask, this);
 }
 
@@ -19,7 +22,7 @@ StatementWatch::~StatementWatch() {
 
 int StatementWatch::ask(void *watch) {
     auto *self = static_cast<StatementWatch *>(watch);
-    self->m_cancelled = self->m_cancelled || !self->m_task.advance(0);
+    self->m_cancelled = self->m_cancelled || !self->m_task.advance(self->m_done());
     return self->m_cancelled ? 1 : 0;
 }
 

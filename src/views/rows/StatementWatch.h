@@ -2,6 +2,8 @@
 
 #include "base/TaskMonitor.h"
 
+#include <functional>
+
 namespace SQLite {
 class Database;
 class Statement;
@@ -12,10 +14,13 @@ namespace nv {
 enum class Step { Row, Done, Cancelled };
 
 /// While it lives, long statements of the connection ask the task now and then whether to go on.
-/// The task must not use the connection from within advance().
+/// The task must not use the connection from within advance(). `done` says how much of the work is,
+/// 0 to 1.
 class StatementWatch {
   public:
-    StatementWatch(SQLite::Database &database, TaskMonitor &task);
+    StatementWatch(
+        SQLite::Database &database, TaskMonitor &task,
+        std::function<double()> done = [] { return 0.0; });
     ~StatementWatch();
     StatementWatch(const StatementWatch &) = delete;
     StatementWatch &operator=(const StatementWatch &) = delete;
@@ -29,6 +34,7 @@ class StatementWatch {
 
     SQLite::Database &m_database;
     TaskMonitor &m_task;
+    std::function<double()> m_done;
     bool m_cancelled = false;
 };
 

@@ -1,21 +1,49 @@
 #include "views/rows/TickCount.h"
 
+#include "base/NoLog.h"
+#include "base/Trap.h"
+
 #include <SQLiteCpp/SQLiteCpp.h>
+#include <fmt/format.h>
 
 #include <algorithm>
-#include <utility>
+#include <string_view>
 
 namespace nv {
 
+namespace {
+
+/// No query of an examiner's says both.
+constexpr std::string_view kTicked = "Tagged <> 0 AND URL_ID <> 0.5";
+
+RowIds readTicked(SQLite::Database &project, std::string_view how) {
+    RowIds ticked;
+    SQLite::Statement rows(
+        project, fmt::format("SELECT URL_ID FROM URLs {} WHERE {} ORDER BY URL_ID", how, kTicked));
+    while (rows.executeStep())
+        ticked.push_back(rows.getColumn(0).getInt());
+    return ticked;
+}
+
+/// Ascending.
+RowIds tickedRows(SQLite::Database &project) {
+    RowIds ticked;
+    NoLog unheard; // without the index, or with a damaged one, the rows themselves tell
+    if (failureOf(unheard, {}, [&] { ticked = readTicked(project, "INDEXED BY URLTickIndex"); }))
+        ticked = readTicked(project, "NOT INDEXED");
+    return ticked;
+}
+
+} // namespace
+
+IndexState ensureTickIndex(SQLite::Database &project, TaskMonitor &task) {
+    return ensureIndex(project, task, "URLTickIndex",
+                       fmt::format("URLs(Tagged) WHERE {}", kTicked));
+}
+
 void TickCount::count(SQLite::Database &project, const RowIds &ids) {
-    if (!m_ticked) {
-        RowIds ticked;
-        SQLite::Statement rows(project,
-                               "SELECT URL_ID FROM URLs WHERE Tagged <> 0 ORDER BY URL_ID");
-        while (rows.executeStep())
-            ticked.push_back(rows.getColumn(0).getInt());
-        m_ticked = std::move(ticked);
-    }
+    if (!m_ticked)
+        m_ticked = tickedRows(project);
     m_all = static_cast<std::int64_t>(m_ticked->size());
     m_shown = std::ranges::count_if(
         ids, [this](std::int32_t id) { return std::ranges::binary_search(*m_ticked, id); });

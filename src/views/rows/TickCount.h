@@ -1,5 +1,6 @@
 #pragma once
 
+#include "views/rows/DateIndex.h"
 #include "views/rows/IdLoader.h"
 
 #include <cstdint>
@@ -7,8 +8,13 @@
 
 namespace nv {
 
-/// How many rows are ticked, in the project and in a list of it. Reading that takes a look at each
-/// row of the project, so what was read serves until a tick changes.
+/// Makes `URLTickIndex`, which holds the ticked rows alone, when the project has none. As the
+/// narrow indexes it serves no statement that doesn't name it. A cancel leaves the project without.
+/// Throws what the database says.
+IndexState ensureTickIndex(SQLite::Database &project, TaskMonitor &task);
+
+/// How many rows are ticked, in the project and in a list of it. Without the index reading that
+/// takes a look at each row of the project, so what was read serves until a tick changes.
 class TickCount {
   public:
     std::int64_t all() const { return m_all; }

@@ -109,8 +109,10 @@ LoadResult UrlTable::narrow(TaskMonitor &task) {
     rows.hidden = m_hidden - (rows.ids.size() - m_ids.size());
     rows.oneByOne = m_oneByOne;
     // Reading what stands in columns takes long, and a search is typed letter by letter.
-    if (byColumn == m_columns)
+    if (m_idsOfColumns && std::ranges::mismatch(m_columns, byColumn).in1 == m_columns.end()) {
         rows.ofColumns = m_idsOfColumns;
+        rows.columnsMet = m_columns.size();
+    }
     const LoadResult result = attempt([&] { return limit(task, rows); });
     if (result != LoadResult::Loaded)
         return result;
@@ -166,12 +168,12 @@ Walk UrlTable::limit(TaskMonitor &task, Found &rows) {
 Walk UrlTable::limitColumns(TaskMonitor &task, Found &rows) {
     if (byColumn.empty())
         return Walk::Finished;
-    if (rows.ofColumns) {
+    if (rows.ofColumns)
         rows.ids = *rows.ofColumns;
+    if (rows.columnsMet == byColumn.size())
         return Walk::Finished;
-    }
-    for (const ColumnLimit &each : byColumn)
-        if (keepByColumn(m_project, each, task, rows.ids) == Walk::Cancelled)
+    for (std::size_t at = rows.columnsMet; at < byColumn.size(); ++at)
+        if (keepByColumn(m_project, byColumn[at], task, rows.ids) == Walk::Cancelled)
             return Walk::Cancelled;
     rows.ofColumns = rows.ids;
     return Walk::Finished;
@@ -251,6 +253,12 @@ LoadResult UrlTable::sortBy(SortChoice order, TaskMonitor &task) {
     if (result == LoadResult::Loaded)
         sort.reset();
     return result;
+}
+
+Walk UrlTable::countValues(const RowIds &ids, UrlColumn column, std::size_t most, TaskMonitor &task,
+                           CountedValues &counted) {
+    const Busy busy(m_busy);
+    return nv::countValues(m_project, ids, column, most, task, counted);
 }
 
 FindResult UrlTable::find(const FindText &what, std::size_t from, TaskMonitor &task) {

@@ -109,6 +109,10 @@ class UrlTable {
     /// those that are shown.
     void checkColumns();
 
+    /// As nv::countValues(), of some of its rows.
+    Walk countValues(const RowIds &ids, UrlColumn column, std::size_t most, TaskMonitor &task,
+                     CountedValues &counted);
+
     /// The next cell with the text, from the place `from` on and round; cancelled while a load or a
     /// sort runs. Throws what the database says.
     FindResult find(const FindText &what, std::size_t from, TaskMonitor &task);
@@ -160,6 +164,7 @@ class UrlTable {
     struct Found : FoundRows {
         std::optional<RowIds> ofQuery;    ///< before all limits
         std::optional<RowIds> ofColumns;  ///< before those of search and time
+        std::size_t columnsMet = 0;       ///< the first limits of columns, which those meet
         std::optional<RowIds> ofAllTimes; ///< before the time limit
     };
     bool prepareProject(TaskMonitor &task);

@@ -196,7 +196,7 @@ std::optional<Walk> eventsOfIndex(SQLite::Database &project, const RowIds &ids, 
     };
     const auto take = [&](const NarrowRow &row) {
         const auto days = row.number(0);
-        const auto second = clock.of(days ? Date::fromDays(*days) : Date());
+        const auto second = days ? clock.ofDays(*days) : std::nullopt;
         events.undated += second ? 0 : 1;
         if (!second)
             return;

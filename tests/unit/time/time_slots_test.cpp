@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <array>
+#include <cmath>
 
 namespace nv {
 namespace {
@@ -49,9 +50,14 @@ struct LocalSecondsTest : testing::Test {
     void expectSameAsEachByItself(const TimeZone &zone, std::int64_t from, std::int64_t to,
                                   std::int64_t step) {
         LocalSeconds clock(zone, true);
+        LocalSeconds ofDays(zone, true);
+        constexpr std::array kMicroseconds = {0, 20, 999'000, 999'960, 999'999};
         for (std::int64_t second = from; second < to; second += step) {
             const Date utc = Date::fromUnixSeconds(second);
             ASSERT_EQ(clock.of(utc), convertDateToZone(utc, zone, true).unixSeconds()) << second;
+            const double part = kMicroseconds.at(static_cast<std::size_t>(second) % 5) / 1e6;
+            const double days = utc.days() + part / kSecondsPerDay;
+            ASSERT_EQ(ofDays.ofDays(days), clock.of(Date::fromDays(days))) << second << " " << part;
         }
     }
     TimeZone exact(const char *name) {
@@ -81,6 +87,8 @@ TEST_F(LocalSecondsTest, areNoneWithoutADate) {
     EXPECT_FALSE(clock.of(Date()));
     EXPECT_FALSE(clock.of(Date::fromCivil({9999, 12, 31, 23, 0, 0})));
     EXPECT_TRUE(clock.of(Date::fromCivil({9999, 12, 31, 1, 0, 0})));
+    for (const double days : {-657434.1, 2958466.0, 1e300, std::nan("")})
+        EXPECT_FALSE(clock.ofDays(days)) << days;
 }
 
 } // namespace

@@ -1,10 +1,16 @@
 #include "support/TestProject.h"
 #include "views/limits/ColumnLimit.h"
+#include "views/limits/GatheredTexts.h"
+#include "views/limits/ValueCounts.h"
 #include "views/table/UrlTable.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>
+#include <fmt/format.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+
+#include <map>
+#include <random>
 
 namespace nv {
 namespace {
@@ -12,6 +18,7 @@ namespace {
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 using ::testing::Pair;
+using ::testing::UnorderedElementsAre;
 
 struct ColumnLimitTest : testing::Test {
     ColumnLimitTest() {
@@ -155,6 +162,84 @@ TEST_F(ColumnLimitTest, tellsWhatTheFirstRowsCameTo) {
     EXPECT_THAT(counted.values, ElementsAre(Pair("late", 30'000), Pair("early", 15'000)));
 }
 
+/// The columns of the table that have values of their own in each row.
+std::vector<UrlColumn> storedColumns() {
+    std::vector<UrlColumn> columns;
+    for (const UrlColumnFacts &facts : kUrlColumns)
+        if (valuesOf(facts.column) != ColumnValues::none && !isGathered(facts.column))
+            columns.push_back(facts.column);
+    return columns;
+}
+
+/// Most rows are told by one statement, few are looked up one by one.
+TEST_F(ColumnLimitTest, manyRowsAndFewTellTheSame) {
+    constexpr std::int32_t kRows = 200;
+    constexpr std::int32_t kFew = 20;
+    std::mt19937 random(5);
+    project.connection().exec("DELETE FROM URLs");
+    SQLite::Statement columns(project.connection(), "SELECT name FROM pragma_table_info('URLs') "
+                                                    "WHERE pk = 0 AND name NOT LIKE '%ID'");
+    std::vector<std::string> names;
+    while (columns.executeStep())
+        names.push_back(columns.getColumn(0).getString());
+    const char *const values[] = {"NULL", "'a'", "'A'",    "''",        "'1'",
+                                  "0",    "7",   "-2.125", "40123.625", "X'C3A900'"};
+    for (std::int32_t id = 1; id <= kRows; ++id) {
+        project.connection().exec(fmt::format("INSERT INTO URLs (URL_ID) VALUES ({})", id));
+        for (const std::string &name : names)
+            project.connection().exec(fmt::format("UPDATE OR IGNORE URLs SET [{}] = {} WHERE "
+                                                  "URL_ID = {}",
+                                                  name, values[random() % std::size(values)], id));
+    }
+    RowIds all(kRows);
+    std::ranges::generate(all, [id = 0]() mutable { return ++id; });
+    for (const UrlColumn column : storedColumns()) {
+        const ColumnLimit limit{.column = column, .part = "a"};
+        CountedValues many;
+        EXPECT_EQ(countValues(project.connection(), all, column, kRows, task, many),
+                  Walk::Finished);
+        RowIds ofMany = all;
+        EXPECT_EQ(keepByColumn(project.connection(), limit, task, ofMany), Walk::Finished);
+        std::map<std::string, std::int64_t> few;
+        RowIds ofFew;
+        for (auto first = all.begin(); first != all.end(); first += kFew) {
+            RowIds some(first, first + kFew);
+            CountedValues counted;
+            EXPECT_EQ(countValues(project.connection(), some, column, kRows, task, counted),
+                      Walk::Finished);
+            for (const auto &[value, rows] : counted.values)
+                few[value] += rows;
+            EXPECT_EQ(keepByColumn(project.connection(), limit, task, some), Walk::Finished);
+            ofFew.insert(ofFew.end(), some.begin(), some.end());
+        }
+        EXPECT_THAT(many.values, ::testing::UnorderedElementsAreArray(few)) << factsOf(column).key;
+        EXPECT_EQ(ofMany, ofFew) << factsOf(column).key;
+    }
+}
+
+TEST(ValueCounts, countsAsManyValuesAsItHolds) {
+    constexpr std::int64_t kMost = 200'000;
+    ValueCounts counts;
+    for (std::int64_t round = 0; round < 3; ++round)
+        for (std::int64_t value = 0; value < kMost; ++value)
+            if (value % 3 <= round)
+                counts.add(fmt::format("value {}", value));
+    EXPECT_FALSE(counts.isCut());
+    const CountedValues all = counts.most(kMost);
+    ASSERT_EQ(all.values.size(), std::size_t{kMost});
+    EXPECT_FALSE(all.isCut);
+    EXPECT_THAT(all.values.front(), Pair("value 0", 3));
+    EXPECT_THAT(all.values.back(), Pair("value 99998", 1));
+    for (const auto &[value, rows] : all.values)
+        ASSERT_EQ(rows, 3 - std::stol(value.substr(6)) % 3) << value;
+    counts.add("one more");
+    counts.add("value 1");
+    EXPECT_TRUE(counts.isCut());
+    const CountedValues some = counts.most(2);
+    EXPECT_THAT(some.values, ElementsAre(Pair("value 0", 3), Pair("value 1", 3)));
+    EXPECT_TRUE(some.isCut);
+}
+
 TEST_F(ColumnLimitTest, columnsThatAreMadeOfSeveralHaveNone) {
     EXPECT_EQ(valuesOf(UrlColumn::Icon), ColumnValues::none);
     EXPECT_EQ(valuesOf(UrlColumn::TimeRebuilt), ColumnValues::none);
@@ -176,6 +261,11 @@ TEST_F(ColumnLimitTest, aTableHidesTheOthers) {
     table.byColumn.push_back({.column = UrlColumn::Visits, .from = 5});
     EXPECT_EQ(table.narrow(task), LoadResult::Loaded);
     EXPECT_EQ(table.rowCount(), 0U);
+    table.byColumn.erase(table.byColumn.begin());
+    table.ofSearch = std::make_shared<const FoundIds>(FoundIds{1, 2, 4});
+    EXPECT_EQ(table.narrow(task), LoadResult::Loaded);
+    EXPECT_THAT(table.ids(), UnorderedElementsAre(2, 4)) << "without the first of two limits";
+    table.ofSearch = std::make_shared<const FoundIds>(FoundIds{1, 2});
     table.byColumn.clear();
     EXPECT_EQ(table.narrow(task), LoadResult::Loaded);
     EXPECT_EQ(table.rowCount(), 2U);

@@ -2,7 +2,11 @@
 #include "views/rows/TickCount.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>
+#include <fmt/format.h>
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
+
+#include <utility>
 
 namespace nv {
 namespace {
@@ -27,6 +31,42 @@ TEST(TickCount, readsTicksOnceUntilOneChanges) {
     ticks.forget();
     ticks.count(project.connection(), {1, 2, 3});
     EXPECT_EQ(ticks.all(), 0);
+}
+
+TEST(TickCount, readsTheSameByItsIndex) {
+    test::TestProject project;
+    SQLite::Database &db = project.connection();
+    db.exec("INSERT INTO URLs (URL_ID, Tagged) VALUES (1, 1), (2, 0), (3, -1), (4, NULL)");
+    Unwatched task;
+    EXPECT_EQ(ensureTickIndex(db, task), IndexState::Made);
+    EXPECT_EQ(ensureTickIndex(db, task), IndexState::Present);
+    const auto counted = [&] {
+        TickCount ticks;
+        ticks.count(db, {3, 2, 4});
+        return std::pair(ticks.all(), ticks.shown());
+    };
+    EXPECT_EQ(counted(), std::pair(std::int64_t{2}, std::int64_t{1}));
+    db.exec("UPDATE URLs SET Tagged = 1 WHERE URL_ID = 4; UPDATE URLs SET Tagged = 0 WHERE URL_ID "
+            "= 1; INSERT INTO URLs (URL_ID, Tagged) VALUES (9, 1); DELETE FROM URLs WHERE URL_ID = "
+            "3");
+    EXPECT_EQ(counted(), std::pair(std::int64_t{2}, std::int64_t{1}));
+    for (const char *other : {"URLs(Tagged) WHERE Tagged = 5", "URLs(Notes)"}) {
+        db.exec(fmt::format("DROP INDEX URLTickIndex; CREATE INDEX URLTickIndex ON {}", other));
+        EXPECT_EQ(counted(), std::pair(std::int64_t{2}, std::int64_t{1})) << other;
+    }
+}
+
+TEST(TickCount, itsIndexIsTakenByNoOtherStatement) {
+    test::TestProject project;
+    Unwatched task;
+    EXPECT_EQ(ensureTickIndex(project.connection(), task), IndexState::Made);
+    for (const char *query : {"SELECT URL_ID FROM URLs WHERE Tagged <> 0",
+                              "SELECT count(*) FROM URLs WHERE Tagged = 1 AND URL_ID <> 5"}) {
+        SQLite::Statement plan(project.connection(), fmt::format("EXPLAIN QUERY PLAN {}", query));
+        while (plan.executeStep())
+            EXPECT_THAT(plan.getColumn(3).getString(),
+                        testing::Not(testing::HasSubstr("URLTickIndex")));
+    }
 }
 
 } // namespace
