@@ -88,7 +88,7 @@ std::string changedOf(Session &session, const std::set<fs::path> &files) {
     session.task.clear();
     std::set<fs::path> changed;
     for (const CheckedSource &source : check.sources)
-        if (source.state == SourceState::changed)
+        if (source.state == SourceState::changed || source.state == SourceState::appeared)
             changed.insert(source.path);
     return changed.empty() ? fmt::format("read from {}", namesOf(files))
                            : fmt::format("changed: {}", namesOf(changed));

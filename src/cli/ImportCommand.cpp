@@ -19,9 +19,11 @@
 #include "cli/ImportSummaryFile.h"
 #include "cli/LoadedTable.h"
 #include "cli/OutputPath.h"
+#include "cli/RowWriter.h"
 #include "cli/Session.h"
 #include "cli/SharedArguments.h"
 #include "db/project/StoredQueries.h"
+#include "import/ImportTrail.h"
 #include "import/Scan.h"
 #include "readers/Registry.h"
 #include "views/overview/FoundTree.h"
@@ -175,6 +177,12 @@ void openOrCreate(Session &session, const fs::path &project) {
     tellMissingLists(session);
 }
 
+/// Its rows stand beside those that come now.
+void tellUnendedImports(Session &session) {
+    for (const UnendedImport &import : unendedImports(session.program.state.projectDB.connection()))
+        session.err << printable(fmt::format("An earlier import {}.", reasonOf(import))) << '\n';
+}
+
 /// A project keeps the base folder of its first import, since its rows are found by it, until
 /// another one is named.
 void chooseBase(Session &session, const Arguments &arguments) {
@@ -286,6 +294,7 @@ Exit run(Session &session, const Arguments &given) {
     static_cast<void>(hashSetsForImport(session.program)); // before a project is made
     const ImportClaim claim(arguments.project);
     openOrCreate(session, arguments.project);
+    tellUnendedImports(session);
     Program &program = session.program;
     if (namesZone(arguments))
         changeZone(program, arguments.zone, session.task);

@@ -2,6 +2,7 @@
 
 #include "base/NoLog.h"
 #include "base/Trap.h"
+#include "db/sql/SideFiles.h"
 #include "import/ArtefactHash.h"
 
 #include <future>
@@ -35,6 +36,12 @@ void HashesBeside::hash(FileBeside &file) const {
         file.sha256Hash = hashes->sha256;
     });
     file.failure = failure.value_or(std::string());
+}
+
+void HashesBeside::addLogsOf(const fs::path &artefact) {
+    for (const std::string_view suffix : kRowSuffixes)
+        if (const fs::path log = sideFile(artefact, suffix); m_evidence.isPlainFile(log))
+            m_opened.add(log);
 }
 
 std::vector<FileBeside> HashesBeside::take(GapLog &log) {

@@ -21,6 +21,9 @@ class HashesBeside {
     HashesBeside(const Evidence &evidence, OpenedFiles &opened, Workers &workers,
                  HistoryFiles &artefacts);
 
+    /// Log and journal of a database are hashed where they are there, whether anything is read of
+    /// them or not: one that is there later can then be told as new.
+    void addLogsOf(const std::filesystem::path &artefact);
     /// Of the files that were opened since the last call, in the order of their names' bytes. One
     /// that can't be read is told to `log` and comes without hashes.
     [[nodiscard]] std::vector<FileBeside> take(GapLog &log);

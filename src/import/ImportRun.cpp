@@ -207,6 +207,8 @@ class Import {
             settle(result, ArtefactState::failed, m_log.last);
         else
             read(*reader, file, result, SubTask(m_run.task, from, to));
+        if (m_beside && reader && !reader->isOneRecord)
+            m_beside->addLogsOf(file.fullPath);
         if (m_beside)
             result.beside = m_beside->take(m_log);
         m_summary.cancelled |= result.state == ArtefactState::cancelled;

@@ -2,6 +2,7 @@
 
 #include "base/Files.h"
 #include "base/Text.h"
+#include "time/DateFormat.h"
 
 #include <fmt/format.h>
 
@@ -14,6 +15,7 @@ namespace nv {
 
 namespace {
 
+constexpr const char *kBeginAction = "Import Begin";
 constexpr const char *kEndAction = "Import End";
 constexpr std::string_view kFailure = "; ended by: ";
 constexpr std::string_view kNotStored = " not stored";
@@ -30,17 +32,30 @@ std::string rulesOf(const ImportSettings &job) {
     return text;
 }
 
-/// The numbers of an end by their names, in the order in which they are written.
+/// The numbers of a begin by their names, in the order in which they are written.
+template <class Begin, class Visit>
+void eachNumberOfBegin(Begin &begin, Visit &&visit) {
+    visit("files found", begin.found);
+    visit("last row before", begin.lastBefore);
+}
+
+/// Of an end: the same, and more.
 template <class End, class Visit>
 void eachNumber(End &end, Visit &&visit) {
-    visit("files found", end.found);
-    visit("last row before", end.lastBefore);
+    eachNumberOfBegin(end, visit);
     visit("last row", end.lastRow);
     visit("files not reached", end.notReached);
     visit("records not stored", end.rowsLost);
     visit("records passed over", end.passedOver);
     visit("links not followed", end.linksNotFollowed);
     visit("shader caches passed over", end.shaderCaches);
+}
+
+/// Writes "name 12", parted by semicolons.
+auto addingTo(std::string &text) {
+    return [&text](std::string_view name, auto number) {
+        text += fmt::format("{}{} {}", text.empty() ? "" : "; ", name, number);
+    };
 }
 
 constexpr std::string_view kCancelled = "; cancelled";
@@ -111,6 +126,24 @@ TrailEntry trailEntry(const UnreadPlace &place) {
     return entry;
 }
 
+TrailEntry trailEntry(const ImportBegin &begin, const std::filesystem::path &folder) {
+    TrailEntry entry;
+    entry.action = kBeginAction;
+    entry.filePath = textOf(folder);
+    eachNumberOfBegin(begin, addingTo(entry.detail));
+    return entry;
+}
+
+std::optional<ImportBegin> importBeginOf(const TrailEntry &entry) {
+    if (entry.action != kBeginAction)
+        return std::nullopt;
+    ImportBegin begin;
+    eachNumberOfBegin(begin, [&entry](std::string_view name, auto &number) {
+        readNumber(entry.detail, name, number);
+    });
+    return begin;
+}
+
 ImportEnd importEnd(const ImportSummary &summary, std::int64_t lastBefore, std::int64_t lastRow) {
     return {.found = summary.artefacts.size(),
             .lastBefore = lastBefore,
@@ -128,9 +161,7 @@ ImportEnd importEnd(const ImportSummary &summary, std::int64_t lastBefore, std::
 TrailEntry trailEntry(const ImportEnd &end) {
     TrailEntry entry;
     entry.action = kEndAction;
-    eachNumber(end, [&entry](std::string_view name, auto number) {
-        entry.detail += fmt::format("{}{} {}", entry.detail.empty() ? "" : "; ", name, number);
-    });
+    eachNumber(end, addingTo(entry.detail));
     if (end.hashedBeside)
         entry.detail += fmt::format("; {} {}", kHashedBeside, *end.hashedBeside);
     if (end.cancelled)
@@ -156,6 +187,51 @@ std::optional<ImportEnd> importEndOf(const TrailEntry &entry) {
     if (text.find(kHashedBeside) != std::string_view::npos)
         readNumber(text, kHashedBeside, end.hashedBeside.emplace());
     return end;
+}
+
+std::string reasonOf(const UnendedImport &import) {
+    const std::int64_t first = import.begin.lastBefore + 1;
+    std::string rows = fmt::format("its rows follow row {}", import.begin.lastBefore);
+    if (import.lastRow)
+        rows = *import.lastRow < first
+                   ? std::string("no row of it is here")
+                   : fmt::format("rows {} to {} are of it", first, *import.lastRow);
+    return fmt::format("began {} to read {}, and its end isn't told: it was killed, or could not "
+                       "write it{}; {}, and others may be missing",
+                       isoUtc(import.begun), counted(import.begin.found, "file"),
+                       import.lastRow ? "" : ", or is still running", rows);
+}
+
+void UnendedImports::take(const TrailEntry &entry) {
+    const auto leave = [this](std::int64_t lastRow) {
+        m_open->lastRow = lastRow;
+        m_before.push_back(std::move(*m_open));
+        m_open.reset();
+    };
+    if (const auto end = importEndOf(entry); end && m_open) {
+        // Another one is of an earlier version, which told of no begin.
+        if (end->lastBefore == m_open->begin.lastBefore)
+            m_open.reset();
+        else
+            leave(end->lastBefore);
+    } else if (const auto begin = importBeginOf(entry)) {
+        if (m_open)
+            leave(begin->lastBefore);
+        m_open = UnendedImport{entry.actionDateUTC, entry.filePath, *begin, {}};
+    }
+}
+
+std::vector<UnendedImport> UnendedImports::found() const {
+    std::vector<UnendedImport> all = m_before;
+    if (m_open)
+        all.push_back(*m_open);
+    return all;
+}
+
+std::vector<UnendedImport> unendedImports(SQLite::Database &project) {
+    UnendedImports imports;
+    CaseTrail(project).forEach([&imports](const TrailEntry &entry) { imports.take(entry); });
+    return imports.found();
 }
 
 std::optional<ImportedFile> importedFileOf(const TrailEntry &entry) {

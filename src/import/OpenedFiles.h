@@ -13,6 +13,8 @@ namespace nv {
 class OpenedFiles final : public EvidenceWatch {
   public:
     int errorBefore(Step step, const std::filesystem::path &path) override;
+    /// Counts as opened, since it could be read any time.
+    void add(const std::filesystem::path &path);
     /// Those since the last call.
     [[nodiscard]] std::set<std::filesystem::path> take();
 

@@ -14,6 +14,7 @@
 #include "readers/PathOrigin.h"
 #include "readers/ProfileFolder.h"
 #include "readers/Registry.h"
+#include "readers/sqlite/LoneLog.h"
 #include "readers/sqlite/SchemaTables.h"
 
 #include <fmt/format.h>
@@ -125,9 +126,10 @@ class Scan {
 
     void scanFrom(const fs::path &start) {
         const PlaceKind kind = m_evidence.kindOf(start);
-        if (kind == PlaceKind::file)
+        if (kind == PlaceKind::file) {
             tryFile(start, Asked::byName, 0);
-        else if (kind == PlaceKind::special)
+            tryLog(start, Asked::byName);
+        } else if (kind == PlaceKind::special)
             attempt(start, [&] { refuseSpecial(start); });
         else
             scanFolders(start);
@@ -160,9 +162,11 @@ class Scan {
         m_seen += contents.files.size();
         for (const UnreadPlace &place : contents.unreadable)
             noteUnread(place);
-        for (const fs::path &file : contents.files)
+        for (const fs::path &file : contents.files) {
             if (m_mask.matches(textOf(file.filename())) && goOn(fraction))
                 tryFile(file, Asked::byFolder, fraction);
+            tryLog(file, Asked::byFolder);
+        }
     }
 
     /// Browsers make links of their own, which hold their locks. One in the place of an artefact or
@@ -202,9 +206,27 @@ class Scan {
             attempt(file, [&] { takeFile(file, asked, fraction); });
     }
 
+    /// The log of a database is read with it; one without it would be passed over unseen.
+    void tryLog(const fs::path &file, Asked asked) {
+        if (const auto database = databaseOfLog(file); database && !isNoted(file))
+            attempt(file, [&] { refuseLoneLog(file, candidateOf(*database, m_evidence), asked); });
+    }
+
+    void refuseLoneLog(const fs::path &log, const Candidate &database, Asked asked) const {
+        const std::string name = textOf(database.file.filename());
+        if (m_evidence.find(database.file.parent_path(), name))
+            return;
+        for (const Reader *reader : formatsFor(name))
+            if (!reader->isOneRecord && isWantedByName(*reader, database))
+                if (const auto reason = loneLogText(log, database, *reader, asked == Asked::byName);
+                    !reason.empty())
+                    throw std::runtime_error(reason);
+    }
+
     void takeFile(const fs::path &file, Asked asked, double fraction) {
         Candidate candidate = candidateOf(file, m_evidence);
         candidate.verifySignatures = m_job.verifyFileSignatures;
+        candidate.unread = &m_result.gaps.unreadable;
         const auto formats = asked == Asked::byName
                                  ? std::vector(m_formats.begin(), m_formats.end())
                                  : formatsFor(textOf(file.filename()));

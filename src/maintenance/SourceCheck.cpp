@@ -6,6 +6,7 @@
 #include "base/Paths.h"
 #include "base/Text.h"
 #include "base/Trap.h"
+#include "db/sql/SideFiles.h"
 #include "db/trail/CaseTrail.h"
 #include "import/ArtefactHash.h"
 #include "import/ImportTrail.h"
@@ -31,6 +32,8 @@ namespace {
 
 namespace fs = std::filesystem;
 
+constexpr std::string_view kProcedure = "MainBAS.verifySources()";
+
 CheckedSource sourceOf(const TrailEntry &entry) {
     CheckedSource source;
     source.path = entry.filePath;
@@ -43,37 +46,70 @@ CheckedSource sourceOf(const TrailEntry &entry) {
 /// What the case trail tells, which knows each file of the same content, and then what only table
 /// `SourceFiles` does, as in projects of earlier versions. A file that was imported again after it
 /// had changed is there twice.
-std::vector<CheckedSource> sourcesOf(SQLite::Database &project, std::size_t &besideUnhashed) {
-    std::vector<CheckedSource> sources;
-    std::size_t ofThisImport = 0; ///< or of those before whose ends aren't told
-    std::set<std::pair<std::string, std::string>> seen; ///< path and MD5
-    const auto add = [&](CheckedSource source) {
-        if (seen.emplace(source.path, source.md5Then).second)
-            sources.push_back(std::move(source));
-    };
-    for (const TrailEntry &entry : CaseTrail(project).entries()) {
+class Sources {
+  public:
+    explicit Sources(SQLite::Database &project) {
+        for (const TrailEntry &entry : CaseTrail(project).entries())
+            take(entry);
+        besideUnhashed += m_ofThisImport.size();
+        const std::size_t told = all.size();
+        SQLite::Statement row(project, "SELECT FilePath, ifnull(FileSize, 0), ifnull(MD5Hash, '') "
+                                       "FROM SourceFiles ORDER BY SourceFile_ID");
+        while (row.executeStep()) {
+            CheckedSource source;
+            source.path = row.getColumn(0).getString();
+            source.sizeThen = row.getColumn(1).getInt64();
+            source.md5Then = row.getColumn(2).getString();
+            add(std::move(source));
+        }
+        besideUnhashed += all.size() - told;
+    }
+
+    std::vector<CheckedSource> all;
+    UnendedImports unended;
+    std::size_t besideUnhashed = 0;
+
+    /// Logs and journals that lie beside the file, which the import would have hashed. Each once.
+    std::vector<fs::path> takeNewBeside(const Evidence &evidence, const std::string &file) {
+        std::vector<fs::path> found;
+        if (!m_besideHashed.contains(file))
+            return found;
+        const fs::path path = pathFromText(file).value_or(file);
+        for (const std::string_view suffix : kRowSuffixes)
+            if (const auto log =
+                    evidence.find(path.parent_path(), textOf(path.filename()).append(suffix));
+                log && m_paths.insert(textOf(*log)).second)
+                found.push_back(*log);
+        return found;
+    }
+
+  private:
+    void take(const TrailEntry &entry) {
+        unended.take(entry);
         if (entry.action == kImportAction || entry.action == kBesideAction)
             add(sourceOf(entry));
-        ofThisImport += entry.action == kImportAction ? 1 : 0;
+        if (entry.action == kImportAction)
+            m_ofThisImport.push_back(entry.filePath);
         if (const auto end = importEndOf(entry)) {
-            besideUnhashed += end->hashedBeside ? 0 : ofThisImport;
-            ofThisImport = 0;
+            if (end->hashedBeside)
+                m_besideHashed.insert(m_ofThisImport.begin(), m_ofThisImport.end());
+            else
+                besideUnhashed += m_ofThisImport.size();
+            m_ofThisImport.clear();
         }
     }
-    besideUnhashed += ofThisImport;
-    const std::size_t told = sources.size();
-    SQLite::Statement row(project, "SELECT FilePath, ifnull(FileSize, 0), ifnull(MD5Hash, '') "
-                                   "FROM SourceFiles ORDER BY SourceFile_ID");
-    while (row.executeStep()) {
-        CheckedSource source;
-        source.path = row.getColumn(0).getString();
-        source.sizeThen = row.getColumn(1).getInt64();
-        source.md5Then = row.getColumn(2).getString();
-        add(std::move(source));
+
+    void add(CheckedSource source) {
+        m_paths.insert(source.path);
+        if (m_seen.emplace(source.path, source.md5Then).second)
+            all.push_back(std::move(source));
     }
-    besideUnhashed += sources.size() - told;
-    return sources;
-}
+
+    std::set<std::pair<std::string, std::string>> m_seen; ///< path and MD5
+    std::set<std::string> m_paths;
+    std::vector<std::string> m_ofThisImport; ///< or of those before whose ends aren't told
+    std::set<std::string> m_besideHashed;    ///< artefacts of imports that did
+};
 
 SourceState stateOf(const CheckedSource &source) {
     if (source.md5Then.empty())
@@ -154,7 +190,7 @@ bool compareFolder(CheckedSource &source, const fs::path &folder,
 bool check(CheckedSource &source, FailureLog &log, const std::function<bool()> &goOn) {
     bool whole = true;
     source.state = SourceState::unreadable;
-    const auto failure = failureOf(log, "MainBAS.verifySources()", [&] {
+    const auto failure = failureOf(log, kProcedure, [&] {
         const fs::path path = pathFromText(source.path).value_or(source.path);
         std::error_code unknown;
         if (fs::symlink_status(path, unknown).type() == fs::file_type::directory)
@@ -169,11 +205,26 @@ bool check(CheckedSource &source, FailureLog &log, const std::function<bool()> &
     return whole;
 }
 
+/// Of a file that wasn't imported. False when cancelled.
+bool hashNew(CheckedSource &source, const fs::path &path, FailureLog &log,
+             const std::function<bool()> &goOn) {
+    bool whole = true;
+    source.path = textOf(path);
+    logFailureOf(log, kProcedure, [&] {
+        const auto now = hashesOfFile(FileReader(path), [&goOn](std::uint64_t) { return goOn(); });
+        whole = now.has_value();
+        if (now)
+            compareHashes(source, *now);
+    });
+    source.state = SourceState::appeared;
+    return whole;
+}
+
 } // namespace
 
 std::string_view stateWord(SourceState state) {
-    constexpr std::array<std::string_view, 5> kWords = {"same", "changed", "gone", "unreadable",
-                                                        "no hash"};
+    constexpr std::array<std::string_view, 6> kWords = {"same",       "changed", "gone",
+                                                        "unreadable", "no hash", "new"};
     return kWords.at(static_cast<std::size_t>(state));
 }
 
@@ -183,41 +234,55 @@ std::size_t SourceCheck::count(SourceState state) const {
 
 std::string summaryText(const SourceCheck &check) {
     const std::size_t same = check.count(SourceState::same);
+    const std::size_t added = check.count(SourceState::appeared);
     std::string text =
         check.cancelled
-            ? fmt::format("{} of {} imported files checked, {} as they were", check.sources.size(),
-                          check.total, same)
+            ? fmt::format("{} of {} imported files checked, {} as they were",
+                          check.sources.size() - added, check.total, same)
             : fmt::format("{} of {} imported files are as they were", same, check.total);
     for (const SourceState state :
          {SourceState::changed, SourceState::gone, SourceState::unreadable, SourceState::unknown})
         if (const std::size_t count = check.count(state); count > 0)
             text += fmt::format(", {} {}", count, stateWord(state));
+    if (added > 0)
+        text += fmt::format(", {} new beside them (not read at the import)", added);
     text += check.cancelled ? "; cancelled before the end." : ".";
     if (check.besideUnhashed > 0)
         text += fmt::format(" What lies beside {} (logs of databases, blocks and bodies of caches) "
                             "wasn't hashed at the import and isn't compared.",
                             counted(check.besideUnhashed, "imported file"));
+    for (const UnendedImport &import : check.unended)
+        text += fmt::format(" An import {}.", reasonOf(import));
     return text;
 }
 
 SourceCheck verifySources(SQLite::Database &project, FailureLog &log, TaskMonitor &task,
                           const std::set<fs::path> *only) {
     SourceCheck result;
-    std::vector<CheckedSource> sources = sourcesOf(project, result.besideUnhashed);
+    Sources imported(project);
+    result.unended = imported.unended.found();
+    result.besideUnhashed = imported.besideUnhashed;
+    const Evidence evidence({});
+    std::vector<CheckedSource> sources = std::move(imported.all);
     if (only)
         std::erase_if(sources, [only](const CheckedSource &source) {
             return !only->contains(pathFromText(source.path).value_or(source.path));
         });
     result.total = sources.size();
-    for (const CheckedSource &source : sources) {
-        const double done =
-            static_cast<double>(result.sources.size()) / static_cast<double>(sources.size());
+    for (std::size_t i = 0; i < sources.size() && !result.cancelled; ++i) {
+        const double done = static_cast<double>(i) / static_cast<double>(sources.size());
         const auto goOn = [&task, done] { return task.advance(done); };
-        CheckedSource checked = source;
-        result.cancelled = !goOn() || !check(checked, log, goOn);
-        if (result.cancelled)
-            break;
-        result.sources.push_back(std::move(checked));
+        if (goOn() && check(sources[i], log, goOn))
+            result.sources.push_back(sources[i]);
+        else
+            result.cancelled = true;
+        for (const fs::path &file : imported.takeNewBeside(evidence, sources[i].path)) {
+            CheckedSource added;
+            if (!result.cancelled && hashNew(added, file, log, goOn))
+                result.sources.push_back(std::move(added));
+            else
+                result.cancelled = true;
+        }
     }
     return result;
 }

@@ -2,6 +2,7 @@
 
 #include "base/FailureLog.h"
 #include "base/TaskMonitor.h"
+#include "import/ImportTrail.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -23,12 +24,14 @@ enum class SourceState {
     gone,
     unreadable, ///< or no plain file, nor a folder with files; the log says why
     unknown,    ///< no hash was taken when it was imported
+    appeared,   ///< a log or journal beside what was imported, which wasn't there or wasn't read
 };
 
-/// "same", "changed", "gone", "unreadable", "no hash".
+/// "same", "changed", "gone", "unreadable", "no hash", "new".
 std::string_view stateWord(SourceState state);
 
-/// A file that was imported or read beside one, or a cache that is a folder, and what it is now.
+/// A file that was imported or read beside one, or a cache that is a folder, and what it is now; or
+/// a file that lies beside one only now.
 struct CheckedSource {
     std::string path;
     SourceState state = SourceState::unknown;
@@ -42,10 +45,11 @@ struct CheckedSource {
 
 struct SourceCheck {
     std::vector<CheckedSource> sources; ///< in order of their import, as far as it came
-    std::size_t total = 0;              ///< how many were imported
+    std::size_t total = 0;              ///< how many were imported or read
     /// Of those what earlier versions imported, which hashed no file beside: nobody can say whether
     /// such logs of databases and parts of caches have changed.
     std::size_t besideUnhashed = 0;
+    std::vector<UnendedImport> unended; ///< what they read may be missing from `sources`
     bool cancelled = false;
 
     std::size_t count(SourceState state) const;
@@ -55,8 +59,9 @@ struct SourceCheck {
 /// "12 files are as they were imported." or what differs, in one line for people.
 std::string summaryText(const SourceCheck &check);
 
-/// Hashes every file again that rows come from, as far as the import hashed it; with `only` no
-/// others than those. Writes nothing. Throws what the database says.
+/// Hashes every file again that rows come from, as far as the import hashed it, and the logs that
+/// lie beside one only now; with `only` no others than those. Writes nothing. Throws what the
+/// database says.
 SourceCheck verifySources(SQLite::Database &project, FailureLog &log, TaskMonitor &task,
                           const std::set<std::filesystem::path> *only = nullptr);
 

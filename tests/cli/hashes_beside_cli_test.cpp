@@ -136,6 +136,32 @@ TEST_F(HashesBesideCliTest, aLogOfADatabaseIsHashedAsTheDatabaseIs) {
     EXPECT_THAT(gone.err, HasSubstr("\"History-wal\" can't be read or is gone"));
 }
 
+TEST_F(HashesBesideCliTest, aLogThatIsLaidBesideADatabaseLaterIsNew) {
+    writeHistory();
+    const std::string pages = text(log);
+    fs::remove(log);
+    importAll();
+    EXPECT_EQ(cli({"verify", project}).exit, 0);
+    writeWhole(log, pages);
+    EXPECT_EQ(stateOf(log, 2), "new");
+    EXPECT_EQ(stateOf(history, 2), "same");
+    EXPECT_THAT(cli({"verify", project}).err, HasSubstr("1 new beside them"));
+    EXPECT_THAT(cli({"summary", project}).out, HasSubstr("The evidence has changed since"));
+}
+
+/// Nothing is read of a log whose database isn't read itself.
+TEST_F(HashesBesideCliTest, aLogThatWasThereIsNotNew) {
+    fs::create_directories(evidence / "Default");
+    SQLite::Database file((evidence / "Default" / "QuotaManager").string(),
+                          SQLite::OPEN_CREATE | SQLite::OPEN_READWRITE);
+    file.exec("PRAGMA journal_mode = wal; CREATE TABLE meta (key, value); "
+              "CREATE TABLE buckets (id, last_accessed); INSERT INTO meta VALUES (1, 2)");
+    const fs::path there = evidence / "Default" / "QuotaManager-wal";
+    ASSERT_TRUE(fs::exists(there));
+    static_cast<void>(cli({"import", project, evidence.string()}));
+    EXPECT_EQ(stateOf(there, 0), "same");
+}
+
 TEST_F(HashesBesideCliTest, aBodyOfASiteIsHashed) {
     const fs::path site = evidence / "storage/default/https+++app.example/cache";
     FirefoxSiteCacheFiles files(site);

@@ -375,9 +375,9 @@ void MainWindowTest::theCaseTrailTellsOfTheImport() {
     whenShown<CaseTrailForm>([&](CaseTrailForm &form) {
         auto &list = child<QTreeWidget>(form, "lstTrail");
         const int before = list.topLevelItemCount();
-        QVERIFY(before >= 2);
-        QCOMPARE(list.topLevelItem(0)->text(1), QStringLiteral("Import"));
-        QCOMPARE(list.topLevelItem(0)->text(7).size(), 64);
+        QVERIFY(before >= 3);
+        QCOMPARE(list.topLevelItem(1)->text(1), QStringLiteral("Import"));
+        QCOMPARE(list.topLevelItem(1)->text(7).size(), 64);
         QTest::mouseClick(&child<QPushButton>(form, "btnVerify"), Qt::LeftButton);
         QCOMPARE(m_desk->examiner.heard.back(), std::string("sources-verified"));
         QCOMPARE(list.topLevelItemCount(), before + 1);

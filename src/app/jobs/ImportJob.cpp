@@ -125,6 +125,7 @@ ImportSummary runImportJob(Program &program, TaskMonitor &task, const fs::path &
                         scratch,        readerFor,
                         hashSets.get(), &opened};
     const std::int64_t lastId = lastRow(program);
+    noteImportBegin(program, lastId);
     ImportSummary summary = runImport(run, program.import);
     summary.lastBefore = lastId;
     summary.isNoted = noteImport(program, summary, lastId);

@@ -17,6 +17,8 @@
 #include <SQLiteCpp/Database.h>
 #include <fmt/format.h>
 
+#include <algorithm>
+
 namespace nv {
 
 namespace {
@@ -100,6 +102,22 @@ std::filesystem::path wholeName(const std::filesystem::path &file) {
     return none ? file : whole;
 }
 
+/// Empty without any.
+std::filesystem::path folderAboveAll(const HistoryFiles &files) {
+    std::filesystem::path folder;
+    for (const HistoryFile &file : files) {
+        const std::filesystem::path own = file.fullPath.parent_path();
+        if (folder.empty())
+            folder = own;
+        std::filesystem::path shared;
+        const auto end = std::ranges::mismatch(folder, own).in1;
+        for (auto part = folder.begin(); part != end; ++part)
+            shared /= *part;
+        folder = shared;
+    }
+    return folder;
+}
+
 } // namespace
 
 void noteInTrail(Program &program, TrailEntry entry) {
@@ -118,6 +136,18 @@ void noteFileInTrail(Program &program, TrailEntry entry, const std::filesystem::
                      const std::filesystem::path &name) {
     addHashes(program, entry, file, name);
     noteInTrail(program, std::move(entry));
+}
+
+void noteImportBegin(Program &program, std::int64_t lastBefore) {
+    logFailureOf(program.log, kProcedure, [&] {
+        SQLite::Database &project = program.state.projectDB.connection();
+        const HistoryFiles &files = program.import.historyFiles;
+        TrailEntry entry =
+            trailEntry(ImportBegin{files.count(), lastBefore}, folderAboveAll(files));
+        complete(program, entry);
+        CaseTrail(project).add(entry);
+        project.tryExec("PRAGMA wal_checkpoint(PASSIVE)"); // commits alone reach the disk later
+    });
 }
 
 bool noteImport(Program &program, const ImportSummary &summary, std::int64_t lastBefore) {

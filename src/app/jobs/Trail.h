@@ -32,6 +32,10 @@ void noteFileInTrail(Program &program, TrailEntry entry, const std::filesystem::
 /// The same under another name than the one where it lies now.
 void noteFileInTrail(Program &program, TrailEntry entry, const std::filesystem::path &file,
                      const std::filesystem::path &name);
+/// An entry for the begin of the program's import, safe on the disk before its first row: so that
+/// one which is killed leaves a trace. `lastBefore` is the last row's id before it. That it
+/// can't be written only the log tells: its end will.
+void noteImportBegin(Program &program, std::int64_t lastBefore);
 /// An entry for each file that the import of the program's job took up, and for each file and
 /// folder that could not be read; before them one for the exact zone and its version, by which
 /// local dates were stored, and behind them one for its end. `lastBefore` is the last row's id

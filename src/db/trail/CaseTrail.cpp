@@ -68,12 +68,16 @@ void CaseTrail::add(const TrailEntry &entry) {
         // Takes the right to write before the last entry is read: another program's entry in
         // between would be one that both follow.
         m_database.exec("UPDATE AuditTrail SET RowCount = 0 WHERE 0");
-        const std::int64_t unchained = unchainedBefore(wasChained);
+        // Counted once: imports add entries by the ten thousand.
+        const auto kept = keptTrailEnd(m_database);
+        const std::int64_t unchained = kept ? kept->unchained : unchainedBefore(wasChained);
         TrailEntry chained = entry;
         chained.previousHash = lastHash();
         chained.entryHash = trailHash(chained, chained.previousHash);
         insertEntry(m_database, chained);
-        keepEnd({m_database.getLastInsertRowid(), unchained, chained.entryHash});
+        const std::int64_t id = m_database.getLastInsertRowid();
+        if (!kept || isInTrail(*kept))
+            keepTrailEnd(m_database, {id, unchained, chained.entryHash});
         together.release();
     });
 }
@@ -93,15 +97,10 @@ std::int64_t CaseTrail::unchainedBefore(bool wasChained) const {
 }
 
 /// An end that isn't there any more stays: a new one would hide that entries are missing.
-void CaseTrail::keepEnd(const TrailEnd &end) {
-    const auto kept = keptTrailEnd(m_database);
-    if (kept) {
-        SQLite::Statement last(m_database, "SELECT EntryHash FROM AuditTrail WHERE Trail_ID = ?");
-        last.bind(1, kept->entries);
-        if (!last.executeStep() || last.getColumn(0).getString() != kept->hash)
-            return;
-    }
-    keepTrailEnd(m_database, {end.entries, kept ? kept->unchained : end.unchained, end.hash});
+bool CaseTrail::isInTrail(const TrailEnd &end) const {
+    SQLite::Statement last(m_database, "SELECT EntryHash FROM AuditTrail WHERE Trail_ID = ?");
+    last.bind(1, end.entries);
+    return last.executeStep() && last.getColumn(0).getString() == end.hash;
 }
 
 bool CaseTrail::isChained() const {

@@ -53,7 +53,7 @@ class CaseTrail {
   private:
     std::string lastHash() const;
     std::int64_t unchainedBefore(bool wasChained) const;
-    void keepEnd(const TrailEnd &end);
+    bool isInTrail(const TrailEnd &end) const;
 
     SQLite::Database &m_database;
 };

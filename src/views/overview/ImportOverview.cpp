@@ -3,16 +3,12 @@
 #include "base/Files.h"
 #include "base/Paths.h"
 #include "base/Text.h"
-#include "db/sql/Damage.h"
-#include "views/limits/PlaceLimit.h"
-#include "views/rows/CellText.h"
-#include "views/rows/StatementWatch.h"
+#include "views/overview/ImportCounts.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <array>
 #include <filesystem>
 #include <map>
 #include <utility>
@@ -39,9 +35,9 @@ ImportLight lightOfState(ArtefactState state) {
     return ImportLight::red;
 }
 
-ImportGap gapOf(const TrailEntry &entry, std::string_view state, std::string reason,
+ImportGap gapOf(std::string_view file, std::string_view state, std::string reason,
                 ImportLight light) {
-    const fs::path path = pathFromText(entry.filePath).value_or(entry.filePath);
+    const fs::path path = pathFromText(file).value_or(file);
     return {.file = textOf(path.filename()),
             .place = textOf(path.parent_path()),
             .state = std::string(state),
@@ -55,7 +51,10 @@ class TrailReading {
     explicit TrailReading(ImportOverview &overview) : m_overview(overview) {}
 
     void take(const TrailEntry &entry) {
-        if (const auto end = importEndOf(entry))
+        m_unended.take(entry);
+        if (importBeginOf(entry))
+            takeBegin(entry);
+        else if (const auto end = importEndOf(entry))
             takeEnd(*end, entry);
         else if (const auto file = importedFileOf(entry))
             takeFile(*file, entry);
@@ -70,6 +69,13 @@ class TrailReading {
         m_overview.isKnown = m_hasAny;
         if (!m_hasEnd || m_isOpen)
             m_overview.scope = ImportScope::all;
+        m_overview.unended = m_unended.found();
+        for (const UnendedImport &import : m_overview.unended) {
+            m_all.gaps.push_back(
+                gapOf(import.folder, "never ended", reasonOf(import), ImportLight::red));
+            if (!import.lastRow)
+                m_overview.ended = {};
+        }
         Told &told = m_overview.scope == ImportScope::all ? m_all : m_last;
         std::erase_if(told.gaps,
                       [](const ImportGap &gap) { return gap.light == ImportLight::green; });
@@ -88,6 +94,13 @@ class TrailReading {
         std::uint64_t reached = 0; ///< files
         ImportEnd end;
     };
+
+    /// What is open by now never ended.
+    void takeBegin(const TrailEntry &entry) {
+        m_isOpen = false;
+        beginIfNeeded();
+        noteEnd(entry);
+    }
 
     /// Forgets the import before when the next one begins.
     void beginIfNeeded() {
@@ -131,7 +144,7 @@ class TrailReading {
         forgetGap(reading);
         const ImportLight light = file.lacksRows ? ImportLight::red : lightOfState(file.state);
         if (light != ImportLight::green)
-            addGap(reading, gapOf(entry, stateWord(file.state), file.why, light));
+            addGap(reading, gapOf(entry.filePath, stateWord(file.state), file.why, light));
         compareWithBefore(entry);
     }
 
@@ -142,7 +155,7 @@ class TrailReading {
         const auto [before, isNew] = m_hashes.emplace(entry.filePath, entry.md5Hash);
         if (isNew || before->second == entry.md5Hash)
             return;
-        addGap(gapOf(entry, "changed",
+        addGap(gapOf(entry.filePath, "changed",
                      fmt::format("since it was imported before: MD5 {} then, {} now",
                                  before->second, entry.md5Hash),
                      ImportLight::red));
@@ -154,7 +167,7 @@ class TrailReading {
         noteEnd(entry);
         forgetGap({entry.filePath, {}});
         addGap({entry.filePath, {}},
-               gapOf(entry, "not readable", entry.detail, ImportLight::amber));
+               gapOf(entry.filePath, "not readable", entry.detail, ImportLight::amber));
     }
 
     void takeEnd(const ImportEnd &end, const TrailEntry &entry) {
@@ -187,110 +200,19 @@ class TrailReading {
         const std::string_view files = detail.substr(0, detail.find(". "));
         m_overview.verified = std::string(files);
         m_overview.hasChanged = files.find(" changed") != std::string_view::npos ||
-                                files.find(" gone") != std::string_view::npos;
+                                files.find(" gone") != std::string_view::npos ||
+                                files.find(" new beside") != std::string_view::npos;
     }
 
     ImportOverview &m_overview;
     std::map<std::string, std::string> m_hashes; ///< of each path as it was imported last
     std::map<Reading, std::size_t> m_gapOf;      ///< places in those of all imports
-    Told m_last;                                 ///< of the import in hand, or of the last one
+    UnendedImports m_unended;
+    Told m_last; ///< of the import in hand, or of the last one
     Told m_all;
     bool m_hasAny = false;
     bool m_hasEnd = false;
     bool m_isOpen = false; ///< an import has begun whose end hasn't come
-};
-
-constexpr std::size_t kPerson = 0;
-constexpr std::size_t kBrowser = 1;
-constexpr std::size_t kProfile = 2;
-constexpr std::size_t kKind = 3;
-/// Person, browser, profile, `CacheType`.
-using Source = std::array<std::string, 4>;
-
-std::string_view textIn(const SQLite::Column &column) {
-    const char *bytes = column.getText(); // before the length, which it settles
-    return {bytes, static_cast<std::size_t>(column.getBytes())};
-}
-
-/// Counts rows by their source. Rows that lie side by side mostly have the same.
-class SourceCounts {
-  public:
-    /// False when it was cancelled.
-    bool read(SQLite::Database &project, const ImportOverview &overview, TaskMonitor &task) {
-        SQLite::Statement rows(project, statementFor(project, overview));
-        StatementWatch watch(project, task);
-        Step step = watch.step(rows);
-        for (; step == Step::Row; step = watch.step(rows))
-            take(rows);
-        return step != Step::Cancelled;
-    }
-
-    void fill(ImportOverview &overview) const {
-        std::array<std::map<std::string, KindRows>, 4> sums;
-        for (const auto &[source, rows] : m_sources) {
-            overview.rows.add(rows);
-            sums[kPerson][source[kPerson]].add(rows);
-            sums[kBrowser][source[kBrowser]].add(rows);
-            sums[kProfile][profileName(source)].add(rows);
-            sums[kKind][typeWord(source[kKind])].add(rows);
-        }
-        overview.people = sorted(sums[kPerson]);
-        overview.browsers = sorted(sums[kBrowser]);
-        overview.profiles = sorted(sums[kProfile]);
-        overview.kinds = sorted(sums[kKind]);
-    }
-
-  private:
-    static std::string statementFor(SQLite::Database &project, const ImportOverview &overview) {
-        const std::string_view origin =
-            hasOriginColumns(project) ? "Person, Browser, Profile" : "NULL, NULL, NULL";
-        const bool isPart = overview.scope == ImportScope::last;
-        return fmt::format("SELECT {}, CacheType, ActionDateUTC FROM URLs{}", origin,
-                           isPart ? fmt::format(" WHERE URL_ID > {} AND URL_ID <= {}",
-                                                overview.end.lastBefore, overview.end.lastRow)
-                                  : std::string());
-    }
-
-    static std::string profileName(const Source &source) {
-        if (source[kBrowser].empty())
-            return {};
-        std::string name = source[kBrowser];
-        if (!source[kProfile].empty())
-            name += fmt::format(", profile \"{}\"", source[kProfile]);
-        if (!source[kPerson].empty())
-            name += fmt::format(", person \"{}\"", source[kPerson]);
-        return name;
-    }
-
-    static std::vector<ImportCount> sorted(const std::map<std::string, KindRows> &sums) {
-        std::vector<ImportCount> counts;
-        counts.reserve(sums.size());
-        for (const auto &[name, rows] : sums)
-            counts.push_back({name, rows});
-        std::ranges::stable_sort(counts, [](const ImportCount &a, const ImportCount &b) {
-            return a.rows.rows > b.rows.rows;
-        });
-        return counts;
-    }
-
-    void take(SQLite::Statement &row) {
-        bool isSame = m_last != nullptr;
-        for (std::size_t at = 0; at < m_lastSource.size(); ++at) {
-            const std::string_view text = textIn(row.getColumn(static_cast<int>(at)));
-            if (text == m_lastSource.at(at))
-                continue;
-            isSame = false;
-            m_lastSource.at(at) = text;
-        }
-        if (!isSame)
-            m_last = &m_sources[m_lastSource];
-        const SQLite::Column date = row.getColumn(4);
-        m_last->count(date.isNull() ? Date() : Date::fromDays(date.getDouble()));
-    }
-
-    std::map<Source, KindRows> m_sources;
-    Source m_lastSource;
-    KindRows *m_last = nullptr;
 };
 
 std::size_t named(const std::vector<ImportCount> &counts) {
@@ -314,17 +236,6 @@ void takeSummary(SQLite::Database &project, const ImportSummary &summary,
     trail.finish();
 }
 
-/// Fills in the rows of its scope and whose they are.
-Walk countSources(SQLite::Database &project, TaskMonitor &task, ImportOverview &overview) {
-    SourceCounts counts;
-    bool whole = true;
-    overview.isCounted = unlessDamaged([&] { whole = counts.read(project, overview, task); });
-    if (overview.isCounted && whole)
-        counts.fill(overview);
-    overview.isWhole = whole;
-    return whole ? Walk::Finished : Walk::Cancelled;
-}
-
 } // namespace
 
 Walk loadImportOverview(SQLite::Database &project, ImportScope scope, TaskMonitor &task,
@@ -334,7 +245,7 @@ Walk loadImportOverview(SQLite::Database &project, ImportScope scope, TaskMonito
     TrailReading trail(overview);
     CaseTrail(project).forEach([&trail](const TrailEntry &entry) { trail.take(entry); });
     trail.finish();
-    return countSources(project, task, overview);
+    return countImported(project, task, overview);
 }
 
 Walk loadImportOverview(SQLite::Database &project, const ImportSummary &summary, TaskMonitor &task,
@@ -346,7 +257,7 @@ Walk loadImportOverview(SQLite::Database &project, const ImportSummary &summary,
         overview = {};
         overview.isInTrail = false;
         takeSummary(project, summary, overview);
-        walk = countSources(project, task, overview);
+        walk = countImported(project, task, overview);
     }
     if (overview.end.failure.empty())
         overview.end.failure = summary.failure;

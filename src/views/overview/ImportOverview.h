@@ -65,7 +65,9 @@ struct ImportOverview {
     /// The gravest first. Over all imports a file isn't among them for what a later import has
     /// read of it.
     std::vector<ImportGap> gaps;
-    ImportEnd end;           ///< sums over imports
+    ImportEnd end; ///< sums over imports
+    /// Imports that never ended, of whatever scope; in scope `all` each is a gap too.
+    std::vector<UnendedImport> unended;
     std::string verified;    ///< what the last verification after it said; empty without one
     bool hasChanged = false; ///< it found other files than were imported
 

@@ -36,8 +36,21 @@ std::string amberText(const ImportOverview &overview) {
                             : "The records were not counted: that was cancelled.";
 }
 
+/// Those that its gaps tell of.
+std::size_t unendedWithin(const ImportOverview &overview) {
+    return overview.scope == ImportScope::all ? overview.unended.size() : 0;
+}
+
 /// The first of what makes it red.
 std::string redText(const ImportOverview &overview, std::size_t gaps) {
+    if (const std::size_t unended = unendedWithin(overview); unended > 0) {
+        std::string text = many(unended, "import never ended: records of it may be missing.",
+                                "imports never ended: records of them may be missing.");
+        if (gaps > unended)
+            text += ' ' + many(gaps - unended, "file is damaged, could not be read or has changed.",
+                               "files are damaged, could not be read or have changed.");
+        return text;
+    }
     if (gaps > 0)
         return many(gaps, "file is damaged, could not be read or has changed.",
                     "files are damaged, could not be read or have changed.");
@@ -108,6 +121,11 @@ std::vector<std::string> notesOf(const ImportOverview &overview) {
         notes.emplace_back("Nobody can see in the project later what was imported, and how "
                            "completely: save this summary as HTML, and import again into a "
                            "project that can be written. The log says why.");
+    if (overview.scope == ImportScope::last && !overview.unended.empty())
+        notes.push_back(
+            fmt::format("{} into this project never ended: the summary of all imports "
+                        "tells what may be missing.",
+                        many(overview.unended.size(), "earlier import", "earlier imports")));
     if (end.cancelled)
         notes.emplace_back("The import was cancelled; what was written is kept.");
     const auto note = [&notes](std::uint64_t count, std::string_view one, std::string_view more,

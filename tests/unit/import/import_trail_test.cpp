@@ -91,5 +91,53 @@ TEST(ImportTrailTest, otherEntriesAndNonsenseGiveNothing) {
     EXPECT_EQ(importEndOf(entry)->found, 0U);
 }
 
+TrailEntry begun(std::int64_t lastBefore) {
+    TrailEntry entry = trailEntry(ImportBegin{12, lastBefore}, "/mnt/a");
+    entry.actionDateUTC = Date::fromUnixSeconds(1308139200);
+    return entry;
+}
+
+TEST(ImportTrailTest, theBeginIsReadBack) {
+    const auto back = importBeginOf(begun(17));
+    ASSERT_TRUE(back);
+    EXPECT_EQ(back->found, 12U);
+    EXPECT_EQ(back->lastBefore, 17);
+    EXPECT_FALSE(importEndOf(begun(17)));
+    EXPECT_FALSE(importBeginOf(trailEntry(ImportEnd{})));
+}
+
+TEST(ImportTrailTest, anImportWithoutAnEndIsFound) {
+    UnendedImports imports;
+    imports.take(begun(0));
+    imports.take(trailEntry(ImportEnd{.lastRow = 17}));
+    EXPECT_TRUE(imports.found().empty());
+    imports.take(begun(17));
+    ASSERT_EQ(imports.found().size(), 1U);
+    EXPECT_EQ(reasonOf(imports.found()[0]),
+              "began 2011-06-15T12:00:00Z to read 12 files, and its end isn't told: it was killed, "
+              "or could not write it, or is still running; its rows follow row 17, and others may "
+              "be missing");
+    imports.take(begun(40));
+    imports.take(trailEntry(ImportEnd{.lastBefore = 40, .lastRow = 50}));
+    ASSERT_EQ(imports.found().size(), 1U);
+    EXPECT_EQ(imports.found()[0].folder, "/mnt/a");
+    EXPECT_EQ(reasonOf(imports.found()[0]),
+              "began 2011-06-15T12:00:00Z to read 12 files, and its end isn't told: it was killed, "
+              "or could not write it; rows 18 to 40 are of it, and others may be missing");
+}
+
+/// Which told of no begin.
+TEST(ImportTrailTest, anEndOfAnEarlierVersionEndsNoOtherImport) {
+    UnendedImports imports;
+    imports.take(begun(17));
+    imports.take(trailEntry(ImportEnd{.lastBefore = 30, .lastRow = 40}));
+    ASSERT_EQ(imports.found().size(), 1U);
+    EXPECT_EQ(imports.found()[0].lastRow, 30);
+    imports.take(begun(40));
+    imports.take(begun(40));
+    ASSERT_EQ(imports.found().size(), 3U);
+    EXPECT_NE(reasonOf(imports.found()[1]).find("no row of it is here"), std::string::npos);
+}
+
 } // namespace
 } // namespace nv

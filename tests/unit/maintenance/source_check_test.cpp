@@ -156,6 +156,72 @@ TEST_F(SourceCheckTest, importsOfEarlierVersionsHashedNothingBeside) {
               "compared.");
 }
 
+TEST_F(SourceCheckTest, aLogThatLiesBesideADatabaseOnlyNowIsNew) {
+    add("History", "one");
+    addBeside("History-wal", "two");
+    const fs::path other = add("caf\xE9/Cookies", "three");
+    EXPECT_TRUE(verify().allSame());
+    folder.write("History-shm", "");
+    folder.write("Other-wal", "x");
+    EXPECT_TRUE(verify().allSame()) << "which hold no rows of it";
+    const fs::path journal = folder.write("History-journal", "four");
+    const fs::path pages = folder.write("caf\xE9/Cookies-WAL", "");
+    const SourceCheck check = verify();
+    EXPECT_FALSE(check.allSame());
+    ASSERT_EQ(check.sources.size(), 5U);
+    EXPECT_EQ(check.sources[1].path, journal.string()) << "behind its database";
+    EXPECT_EQ(check.sources[1].state, SourceState::appeared);
+    EXPECT_EQ(check.sources[1].sizeNow, 4);
+    EXPECT_EQ(check.sources[1].sha256Now, hashesOfFile(journal)->sha256);
+    EXPECT_EQ(check.sources[1].md5Then, "");
+    EXPECT_EQ(check.sources[4].path, textOf(pages));
+    EXPECT_EQ(check.total, 3U);
+    EXPECT_EQ(summaryText(check), "3 of 3 imported files are as they were, 2 new beside them (not "
+                                  "read at the import).");
+    const std::set<fs::path> only = {other};
+    test::MemoryTask task;
+    EXPECT_EQ(verifySources(project.connection(), log, task, &only).sources.size(), 2U);
+}
+
+TEST_F(SourceCheckTest, aNewLogThatCannotBeReadIsNewAllTheSame) {
+    add("History", "one");
+    const fs::path pages = folder.write("History-wal", "two");
+    fs::permissions(pages, fs::perms::none);
+    SourceCheck check;
+    {
+        const test::Unprivileged nobody(folder.path());
+        check = verify();
+    }
+    fs::permissions(pages, fs::perms::owner_all);
+    ASSERT_EQ(check.sources.size(), 2U);
+    EXPECT_EQ(check.sources[1].state, SourceState::appeared);
+    EXPECT_EQ(check.sources[1].sha256Now, "");
+    EXPECT_EQ(log.entries.size(), 1U);
+}
+
+/// It hashed no log, so nobody knows which were there.
+TEST_F(SourceCheckTest, besideWhatAnEarlierVersionImportedNothingIsNew) {
+    TrailEntry entry;
+    entry.action = "Import";
+    entry.filePath = folder.write("History", "one").string();
+    entry.md5Hash = hashesOfFile(entry.filePath)->md5;
+    CaseTrail(project.connection()).add(entry);
+    CaseTrail(project.connection()).add(trailEntry(ImportEnd{.found = 1}));
+    folder.write("History-wal", "two");
+    EXPECT_TRUE(verify().allSame());
+    EXPECT_EQ(verify().besideUnhashed, 1U);
+}
+
+TEST_F(SourceCheckTest, anImportThatNeverEndedIsTold) {
+    add("a", "one");
+    CaseTrail(project.connection()).add(trailEntry(ImportBegin{3, 40}, "/mnt/a"));
+    const SourceCheck check = verify();
+    EXPECT_TRUE(check.allSame());
+    EXPECT_THAT(summaryText(check),
+                testing::StartsWith("1 of 1 imported files are as they were. An import began "));
+    EXPECT_THAT(summaryText(check), testing::HasSubstr("its rows follow row 40"));
+}
+
 TEST_F(SourceCheckTest, aCacheThatIsAFolderIsComparedAsOne) {
     addFolder("same");
     const fs::path changed = addFolder("changed");

@@ -38,6 +38,7 @@ struct ImportedCase : testing::Test {
         addEntry(trailEntry(result, ImportSettings()));
     }
     std::int64_t lastRow() { return project.number("SELECT ifnull(max(URL_ID), 0) FROM URLs"); }
+    void beginImport() { addEntry(trailEntry(ImportBegin{2, m_lastBefore = lastRow()}, "/mnt/a")); }
     void endImport(ImportEnd end = {}) {
         end.lastBefore = m_lastBefore;
         end.lastRow = m_lastBefore = lastRow();

@@ -201,6 +201,44 @@ TEST_F(ImportOverviewTest, itCanBeCancelled) {
     EXPECT_EQ(lightText(found), "The records were not counted: that was cancelled.");
 }
 
+TEST_F(ImportOverviewTest, anImportThatWasKilledIsToldAlsoAfterAnother) {
+    beginImport();
+    addRow("ada", "Chrome", "Default");
+    ImportOverview found = overview();
+    EXPECT_EQ(lightOf(found), ImportLight::red);
+    EXPECT_EQ(lightText(found), "1 import never ended: records of it may be missing.");
+    EXPECT_FALSE(found.ended.has());
+    EXPECT_EQ(countNotRead(project.connection()), 1U);
+    beginImport();
+    addRow("ben", "Firefox", "x");
+    addFile(ArtefactState::complete, "/mnt/b/places.sqlite");
+    endImport();
+    found = overview(ImportScope::all);
+    EXPECT_EQ(lightText(found), "1 import never ended: records of it may be missing.");
+    ASSERT_EQ(found.gaps.size(), 1U);
+    EXPECT_EQ(found.gaps[0].file, "a");
+    EXPECT_EQ(found.gaps[0].place, "/mnt");
+    EXPECT_EQ(found.gaps[0].state, "never ended");
+    EXPECT_NE(found.gaps[0].reason.find("rows 1 to 1 are of it"), std::string::npos);
+    EXPECT_TRUE(found.ended.has());
+    found = overview();
+    EXPECT_EQ(lightOf(found), ImportLight::green) << "of the last one";
+    EXPECT_EQ(found.rows.rows, 1U);
+    ASSERT_EQ(notesOf(found).size(), 1U);
+    EXPECT_EQ(notesOf(found)[0], "1 earlier import into this project never ended: the summary of "
+                                 "all imports tells what may be missing.");
+}
+
+TEST_F(ImportOverviewTest, besideAnUnendedImportDamageIsCountedOnItsOwn) {
+    beginImport();
+    beginImport();
+    addFile(ArtefactState::failed);
+    endImport();
+    EXPECT_EQ(lightText(overview(ImportScope::all)),
+              "1 import never ended: records of it may be missing. 1 file is damaged, could not be "
+              "read or has changed.");
+}
+
 double channel(std::uint32_t value) {
     const double part = value / 255.0;
     return part <= 0.03928 ? part / 12.92 : std::pow((part + 0.055) / 1.055, 2.4);
