@@ -2,7 +2,6 @@
 
 #include "base/Text.h"
 #include "markup/SrcSet.h"
-#include "markup/SvgNames.h"
 #include "markup/Utf8.h"
 #include "reports/SafeStyle.h"
 
@@ -166,7 +165,10 @@ void PageWriter::writeText(std::string_view text) {
 
 Fate PageWriter::fateHere(const Node &element, std::string_view name) const {
     const HtmlSpace space = HtmlDocument::spaceOf(element);
-    const Fate fate = fateOf(space, name);
+    // Readers of XML make no tree of it.
+    const bool isShadow =
+        m_form == PageForm::html && m_detail == Detail::all && HtmlDocument::isShadowTree(element);
+    const Fate fate = isShadow ? Fate::keep : fateOf(space, name);
     const bool isSimple =
         fate == Fate::drop || fate == Fate::meta || fate == Fate::style ||
         (space == HtmlSpace::html && std::ranges::find(kPlain, name) != kPlain.end());
@@ -216,6 +218,8 @@ void PageWriter::openTag(const Node &element, std::string_view name, std::string
     std::string_view nameSpace;
     if (space == HtmlSpace::svg && name == "svg")
         nameSpace = " xmlns=\"http://www.w3.org/2000/svg\"";
+    else if (space == HtmlSpace::mathMl && name == "math")
+        nameSpace = " xmlns=\"http://www.w3.org/1998/Math/MathML\"";
     else if (name == "html" && m_form == PageForm::xhtml)
         nameSpace = " xmlns=\"http://www.w3.org/1999/xhtml\"";
     const bool isClosed = space == HtmlSpace::html && isVoid(name);
@@ -246,8 +250,9 @@ std::string PageWriter::attributeOf(const Node &element, std::string_view name,
         return reference;
     if (attribute.isPrefixed)
         return {};
-    if (space == HtmlSpace::svg && isSvgProperty(attribute.name)) {
-        const auto safe = guardedValue(attribute.name, value, m_references);
+    const std::string_view property = propertyOf(space, attribute.name);
+    if (!property.empty()) {
+        const auto safe = guardedValue(property, value, m_references);
         return safe ? attributeText(attribute.name, *safe) : std::string();
     }
     return isPlainAttribute(space, attribute.name) ? attributeText(attribute.name, value) : "";
@@ -281,7 +286,12 @@ std::string PageWriter::addressOf(std::string_view name, std::string_view attrib
 std::string PageWriter::referenceOf(const Node &element, std::string_view name,
                                     const HtmlAttribute &attribute) const {
     std::optional<Use> use;
-    if (HtmlDocument::spaceOf(element) == HtmlSpace::svg) {
+    const HtmlSpace space = HtmlDocument::spaceOf(element);
+    if (space == HtmlSpace::mathMl) {
+        const bool isLink = attribute.name == "href" && !attribute.value.empty();
+        return isLink ? attributeText("data-href", attribute.value) : "";
+    }
+    if (space == HtmlSpace::svg) {
         const bool isPlace = attribute.value.starts_with('#');
         if (attribute.name == "href" && (name == "image" || isPlace))
             use = Use::image;
