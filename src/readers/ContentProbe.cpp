@@ -154,6 +154,7 @@ class ContentScan {
         if (const auto charset = wideCharsetOf(head, httpHeader); !charset.empty())
             m_wide.emplace(charset);
     }
+    ~ContentScan() = default;
     ContentScan(const ContentScan &) = delete;
     ContentScan &operator=(const ContentScan &) = delete;
 

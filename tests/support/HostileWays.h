@@ -140,7 +140,7 @@ inline constexpr std::array kHostileWays = {
         R"~(<math><mtext><template shadowrootmode=open><img src="@/red.gif"></template><div><template shadowrootmode=open><img src="@/red.gif"></template></div></mtext><mi><svg><style>&#42;{background:url(@/red.gif)}</style></svg></mi></math>)~"},
     HostileWay{
         "shadow tree",
-        R"~(<div><template shadowrootmode=open><img src="@/red.gif"><slot name="@/red.gif"></slot></template></div>)~"},
+        R"~(<div><template shadowrootmode=open><img src="@/red.gif"><slot onslotchange="location='@/'"></slot></template></div>)~"},
     HostileWay{
         "shadow tree with styles",
         R"~(<div><template shadowrootmode=closed><style>%import "@/red.css";:host{background:u\72l(@/red.gif)}::slotted(p){background:url(@/red.gif)}</style><link rel=stylesheet href="@/red.css"><p style="background:url(@/red.gif)">a</p></template><p>b</p></div>)~"},
