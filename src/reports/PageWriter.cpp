@@ -40,20 +40,14 @@ std::string attributeText(std::string_view name, std::string_view value) {
     return fmt::format(" {}=\"{}\"", name, markupText(value));
 }
 
+std::string toldLink(std::string_view address) {
+    return address.empty() ? std::string() : attributeText("data-href", address);
+}
+
 bool isQuotable(std::string_view id) {
     return std::ranges::all_of(id, [](char c) {
         return c >= ' ' && c < 0x7F && c != '"' && c != '<' && c != '>' && c != '&';
     });
-}
-
-/// "2x", "1.5x", "640w", or none.
-bool isDescriptor(std::string_view text) {
-    if (text.empty())
-        return true;
-    const char unit = text.back();
-    text.remove_suffix(1);
-    return (unit == 'x' || unit == 'w') && !text.empty() && text.size() < 12 &&
-           std::ranges::all_of(text, [](char c) { return (c >= '0' && c <= '9') || c == '.'; });
 }
 
 const HtmlAttribute *find(const std::vector<HtmlAttribute> &attributes, std::string_view name) {
@@ -246,7 +240,10 @@ std::string PageWriter::attributeOf(const Node &element, std::string_view name,
         const std::string style = guardedDeclarations(value, m_references);
         return style.empty() ? "" : attributeText("style", style);
     }
-    if (std::string reference = referenceOf(element, name, attribute); !reference.empty())
+    if (space == HtmlSpace::mathMl && attribute.name == "href")
+        return toldLink(value);
+    if (std::string reference = referenceOf(element, name, attribute);
+        space != HtmlSpace::mathMl && !reference.empty())
         return reference;
     if (attribute.isPrefixed)
         return {};
@@ -286,12 +283,7 @@ std::string PageWriter::addressOf(std::string_view name, std::string_view attrib
 std::string PageWriter::referenceOf(const Node &element, std::string_view name,
                                     const HtmlAttribute &attribute) const {
     std::optional<Use> use;
-    const HtmlSpace space = HtmlDocument::spaceOf(element);
-    if (space == HtmlSpace::mathMl) {
-        const bool isLink = attribute.name == "href" && !attribute.value.empty();
-        return isLink ? attributeText("data-href", attribute.value) : "";
-    }
-    if (space == HtmlSpace::svg) {
+    if (HtmlDocument::spaceOf(element) == HtmlSpace::svg) {
         const bool isPlace = attribute.value.starts_with('#');
         if (attribute.name == "href" && (name == "image" || isPlace))
             use = Use::image;
