@@ -123,7 +123,9 @@ class BodyWalk {
         m_text.add(HtmlDocument::writtenIn(node), m_keepsLines > 0);
         if (!HtmlDocument::isElement(node))
             return;
-        const unsigned look = lookOf(HtmlDocument::plainNameOf(node));
+        unsigned look = lookOf(HtmlDocument::plainNameOf(node));
+        if (HtmlDocument::isShadowTree(node))
+            look = kBlock;
         if (look & kUnseen)
             return;
         if (look & kLink)

@@ -33,9 +33,9 @@ void SavedContent::expectScratch(const Body &found) const {
 
 const ContentFacts &SavedContent::factsIn(const Body &found) {
     if (isScratch(found))
-        return m_probe.scratchFacts(found.file);
+        return m_probe.scratchFacts(found.file, m_record.MetaData);
     return tellingGaps(m_extraction.log, [&]() -> const ContentFacts & {
-        return m_probe.facts(m_extraction.evidence, found.file);
+        return m_probe.facts(m_extraction.evidence, found.file, m_record.MetaData);
     });
 }
 
@@ -53,7 +53,7 @@ const ContentFacts *SavedContent::facts() {
         return &factsIn(*found);
     }
     if (!m_facts)
-        m_facts = factsOf(found->raw());
+        m_facts = factsOf(found->raw(), m_record.MetaData);
     return &*m_facts;
 }
 

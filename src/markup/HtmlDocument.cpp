@@ -143,6 +143,13 @@ std::optional<std::string_view> HtmlDocument::valueOf(const Node &element, const
     return found ? std::optional<std::string_view>(found->value) : std::nullopt;
 }
 
+bool HtmlDocument::isShadowTree(const Node &element) {
+    if (element.type != GUMBO_NODE_TEMPLATE)
+        return false;
+    const auto mode = valueOf(element, "shadowrootmode");
+    return mode && (equalsNoCase(*mode, "open") || equalsNoCase(*mode, "closed"));
+}
+
 std::vector<HtmlAttribute> HtmlDocument::attributesOf(const Node &element) const {
     std::vector<HtmlAttribute> attributes;
     const GumboVector &found = element.v.element.attributes;

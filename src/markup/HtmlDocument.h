@@ -81,6 +81,9 @@ class HtmlDocument {
     SourceSpan endTagOf(const Node &element) const;
     /// Where a text stands; for a comment, all of it. Empty for an element.
     SourceSpan textAt(const Node &text) const;
+    /// Whether it is a "template" of which browsers make a tree in the shadow of what holds it. It
+    /// shows in place of the rest.
+    static bool isShadowTree(const Node &element);
     /// The value of the first attribute of that name, with a prefix or without.
     static std::optional<std::string_view> valueOf(const Node &element, const char *attribute);
 

@@ -122,6 +122,14 @@ std::string_view charsetOfHeader(std::string_view httpHeader) {
     return {};
 }
 
+std::string_view wideCharsetOf(std::string_view bytes, std::string_view httpHeader) {
+    for (const auto &[mark, charset] : kMarks)
+        if (bytes.starts_with(mark))
+            return isWide(charset) ? charset : std::string_view();
+    const std::string_view served = webEncodingOf(charsetOfHeader(httpHeader));
+    return isWide(served) ? served : std::string_view();
+}
+
 namespace {
 
 struct NamedCharset {

@@ -38,4 +38,8 @@ std::string_view charsetOfMeta(std::string_view head);
 /// The charset of the "Content-Type" line; empty for none.
 std::string_view charsetOfHeader(std::string_view httpHeader);
 
+/// "utf-16le" or "utf-16be" where the mark in front says so, or, without a mark, the server; empty
+/// otherwise.
+std::string_view wideCharsetOf(std::string_view bytes, std::string_view httpHeader);
+
 } // namespace nv

@@ -48,4 +48,13 @@ std::vector<SrcSetCandidate> srcSetCandidates(std::string_view value) {
     return candidates;
 }
 
+bool isDescriptor(std::string_view text) {
+    if (text.empty())
+        return true;
+    const char unit = text.back();
+    text.remove_suffix(1);
+    return (unit == 'x' || unit == 'w') && !text.empty() && text.size() < 12 &&
+           std::ranges::all_of(text, [](char c) { return (c >= '0' && c <= '9') || c == '.'; });
+}
+
 } // namespace nv

@@ -17,4 +17,7 @@ struct SrcSetCandidate {
 /// By the HTML standard: an address may hold commas, and only one at its end ends it.
 std::vector<SrcSetCandidate> srcSetCandidates(std::string_view value);
 
+/// Whether it is one that browsers know: "2x", "1.5x", "640w", or none.
+bool isDescriptor(std::string_view text);
+
 } // namespace nv

@@ -1,8 +1,6 @@
 #include "markup/SvgNames.h"
 
-#include "base/Text.h"
-
-#include <unordered_set>
+#include "markup/WordSet.h"
 
 namespace nv {
 
@@ -42,29 +40,20 @@ constexpr std::string_view kProperties =
     "stroke-width "
     "text-anchor text-decoration text-rendering unicode-bidi visibility word-spacing writing-mode";
 
-using Words = std::unordered_set<std::string_view>;
-
-Words wordsOf(std::string_view list) {
-    Words words;
-    for (const std::string_view word : split(list, ' '))
-        words.insert(word);
-    return words;
-}
-
 } // namespace
 
 bool isSvgElement(std::string_view name) {
-    static const Words elements = wordsOf(kElements);
+    static const WordSet elements = wordSetOf(kElements);
     return elements.contains(name);
 }
 
 bool isSvgAttribute(std::string_view name) {
-    static const Words attributes = wordsOf(kAttributes);
+    static const WordSet attributes = wordSetOf(kAttributes);
     return attributes.contains(name);
 }
 
 bool isSvgProperty(std::string_view name) {
-    static const Words properties = wordsOf(kProperties);
+    static const WordSet properties = wordSetOf(kProperties);
     return properties.contains(name);
 }
 

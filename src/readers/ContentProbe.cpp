@@ -1,6 +1,8 @@
 #include "readers/ContentProbe.h"
 
 #include "base/Text.h"
+#include "markup/Charsets.h"
+#include "markup/PageText.h"
 #include "readers/Scratch.h"
 
 #include <array>
@@ -108,18 +110,90 @@ class TagScan {
     bool m_hadTitle = false;
 };
 
-ContentFacts factsOfLarge(const ByteSource &file) {
-    ContentFacts facts;
-    TagScan scan(facts);
-    bool first = true;
+/// UTF-16 that arrives in blocks of bytes, as text in UTF-8: a block may end within a letter.
+class WideText {
+  public:
+    explicit WideText(std::string_view charset)
+        : m_converter(converterOf(charset)), m_isBigEndian(charset.ends_with("be")) {}
+
+    std::string letters(std::string_view block) {
+        m_rest.append(block);
+        std::size_t whole = m_rest.size() - m_rest.size() % kUnit;
+        if (whole > 0 && isFirstHalf(whole - kUnit))
+            whole -= kUnit;
+        const std::string text =
+            convert(std::string_view(m_rest).substr(0, whole), m_converter.get());
+        m_rest.erase(0, whole);
+        return text;
+    }
+    /// What is no letter: an odd byte, half of a pair.
+    std::string rest() const { return convert(m_rest, m_converter.get()); }
+
+  private:
+    static constexpr std::size_t kUnit = 2;
+
+    /// Of a pair that makes one letter.
+    bool isFirstHalf(std::size_t at) const {
+        constexpr unsigned kMask = 0xFC;
+        constexpr unsigned kHigh = 0xD8;
+        const auto byte = static_cast<unsigned char>(m_rest[m_isBigEndian ? at : at + 1]);
+        return (byte & kMask) == kHigh;
+    }
+
+    Converter m_converter;
+    bool m_isBigEndian;
+    std::string m_rest;
+};
+
+/// Gathers the facts of content that arrives in blocks. What stands in its bytes counts in UTF-16
+/// too: the mark is short, and begins other files as well.
+class ContentScan {
+  public:
+    ContentScan(std::string_view head, std::string_view httpHeader) {
+        m_facts.extension = getExtBySignature(viewOf(head.substr(0, kLongestSignature)));
+        if (const auto charset = wideCharsetOf(head, httpHeader); !charset.empty())
+            m_wide.emplace(charset);
+    }
+    ~ContentScan() = default;
+    ContentScan(const ContentScan &) = delete;
+    ContentScan &operator=(const ContentScan &) = delete;
+
+    void feed(std::string_view block) {
+        m_bytes.feed(block);
+        if (m_wide)
+            m_letters.feed(m_wide->letters(block));
+    }
+    ContentFacts take() {
+        m_bytes.finish();
+        if (m_wide)
+            m_letters.feed(m_wide->rest());
+        m_letters.finish();
+        m_facts.hasHtml |= m_ofLetters.hasHtml;
+        m_facts.hasBody |= m_ofLetters.hasBody;
+        m_facts.hasTable |= m_ofLetters.hasTable;
+        m_facts.hasXml |= m_ofLetters.hasXml;
+        if (!m_ofLetters.title.empty())
+            m_facts.title = std::move(m_ofLetters.title);
+        return std::move(m_facts);
+    }
+
+  private:
+    ContentFacts m_facts;
+    ContentFacts m_ofLetters;
+    TagScan m_bytes{m_facts};
+    TagScan m_letters{m_ofLetters};
+    std::optional<WideText> m_wide;
+};
+
+ContentFacts factsOfLarge(const ByteSource &file, std::string_view httpHeader) {
+    std::optional<ContentScan> scan;
     static_cast<void>(inBlocks(file, [&](std::string_view block) {
-        if (std::exchange(first, false))
-            facts.extension = getExtBySignature(viewOf(block.substr(0, kLongestSignature)));
-        scan.feed(block);
+        if (!scan)
+            scan.emplace(block, httpHeader);
+        scan->feed(block);
         return true;
     }));
-    scan.finish();
-    return facts;
+    return scan ? scan->take() : ContentFacts();
 }
 
 } // namespace
@@ -131,13 +205,10 @@ std::string getExtBySignature(ByteView head) {
     return {};
 }
 
-ContentFacts factsOf(std::string_view bytes) {
-    ContentFacts facts;
-    facts.extension = getExtBySignature(viewOf(bytes.substr(0, kLongestSignature)));
-    TagScan scan(facts);
+ContentFacts factsOf(std::string_view bytes, std::string_view httpHeader) {
+    ContentScan scan(bytes, httpHeader);
     scan.feed(bytes);
-    scan.finish();
-    return facts;
+    return scan.take();
 }
 
 std::string titleOf(std::string_view bytes) {
@@ -150,30 +221,33 @@ std::string titleOf(std::string_view bytes) {
     return facts.title;
 }
 
-const ContentFacts &ContentProbe::facts(const Evidence &evidence,
-                                        const std::filesystem::path &file) {
-    return isKept(file) ? m_facts : look(evidence.open(file));
+const ContentFacts &ContentProbe::facts(const Evidence &evidence, const std::filesystem::path &file,
+                                        std::string_view httpHeader) {
+    return isKept(file, httpHeader) ? m_facts : look(evidence.open(file), httpHeader);
 }
 
-const ContentFacts &ContentProbe::scratchFacts(const std::filesystem::path &file) {
-    return isKept(file) ? m_facts : look(ScratchFile(file));
+const ContentFacts &ContentProbe::scratchFacts(const std::filesystem::path &file,
+                                               std::string_view httpHeader) {
+    return isKept(file, httpHeader) ? m_facts : look(ScratchFile(file), httpHeader);
 }
 
 /// What can't be opened leaves nothing kept.
-bool ContentProbe::isKept(const std::filesystem::path &file) {
-    if (file == m_file && !file.empty())
+bool ContentProbe::isKept(const std::filesystem::path &file, std::string_view httpHeader) {
+    const std::string_view served = wideCharsetOf({}, httpHeader);
+    if (file == m_file && served == m_served && !file.empty())
         return true;
     m_file.clear();
     m_bytes.reset();
+    m_served = served;
     return false;
 }
 
-const ContentFacts &ContentProbe::look(const ByteSource &file) {
+const ContentFacts &ContentProbe::look(const ByteSource &file, std::string_view httpHeader) {
     if (file.size() <= kBodyInMemory) {
         m_bytes = file.read(0, file.size());
-        m_facts = factsOf(ByteView(*m_bytes).raw());
+        m_facts = factsOf(ByteView(*m_bytes).raw(), httpHeader);
     } else {
-        m_facts = factsOfLarge(file);
+        m_facts = factsOfLarge(file, httpHeader);
     }
     m_file = file.path();
     return m_facts;

@@ -21,15 +21,18 @@ struct ContentFacts {
     bool hasXml = false;
     std::string title; ///< trimmed text between the first "<title>" and "</title>", decoded
 };
+// What is sought stands in the bytes; in UTF-16, by its mark or the server's word, in the letters.
 
 /// Looks into cached files. The facts of the last file are kept, and its bytes when they are few,
 /// so that the steps of one record read its file once between them.
 class ContentProbe {
   public:
     /// Of a file of the evidence. Throws EvidenceFailure when it can't be read.
-    const ContentFacts &facts(const Evidence &evidence, const std::filesystem::path &file);
+    const ContentFacts &facts(const Evidence &evidence, const std::filesystem::path &file,
+                              std::string_view httpHeader = {});
     /// Of one that was fetched into scratch. Throws FileFailure when it can't be read.
-    const ContentFacts &scratchFacts(const std::filesystem::path &file);
+    const ContentFacts &scratchFacts(const std::filesystem::path &file,
+                                     std::string_view httpHeader = {});
     /// The bytes of the file whose facts were asked for last; nothing when it is a large one.
     std::optional<std::string_view> bytes() const;
 
@@ -41,16 +44,17 @@ class ContentProbe {
     void forget();
 
   private:
-    bool isKept(const std::filesystem::path &file);
-    const ContentFacts &look(const ByteSource &file);
+    bool isKept(const std::filesystem::path &file, std::string_view httpHeader);
+    const ContentFacts &look(const ByteSource &file, std::string_view httpHeader);
 
     std::filesystem::path m_file;
+    std::string_view m_served; ///< UTF-16 by the server's word; mostly empty
     ContentFacts m_facts;
     std::optional<Bytes> m_bytes;
     std::optional<Body> m_held;
 };
 
-ContentFacts factsOf(std::string_view bytes);
+ContentFacts factsOf(std::string_view bytes, std::string_view httpHeader = {});
 
 /// The title alone, by the same rule; only what stands up to its end is looked at.
 std::string titleOf(std::string_view bytes);

@@ -92,7 +92,7 @@ const BrowserFamily *familyOf(std::string_view cacheType) {
 
 const BrowserFamily *browserOf(std::string_view cacheType) {
     const BrowserFamily *family = familyOf(cacheType);
-    return family != &families::netAnalysis ? family : nullptr;
+    return family && family->engine != Engine::unknown ? family : nullptr;
 }
 
 } // namespace nv

@@ -27,8 +27,9 @@ inline constexpr std::string_view kExactMethod = "Cache, exact";
 /// of a classic one leaves kClassicMethod.
 inline constexpr std::string_view kExactTemplateMethod = "Exact template";
 
-/// Automatic is exact for pages of the caches of today's browsers, whose rows tell their layout.
-/// Throws the database's errors.
+/// By what the project knows: automatic is exact for pages of the caches of today's browsers, whose
+/// rows tell their layout. A page that turns out to be in UTF-16 is rebuilt exactly too. Throws the
+/// database's errors.
 RebuildMethod methodFor(const UrlRecord &page, MethodChoice choice, RecordStore &records);
 
 /// Whether the page was last rebuilt exactly.

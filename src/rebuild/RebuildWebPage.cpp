@@ -5,6 +5,7 @@
 #include "base/Text.h"
 #include "base/Trap.h"
 #include "db/sql/SqliteErrors.h"
+#include "markup/PageText.h"
 #include "rebuild/FindTags.h"
 #include "rebuild/LocalNames.h"
 #include "rebuild/RebuiltRow.h"
@@ -43,6 +44,8 @@ class Rebuild {
     bool run() {
         if (m_batch == Batch::yes && !m_ctx.task.advance(0))
             return false; // cancelled before this page's turn
+        if (m_ctx.settings.method == MethodChoice::automatic && isWide())
+            return rebuildExactly(m_page, m_batch, m_ctx, m_clock);
         const fs::path folder = rebuildFolderOf(m_page.URLID, m_ctx);
         m_page.RunTimeRebuiltFilePath = folder / pageNameOf(m_page.URLID);
         makeFolder(folder);
@@ -71,6 +74,12 @@ class Rebuild {
     }
 
   private:
+    /// In two bytes a letter no reference is found by a search of the bytes.
+    bool isWide() {
+        const auto &bytes = m_source.text();
+        return bytes && !wideCharsetOf(*bytes, m_page.MetaData).empty();
+    }
+
     bool chooseParts() {
         return stage(0, 0.5,
                      [this](const RebuildContext &ctx) {

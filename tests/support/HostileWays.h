@@ -117,6 +117,41 @@ inline constexpr std::array kHostileWays = {
     HostileWay{
         "mathml",
         R"~(<math><mtext><img src="@/red.gif"></mtext><maction href="@/red.gif" xlink:href="@/red.html">a</maction></math>)~"},
+    HostileWay{
+        "mathml as a link",
+        R"~(<math href="@/red.html"><mrow xlink:href="@/red.html" xlink:actuate="onLoad" xlink:type="simple" xlink:show="replace"><mi href="@/red.html">a</mi></mrow></math>)~"},
+    HostileWay{
+        "mathml with an action",
+        R"~(<math><maction actiontype="statusline#@/red.html" selection="2" other="@/red.gif"><mi>a</mi><mtext>@/red.html</mtext></maction><maction actiontype="link" dsi:href="@/red.html"><mi>b</mi></maction></math>)~"},
+    HostileWay{
+        "mathml with pictures",
+        R"~(<math><mglyph src="@/red.gif" alt=a></mglyph><mi><mglyph src="@/red.gif"></mglyph></mi><ms background="@/red.gif">b</ms><mtable background="@/red.gif"><mtr><mtd background="@/red.gif"></table></math>)~"},
+    HostileWay{
+        "mathml with styles",
+        R"~(<math mathbackground="url(@/red.gif)" style="background:u\72l(@/red.gif)"><mstyle mathcolor="red;background:url(@/red.gif)" background="@/red.gif"><mi style="background:url(@/red.gif)">a</mi></mstyle><style>&#42;{background:url(@/red.gif)}</style></math>)~"},
+    HostileWay{
+        "mathml with notes",
+        R"~(<math definitionURL="@/red.html"><semantics><mi>a</mi><annotation-xml encoding="text/html" src="@/red.html"><img src="@/red.gif"><iframe src="@/red.html"></iframe></annotation-xml><annotation-xml encoding="image/svg+xml"><svg><image href="@/red.gif" width=99 height=99 /></svg></annotation-xml><annotation src="@/red.html" cd="@/">b</annotation></semantics></math>)~"},
+    HostileWay{
+        "mathml with a script",
+        R"~(<math onload="new Image().src='@/red.gif'"><mi onclick="location='@/'" onmouseover="location='@/'">a</mi><script>new Image().src="@/red.gif"</script><mtext><script>new Image().src="@/red.gif"</script><object data="@/red.html"></object><style>%import "@/red.css";</style></mtext></math>)~"},
+    HostileWay{
+        "mathml with a page",
+        R"~(<math><mtext><template shadowrootmode=open><img src="@/red.gif"></template><div><template shadowrootmode=open><img src="@/red.gif"></template></div></mtext><mi><svg><style>&#42;{background:url(@/red.gif)}</style></svg></mi></math>)~"},
+    HostileWay{
+        "shadow tree",
+        R"~(<div><template shadowrootmode=open><img src="@/red.gif"><slot onslotchange="location='@/'"></slot></template></div>)~"},
+    HostileWay{
+        "shadow tree with styles",
+        R"~(<div><template shadowrootmode=closed><style>%import "@/red.css";:host{background:u\72l(@/red.gif)}::slotted(p){background:url(@/red.gif)}</style><link rel=stylesheet href="@/red.css"><p style="background:url(@/red.gif)">a</p></template><p>b</p></div>)~"},
+    HostileWay{"shadow tree within another one",
+               R"~(<div><template shadowrootmode=open><section><template shadowrootmode=OPEN><link rel="preload stylesheet" as=image href="@/red.css"><img src="@/red.gif" onerror="location='@/'"><template><img src="@/red.gif"></template></template></section></template></div>)~"},
+    HostileWay{
+        "shadow tree with what runs",
+        R"~(<x-y><template shadowrootmode=open shadowrootclonable onload="location='@/'"><script src="@/a.js">location='@/'</script><iframe src="@/red.html"></iframe><base href="@/"><meta http-equiv=refresh content="0;url=@/red.html"><form action="@/"><input type=image src="@/red.gif"></form></template></x-y>)~"},
+    HostileWay{
+        "shadow tree where none can be",
+        R"~(<table><template shadowrootmode=open><tr><td background="@/red.gif"></template></table><svg><template shadowrootmode=open><image href="@/red.gif" width=99 height=99 /></template></svg><template shadowrootmode=open></div><style></template><img src="@/red.gif"></style></template>)~"},
     HostileWay{"frame", R"~(<iframe src="@/red.html"></iframe>)~"},
     HostileWay{"srcdoc", R"~(<iframe srcdoc="<img src='@/red.gif'>"></iframe>)~"},
     HostileWay{"page as data", R"~(<iframe src="data:text/html,<img src='@/red.gif'>"></iframe>)~"},

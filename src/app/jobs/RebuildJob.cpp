@@ -54,7 +54,8 @@ void dropFolder(const std::filesystem::path &folder) {
 RebuiltPage outcomeOf(const UrlRecord &page, bool rebuilt, const RebuildContext &ctx) {
     RebuiltPage outcome;
     outcome.urlID = page.URLID;
-    outcome.method = methodFor(page, ctx.settings.method, ctx.records);
+    outcome.method =
+        rebuilt ? shownMethod(page) : methodFor(page, ctx.settings.method, ctx.records);
     outcome.rebuilt = rebuilt;
     outcome.folder = rebuildFolderOf(page.URLID, ctx);
     if (!rebuilt) {

@@ -52,7 +52,7 @@ std::optional<std::filesystem::path> locateCachedFile(UrlRecord &record, const H
 
 void examineCachedFile(UrlRecord &record, const std::filesystem::path &cachedFile,
                        const Evidence &evidence, ContentProbe &content) {
-    const ContentFacts &facts = content.facts(evidence, cachedFile);
+    const ContentFacts &facts = content.facts(evidence, cachedFile, record.MetaData);
     if (facts.hasHtml || facts.hasBody) {
         // Pages that the browser itself brings are none that the user saw on the network.
         const bool isResource = startsWithNoCase(record.URL, "res://ieframe.dll");

@@ -7,6 +7,8 @@
 #include "base/Trap.h"
 #include "markup/PageText.h"
 #include "rebuild/LocalNames.h"
+#include "rebuild/exact/BasePolicy.h"
+#include "rebuild/exact/Bases.h"
 #include "rebuild/exact/DrawingText.h"
 #include "rebuild/exact/OpenedXml.h"
 #include "rebuild/exact/OwnParts.h"
@@ -19,6 +21,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <iterator>
 #include <utility>
 
 namespace nv {
@@ -147,29 +150,19 @@ Assembly::Scanned Assembly::scan(const Document &document, Read &read) {
     if (document.form == PartForm::style) {
         read.sheets = document.sheets;
         putIn(read.edits, 0, ownSheetStart(read.source->charset(), read.foundIn));
-        return {scanStyle(text), {}};
+        return {scanStyle(text), {}, {}};
     }
     PageScan scanned = scanPage(text, m_folder / document.name);
     read.edits = std::move(scanned.disarming);
     read.sheets = {scanned.isQuirky, document.url};
     putIn(read.edits, scanned.headAt, ownHead(read.source->charset()));
     read.bannerAt = scanned.bodyAt == PageScan::npos ? PageScan::npos : scanned.endAt;
-    return {std::move(scanned.references), std::move(scanned.base)};
+    std::vector<std::string> baseSources = baseSourcesIn(document.headers);
+    std::ranges::move(scanned.baseSources, std::back_inserter(baseSources));
+    return {std::move(scanned.references), std::move(scanned.base), std::move(baseSources)};
 }
 
 namespace {
-
-/// What a document's references are relative to.
-std::optional<WebAddress> baseOf(const std::string &url, const std::string &base,
-                                 std::string_view charset) {
-    auto own = WebAddress::parsed(url);
-    if (base.empty())
-        return own;
-    auto other = WebAddress::parsed(base, own ? &*own : nullptr, charset);
-    // Browsers pass over a base that nothing can lie below.
-    const bool isBase = other && other->scheme() != "data" && other->scheme() != "javascript";
-    return isBase ? other : own;
-}
 
 /// Only what elements name is read in the document's own encoding; styles know none.
 std::string_view charsetFor(const Reference &reference, const std::string &charset) {
@@ -178,13 +171,14 @@ std::string_view charsetFor(const Reference &reference, const std::string &chars
     return isOfStyle ? std::string_view() : std::string_view(charset);
 }
 
-std::vector<Followed> followed(const std::vector<Reference> &references, const WebAddress *base,
+std::vector<Followed> followed(const std::vector<Reference> &references, Bases &bases,
                                const std::string &charset) {
     std::vector<Followed> all;
     all.reserve(references.size());
     for (const Reference &reference : references)
         all.push_back({&reference,
-                       WebAddress::parsed(reference.address, base, charsetFor(reference, charset)),
+                       WebAddress::parsed(reference.address, bases.of(reference),
+                                          charsetFor(reference, charset)),
                        {},
                        false});
     return all;
@@ -245,8 +239,8 @@ std::string emptyAddress(const Reference &reference) {
 
 void Assembly::resolve(const Document &document, Read &read, const Scanned &scanned) {
     const std::string charset = read.source->charset();
-    const auto base = baseOf(document.url, scanned.base, charset);
-    std::vector<Followed> all = followed(scanned.references, base ? &*base : nullptr, charset);
+    Bases bases(document.url, scanned.base, scanned.baseSources, charset);
+    std::vector<Followed> all = followed(scanned.references, bases, charset);
     std::vector<std::string> addresses;
     addresses.reserve(std::min(all.size(), kMostReferences));
     for (const Followed &one : all)
@@ -261,7 +255,7 @@ void Assembly::resolve(const Document &document, Read &read, const Scanned &scan
         one.isTold = ++m_named <= kMostReferences;
         one.found = partFor(document, read.sheets, *one.reference, one.href());
         if (!one.found.file && !one.reference->codebase.empty())
-            lookInCodebase(document, read, one, base ? &*base : nullptr);
+            lookInCodebase(document, read, one, bases.of(*one.reference));
     }
     fillSets(all, scanned.references, read.source->text());
     ShownParts shown(m_files, read.source->text(), read.bannerAt != std::string_view::npos, m_room,

@@ -72,7 +72,8 @@ class Assembly {
     };
     struct Scanned {
         std::vector<Reference> references;
-        std::string base; ///< as the document says it; empty for none
+        std::string base;                       ///< as the document says it; empty for none
+        std::vector<std::string> baseSources{}; ///< what its content policies say of it
     };
 
     Read read(const Document &document, const Bytes &bytes);

@@ -2,6 +2,7 @@
 
 #include "base/Text.h"
 #include "markup/SrcSet.h"
+#include "rebuild/exact/BasePolicy.h"
 #include "rebuild/exact/LazyParts.h"
 #include "rebuild/exact/PageAttributes.h"
 #include "rebuild/exact/Spelling.h"
@@ -16,6 +17,8 @@ namespace {
 
 /// Pages in "srcdoc" within one another; what lies deeper is emptied.
 constexpr int kDeepestSrcdoc = 4;
+/// Content policies that say something of the base; what more of them say isn't read.
+constexpr std::size_t kMostBaseSources = 16;
 
 bool isScript(std::string_view address) {
     std::string start(trimmedAddress(address).substr(0, 64));
@@ -92,6 +95,7 @@ void ElementScan::disarm(std::string_view name, const HtmlAttribute &attribute) 
 }
 
 void ElementScan::readHtml(std::string_view name, const HtmlAttributes &attributes) {
+    m_isInHead = m_isInHead && name != "body" && name != "frameset";
     if (name == "link")
         return readLink(attributes);
     if (name == "meta")
@@ -214,8 +218,19 @@ void ElementScan::readBase(const HtmlAttributes &attributes) {
     m_edits.empty(*href);
 }
 
+/// It holds for what stands behind it, and in the head only.
+void ElementScan::readPolicy(std::string_view policy) {
+    auto sources = m_isInHead && !m_hasBase && m_scan.baseSources.size() < kMostBaseSources
+                       ? baseSourcesOf(policy)
+                       : std::nullopt;
+    if (sources)
+        m_scan.baseSources.push_back(*std::move(sources));
+}
+
 void ElementScan::readMeta(const HtmlAttributes &attributes) {
     const HtmlAttribute *act = attributeOf(attributes, "http-equiv");
+    if (act && equalsNoCase(trim(act->value), "content-security-policy"))
+        readPolicy(valueOf(attributes, "content"));
     if (act && isDisarmedMeta(toLower(trim(act->value))))
         m_edits.empty(*act);
     const HtmlAttribute *name = attributeOf(attributes, "name");

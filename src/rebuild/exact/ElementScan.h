@@ -31,6 +31,7 @@ class ElementScan {
     HtmlAttributes readLazy(std::string_view name, const HtmlAttributes &attributes);
     void readLink(const HtmlAttributes &attributes);
     void readMeta(const HtmlAttributes &attributes);
+    void readPolicy(std::string_view policy);
     void readBase(const HtmlAttributes &attributes);
     void readFrameText(const HtmlAttribute &srcdoc);
     void disarm(std::string_view name, const HtmlAttribute &attribute);
@@ -54,6 +55,7 @@ class ElementScan {
     PageScan &m_scan;
     AttributeEdits m_edits;
     bool m_hasBase = false;
+    bool m_isInHead = true;
     std::unordered_set<std::size_t> m_seen; ///< the places of attributes: elements are copied
 };
 

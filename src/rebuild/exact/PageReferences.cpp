@@ -103,7 +103,7 @@ bool PageWalk::enter(const Node &element) {
     if (name == "noscript")
         enterNoscript(element);
     // What a template holds isn't shown, but as the tree that stands in an element's shadow.
-    return name != "template" || HtmlDocument::valueOf(element, "shadowrootmode");
+    return name != "template" || HtmlDocument::isShadowTree(element);
 }
 
 /// Old browsers pass over most tags in a list, those of styles too, and read as tags what stands as

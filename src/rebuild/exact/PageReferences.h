@@ -15,6 +15,8 @@ struct PageScan {
     /// The first base element's address as it is meant; empty for none. It may be one that browsers
     /// pass over.
     std::string base;
+    /// What content policies of "meta" elements in front of it say of it, see isBaseAllowed().
+    std::vector<std::string> baseSources;
     bool isQuirky = false; ///< shown as old browsers did, by its document type
     /// In the order of the text; addresses that are empty, data, or a place in the page itself are
     /// not among them.

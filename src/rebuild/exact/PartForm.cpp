@@ -127,11 +127,6 @@ std::string_view insideTypeOf(std::string_view extension) {
 
 namespace {
 
-/// By its mark only: nothing else tells UTF-16 from what is no text.
-bool isUtf16(std::string_view head) {
-    return head.starts_with("\xFF\xFE"sv) || head.starts_with("\xFE\xFF"sv);
-}
-
 bool textBeginsLikePage(std::string_view head) {
     const std::string_view text = withoutLead(head);
     // Comments may be long, and scripts begin with "<!--" too: browsers take it for a page.
@@ -148,7 +143,8 @@ bool textBeginsLikePage(std::string_view head) {
 } // namespace
 
 bool beginsLikePage(std::string_view head) {
-    if (!isUtf16(head))
+    // By its mark only: nothing else here tells UTF-16 from what is no text.
+    if (wideCharsetOf(head, {}).empty())
         return textBeginsLikePage(head);
     const Bytes bytes(head.begin(), head.end());
     return textBeginsLikePage(decodedPage(ByteView(bytes), {}).text);

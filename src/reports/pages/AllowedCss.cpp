@@ -1,21 +1,11 @@
 #include "reports/pages/AllowedCss.h"
 
 #include "base/Text.h"
-
-#include <unordered_set>
+#include "markup/WordSet.h"
 
 namespace nv {
 
 namespace {
-
-using Words = std::unordered_set<std::string_view>;
-
-Words wordsOf(std::string_view list) {
-    Words words;
-    for (const std::string_view word : split(list, ' '))
-        words.insert(word);
-    return words;
-}
 
 std::string_view withoutMaker(std::string_view name) {
     for (const std::string_view maker : {"-webkit-", "-moz-", "-ms-", "-o-"})
@@ -63,27 +53,27 @@ constexpr std::string_view kTextProperties =
 } // namespace
 
 bool isAllowedRule(std::string_view name) {
-    static const Words rules = wordsOf(kRules);
+    static const WordSet rules = wordSetOf(kRules);
     return rules.contains(withoutMaker(name));
 }
 
 bool isAllowedFunction(std::string_view name) {
-    static const Words functions = wordsOf(kFunctions);
+    static const WordSet functions = wordSetOf(kFunctions);
     return functions.contains(withoutMaker(name));
 }
 
 bool takesText(std::string_view function) {
-    static const Words functions = wordsOf(kTextFunctions);
+    static const WordSet functions = wordSetOf(kTextFunctions);
     return functions.contains(withoutMaker(function));
 }
 
 bool mayHoldAddress(std::string_view property) {
-    static const Words properties = wordsOf(kAddressProperties);
+    static const WordSet properties = wordSetOf(kAddressProperties);
     return properties.contains(withoutMaker(property));
 }
 
 bool mayHoldText(std::string_view property) {
-    static const Words properties = wordsOf(kTextProperties);
+    static const WordSet properties = wordSetOf(kTextProperties);
     return properties.contains(withoutMaker(property));
 }
 

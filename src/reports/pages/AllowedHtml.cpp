@@ -1,12 +1,13 @@
 #include "reports/pages/AllowedHtml.h"
 
 #include "base/Text.h"
+#include "markup/MathNames.h"
 #include "markup/SvgNames.h"
+#include "markup/WordSet.h"
 
 #include <algorithm>
 #include <array>
 #include <unordered_map>
-#include <unordered_set>
 
 namespace nv {
 
@@ -21,12 +22,11 @@ constexpr std::array<FateRow, 10> kHtml = {{
     {Fate::keep,
      "a abbr acronym address area article aside audio b basefont bdi bdo big blockquote body br "
      "button canvas caption center cite code col colgroup data dd del details dfn dialog dir div "
-     "dl "
-     "dt em fieldset figcaption figure font footer form frame frameset h1 h2 h3 h4 h5 h6 head "
+     "dl dt em fieldset figcaption figure font footer form frame frameset h1 h2 h3 h4 h5 h6 head "
      "header hgroup hr html i img input ins kbd label legend li main map mark marquee menu meter "
-     "nav nobr ol optgroup option output p picture pre progress q rp rt ruby s samp search section "
-     "select small source span strike strong sub summary sup table tbody td tfoot th thead time tr "
-     "track tt u ul var video wbr"},
+     "nav nobr ol optgroup option output p picture pre progress q rp rt ruby s samp search "
+     "section select slot small source span strike strong sub summary sup table tbody td tfoot "
+     "th thead time tr track tt u ul var video wbr"},
     {Fate::unwrap, "applet layer ilayer nolayer"},
     {Fate::embedded, "embed object"},
     {Fate::lines, "listing plaintext xmp"},
@@ -55,28 +55,16 @@ Fates fatesOf(const std::array<FateRow, Count> &rows) {
     return fates;
 }
 
-using Words = std::unordered_set<std::string_view>;
-
-Words wordsOf(std::string_view list) {
-    Words words;
-    for (const std::string_view word : split(list, ' '))
-        words.insert(word);
-    return words;
-}
-
 constexpr std::string_view kHtmlAttributes =
-    "abbr accesskey align alink alt axis behavior bgcolor bordercolor bordercolordark "
-    "bordercolorlight border bottommargin cellpadding cellspacing char charoff checked class clear "
-    "color cols colspan compact controls coords data-href datetime default dir direction disabled "
-    "face for frame frameborder framespacing headers height hidden high hspace id ismap kind label "
-    "lang "
-    "language leftmargin link loop low marginheight marginwidth max maxlength media min multiple "
-    "muted name nohref noresize noshade nowrap open optimum placeholder popover readonly required "
-    "reversed "
-    "rightmargin role rows rowspan rules scope scrollamount scrolldelay scrolling selected shape "
-    "size sizes span spellcheck srclang start step summary tabindex target text title topmargin "
-    "truespeed "
-    "type "
+    "abbr accesskey align alink alt axis behavior bgcolor border bordercolor bordercolordark "
+    "bordercolorlight bottommargin cellpadding cellspacing char charoff checked class clear color "
+    "cols colspan compact controls coords data-href datetime default dir direction disabled "
+    "exportparts face for frame frameborder framespacing headers height hidden high hspace id "
+    "ismap kind label lang language leftmargin link loop low marginheight marginwidth max "
+    "maxlength media min multiple muted name nohref noresize noshade nowrap open optimum part "
+    "placeholder popover readonly required reversed rightmargin role rows rowspan rules scope "
+    "scrollamount scrolldelay scrolling selected shadowrootmode shape size sizes slot span "
+    "spellcheck srclang start step summary tabindex target text title topmargin truespeed type "
     "unselectable valign value version vlink vspace width wrap";
 
 struct UseRow {
@@ -100,8 +88,9 @@ namespace {
 
 /// Without scripts they are elements that do nothing, and styles may call them by their names.
 bool isOfPagesOwn(std::string_view name) {
-    static const Words taken = wordsOf("annotation-xml color-profile font-face font-face-format "
-                                       "font-face-name font-face-src font-face-uri missing-glyph");
+    static const WordSet taken =
+        wordSetOf("annotation-xml color-profile font-face font-face-format "
+                  "font-face-name font-face-src font-face-uri missing-glyph");
     constexpr std::size_t kLongest = 100;
     const bool begins = !name.empty() && name.front() >= 'a' && name.front() <= 'z';
     return begins && name.size() <= kLongest && name.find('-') != std::string_view::npos &&
@@ -112,11 +101,24 @@ bool isOfPagesOwn(std::string_view name) {
 
 } // namespace
 
+namespace {
+
+/// In those that hold text a page could stand: none does in what is written.
+Fate mathFateOf(std::string_view name) {
+    if (isMathText(name))
+        return Fate::text;
+    if (isMathUnseen(name))
+        return Fate::drop;
+    return isMathElement(name) ? Fate::keep : Fate::unwrap;
+}
+
+} // namespace
+
 Fate fateOf(HtmlSpace space, std::string_view name) {
     static const Fates html = fatesOf(kHtml);
     static const Fates svg = fatesOf(kSvg);
     if (space == HtmlSpace::mathMl)
-        return Fate::unwrap;
+        return mathFateOf(name);
     const Fates &fates = space == HtmlSpace::svg ? svg : html;
     const auto found = fates.find(name);
     if (found != fates.end())
@@ -127,14 +129,22 @@ Fate fateOf(HtmlSpace space, std::string_view name) {
 }
 
 bool isVoid(std::string_view name) {
-    static const Words voids =
-        wordsOf("area basefont br col frame hr img input link meta source track wbr");
+    static const WordSet voids =
+        wordSetOf("area basefont br col frame hr img input link meta source track wbr");
     return voids.contains(name);
 }
 
 bool isPlainAttribute(HtmlSpace space, std::string_view name) {
-    static const Words html = wordsOf(kHtmlAttributes);
+    static const WordSet html = wordSetOf(kHtmlAttributes);
+    if (space == HtmlSpace::mathMl)
+        return isMathAttribute(name);
     return space == HtmlSpace::svg ? isSvgAttribute(name) : html.contains(name);
+}
+
+std::string_view propertyOf(HtmlSpace space, std::string_view attribute) {
+    if (space == HtmlSpace::mathMl)
+        return mathPropertyOf(attribute);
+    return space == HtmlSpace::svg && isSvgProperty(attribute) ? attribute : std::string_view();
 }
 
 std::optional<Use> useOf(std::string_view element, std::string_view attribute) {

@@ -30,6 +30,8 @@ bool isVoid(std::string_view name);
 
 /// Attributes that say how something looks, or what it is, and nothing else.
 bool isPlainAttribute(HtmlSpace space, std::string_view name);
+/// The property of styles whose values an attribute takes; empty for others.
+std::string_view propertyOf(HtmlSpace space, std::string_view attribute);
 /// What a browser uses the address for that an attribute of HTML names; nothing where it has to go.
 std::optional<Use> useOf(std::string_view element, std::string_view attribute);
 

@@ -2,7 +2,6 @@
 
 #include "base/Text.h"
 #include "markup/SrcSet.h"
-#include "markup/SvgNames.h"
 #include "markup/Utf8.h"
 #include "reports/pages/SafeStyle.h"
 
@@ -41,20 +40,14 @@ std::string attributeText(std::string_view name, std::string_view value) {
     return fmt::format(" {}=\"{}\"", name, markupText(value));
 }
 
+std::string toldLink(std::string_view address) {
+    return address.empty() ? std::string() : attributeText("data-href", address);
+}
+
 bool isQuotable(std::string_view id) {
     return std::ranges::all_of(id, [](char c) {
         return c >= ' ' && c < 0x7F && c != '"' && c != '<' && c != '>' && c != '&';
     });
-}
-
-/// "2x", "1.5x", "640w", or none.
-bool isDescriptor(std::string_view text) {
-    if (text.empty())
-        return true;
-    const char unit = text.back();
-    text.remove_suffix(1);
-    return (unit == 'x' || unit == 'w') && !text.empty() && text.size() < 12 &&
-           std::ranges::all_of(text, [](char c) { return (c >= '0' && c <= '9') || c == '.'; });
 }
 
 const HtmlAttribute *find(const std::vector<HtmlAttribute> &attributes, std::string_view name) {
@@ -166,7 +159,10 @@ void PageWriter::writeText(std::string_view text) {
 
 Fate PageWriter::fateHere(const Node &element, std::string_view name) const {
     const HtmlSpace space = HtmlDocument::spaceOf(element);
-    const Fate fate = fateOf(space, name);
+    // Readers of XML make no tree of it.
+    const bool isShadow =
+        m_form == PageForm::html && m_detail == Detail::all && HtmlDocument::isShadowTree(element);
+    const Fate fate = isShadow ? Fate::keep : fateOf(space, name);
     const bool isSimple =
         fate == Fate::drop || fate == Fate::meta || fate == Fate::style ||
         (space == HtmlSpace::html && std::ranges::find(kPlain, name) != kPlain.end());
@@ -216,6 +212,8 @@ void PageWriter::openTag(const Node &element, std::string_view name, std::string
     std::string_view nameSpace;
     if (space == HtmlSpace::svg && name == "svg")
         nameSpace = " xmlns=\"http://www.w3.org/2000/svg\"";
+    else if (space == HtmlSpace::mathMl && name == "math")
+        nameSpace = " xmlns=\"http://www.w3.org/1998/Math/MathML\"";
     else if (name == "html" && m_form == PageForm::xhtml)
         nameSpace = " xmlns=\"http://www.w3.org/1999/xhtml\"";
     const bool isClosed = space == HtmlSpace::html && isVoid(name);
@@ -242,12 +240,16 @@ std::string PageWriter::attributeOf(const Node &element, std::string_view name,
         const std::string style = guardedDeclarations(value, m_references);
         return style.empty() ? "" : attributeText("style", style);
     }
-    if (std::string reference = referenceOf(element, name, attribute); !reference.empty())
+    if (space == HtmlSpace::mathMl && attribute.name == "href")
+        return toldLink(value);
+    if (std::string reference = referenceOf(element, name, attribute);
+        space != HtmlSpace::mathMl && !reference.empty())
         return reference;
     if (attribute.isPrefixed)
         return {};
-    if (space == HtmlSpace::svg && isSvgProperty(attribute.name)) {
-        const auto safe = guardedValue(attribute.name, value, m_references);
+    const std::string_view property = propertyOf(space, attribute.name);
+    if (!property.empty()) {
+        const auto safe = guardedValue(property, value, m_references);
         return safe ? attributeText(attribute.name, *safe) : std::string();
     }
     return isPlainAttribute(space, attribute.name) ? attributeText(attribute.name, value) : "";

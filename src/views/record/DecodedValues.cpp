@@ -7,6 +7,9 @@
 #include "time/DateFormat.h"
 #include "views/record/NumberTimes.h"
 #include "views/record/SnowflakeTimes.h"
+#include "views/record/TimeNames.h"
+
+#include <fmt/format.h>
 
 #include <algorithm>
 #include <cstdint>
@@ -108,28 +111,29 @@ class Decoder {
         return true;
     }
 
-    /// All that a text can be by itself.
-    void text(const std::string &name, std::string_view text, int depth) {
+    /// All that a text can be by itself, as the value of `own`.
+    void text(std::string_view own, const std::string &name, std::string_view text, int depth) {
         if (depth > kDeepest || text.empty())
             return;
         if (depth < kDeepest && address(name, text, depth + 1))
             return;
-        if (analytics(name, text) || time(name, text))
+        if (analytics(own, name, text) || time(own, name, text))
             return;
         if (const auto bytes = textOfBase64(text)) {
             add(name, *bytes, "Base64");
-            return this->text(name, *bytes, depth + 1);
+            return this->text(own, name, *bytes, depth + 1);
         }
-        pieces(name, text);
+        if (!callback(name, text))
+            pieces(own, name, text);
     }
 
-    void pairsOrText(std::string_view text) {
+    void pairsOrText(std::string_view own, std::string_view text) {
         const std::size_t sign = text.find('=');
         // At the end it fills up base64.
         if (sign != std::string_view::npos &&
             text.find_first_not_of('=', sign) != std::string_view::npos)
             return parameters({}, text, kPair, false, 0);
-        this->text({}, percentDecode(text), 0);
+        this->text(own, {}, percentDecode(text), 0);
     }
 
     std::vector<DecodedValue> take() { return std::move(m_values); }
@@ -169,17 +173,40 @@ class Decoder {
                             });
         add(name, value, isTerm ? kSearchTermRule : rule);
         if (!isTerm && !startOfSession(own, name, value))
-            text(name, value, depth);
+            text(own, name, value, depth);
     }
 
-    bool time(const std::string &name, std::string_view text) {
+    /// Numbers are times by their names alone.
+    bool time(std::string_view own, const std::string &name, std::string_view text) {
         const bool isNumber =
             std::ranges::count(text, '.') <= 1 &&
             std::ranges::all_of(text, [](char c) { return isDigit(c) || c == '.'; });
+        const NameSays says = isNumber ? saysOfTime(own) : NameSays::time;
+        if (says == NameSays::nothing)
+            return false;
         const auto read = isNumber ? timeOfNumber(text) : timeOfUuid(text);
-        if (read)
+        if (!read || (says == NameSays::milliseconds && read->rule != kUnixMilliseconds))
+            return false;
+        add(name, timeText(read->utc), read->rule);
+        return true;
+    }
+
+    /// "jQuery", a number by chance, and the time at which the page was read, whatever the
+    /// parameter is called.
+    bool callback(const std::string &name, std::string_view text) {
+        constexpr std::string_view kLibrary = "jQuery";
+        const std::vector<std::string_view> parts = split(text, '_');
+        const auto areDigits = [](std::string_view part) {
+            return !part.empty() && std::ranges::all_of(part, isDigit);
+        };
+        if (parts.size() < 2 || !parts[0].starts_with(kLibrary) ||
+            !areDigits(parts[0].substr(kLibrary.size())) || !areDigits(parts[1]))
+            return false;
+        const auto read = timeOfNumber(parts[1]);
+        const bool isTime = read && read->rule == kUnixMilliseconds;
+        if (isTime)
             add(name, timeText(read->utc), read->rule);
-        return read.has_value();
+        return isTime;
     }
 
     /// Search pages begin a number of the session with the time of the first of them.
@@ -194,34 +221,57 @@ class Decoder {
         for (std::size_t at = 4; at-- > 0;)
             seconds = seconds << 8 | static_cast<unsigned char>(bytes[at]);
         const auto read = timeOfNumber(std::to_string(seconds));
-        if (!read || read->rule != "Unix time in seconds")
+        if (!read || read->rule != kUnixSeconds)
             return false;
         add(name, timeText(read->utc),
             "First four bytes of base64, the lowest first: Unix time in seconds");
         return true;
     }
 
-    /// "GA1.2.number.time" and "hash.number.first.last.now.count": other numbers of theirs aren't
-    /// times.
-    bool analytics(const std::string &name, std::string_view text) {
+    /// Of a counter of visits: "number.time", "GA1.2.number.time" and
+    /// "hash.number.first.before.last.count", of which the numbers aren't times.
+    bool analytics(std::string_view own, const std::string &name, std::string_view text) {
+        constexpr std::string_view kFirst = "First visit, by a counter of visits";
         const std::vector<std::string_view> parts = split(text, '.');
-        const auto say = [&](std::size_t place, std::string_view what) {
-            const auto read = timeOfNumber(parts[place]);
-            if (read)
-                add(name, timeText(read->utc), std::string(what) + ", " + std::string(read->rule));
-            return read.has_value();
-        };
-        if (parts.size() == 4 && text.starts_with("GA1."))
-            return say(3, "First visit, by a counter of visits");
+        const bool isClient = own == "cid" || own == "ga_vid" || own == "_ga";
+        if ((parts.size() == 2 && isClient) || (parts.size() == 4 && text.starts_with("GA1.")))
+            return counted(name, parts.back(), kFirst);
+        if (own == "utmcc")
+            return analyticsCookie(name, text);
         const bool areNumbers = std::ranges::all_of(parts, [](std::string_view part) {
             return !part.empty() && std::ranges::all_of(part, isDigit);
         });
-        if (parts.size() != 6 || !areNumbers || !timeOfNumber(parts[2]))
+        // Ids of the same form aren't in the order of visits.
+        if (parts.size() != 6 || !areNumbers || parts[2] > parts[3] || parts[3] > parts[4] ||
+            !secondsOf(parts[2]) || !secondsOf(parts[3]) || !secondsOf(parts[4]))
             return false;
-        say(2, "First visit, by a counter of visits");
-        say(3, "Visit before, by a counter of visits");
-        say(4, "Last visit, by a counter of visits");
+        counted(name, parts[2], kFirst);
+        counted(name, parts[3], "Visit before, by a counter of visits");
+        counted(name, parts[4], "Last visit, by a counter of visits");
         return true;
+    }
+
+    /// The counter's cookies as a parameter of its own: "__utma=...;+__utmz=...".
+    bool analyticsCookie(const std::string &name, std::string_view text) {
+        constexpr std::string_view kVisits = "__utma=";
+        for (std::string_view cookie : split(text, ';')) {
+            cookie.remove_prefix(std::min(cookie.find_first_not_of("+ "), cookie.size()));
+            if (cookie.starts_with(kVisits))
+                return analytics({}, name, cookie.substr(kVisits.size()));
+        }
+        return false;
+    }
+
+    static std::optional<ReadTime> secondsOf(std::string_view digits) {
+        auto read = timeOfNumber(digits);
+        return read && read->rule == kUnixSeconds ? read : std::nullopt;
+    }
+
+    bool counted(const std::string &name, std::string_view digits, std::string_view what) {
+        const auto read = secondsOf(digits);
+        if (read)
+            add(name, timeText(read->utc), fmt::format("{}, {}", what, read->rule));
+        return read.has_value();
     }
 
     /// Whether the number that begins there is less than 0. A hyphen between words is no sign.
@@ -230,17 +280,37 @@ class Decoder {
                (begin == 1 || !isLetterOrDigit(text[begin - 2]));
     }
 
+    /// The word in front of a number: of `TM=1299006630` and `"time": 1299006630`.
+    static std::string_view nameBefore(std::string_view text, std::size_t begin) {
+        constexpr std::string_view kAround = " \"'\\";
+        const auto cut = [&text](std::string_view signs) {
+            text = text.substr(0, text.find_last_not_of(signs) + 1);
+        };
+        text = text.substr(0, begin);
+        cut(kAround);
+        if (!text.ends_with('=') && !text.ends_with(':'))
+            return {};
+        text.remove_suffix(1);
+        cut(kAround);
+        std::size_t from = text.size();
+        while (from > 0 && (isLetterOrDigit(text[from - 1]) || text[from - 1] == '_'))
+            --from;
+        return text.substr(from);
+    }
+
     /// Numbers between other characters.
-    void pieces(const std::string &name, std::string_view text) {
-        constexpr std::size_t kFewestDigits = 9;
+    void pieces(std::string_view own, const std::string &name, std::string_view text) {
+        constexpr std::size_t kFewestDigits = 10;
         for (std::size_t at = 0; at < text.size() && m_values.size() < kMostDecodedValues;) {
             const std::size_t begin = at;
             while (at < text.size() && isLetterOrDigit(text[at]))
                 ++at;
             const std::string_view piece = text.substr(begin, at - begin);
             if (piece.size() >= kFewestDigits && std::ranges::all_of(piece, isDigit) &&
-                !hasSign(text, begin))
-                time(name, piece);
+                !hasSign(text, begin)) {
+                const std::string_view before = nameBefore(text, begin);
+                time(before.empty() ? own : before, name, piece);
+            }
             at += at == begin ? 1 : 0;
         }
     }
@@ -278,11 +348,12 @@ std::vector<DecodedValue> decodedAddress(std::string_view field, std::string_vie
     return decodedAddress(field, isSure ? address : address.substr(0, query));
 }
 
-std::vector<DecodedValue> decodedText(std::string_view field, std::string_view text) {
+std::vector<DecodedValue> decodedText(std::string_view field, std::string_view text,
+                                      std::string_view name) {
     Decoder decoder(field);
     const std::string_view looked = beginningOf(text, kMostDecodedBytes);
     if (!decoder.address({}, looked, 0))
-        decoder.pairsOrText(looked);
+        decoder.pairsOrText(name, looked);
     return decoder.take();
 }
 

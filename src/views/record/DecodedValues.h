@@ -35,7 +35,8 @@ std::vector<DecodedValue> decodedAddress(std::string_view field, std::string_vie
                                          std::string_view stored);
 
 /// The same of the value of a cookie or a form, which may be parameters, a number, a list of
-/// numbers or base64.
-std::vector<DecodedValue> decodedText(std::string_view field, std::string_view text);
+/// numbers or base64. `name` is that of the cookie or the field.
+std::vector<DecodedValue> decodedText(std::string_view field, std::string_view text,
+                                      std::string_view name = {});
 
 } // namespace nv

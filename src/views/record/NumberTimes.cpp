@@ -12,31 +12,23 @@ namespace nv {
 
 namespace {
 
-constexpr std::int64_t kFirst = 788'918'400;  ///< 1995-01-01, seconds since 1970
-constexpr std::int64_t kLast = 2'208'988'800; ///< 2040-01-01, not in it
-constexpr std::int64_t kSecond = 1;
+constexpr std::int64_t kFirst = 1'000'000'000; ///< 2001-09-09, seconds since 1970
+constexpr std::int64_t kLast = 2'000'000'000;  ///< 2033-05-18, not in it
 
 /// A clock that counts whole units from its own beginning.
 struct CountedClock {
     std::int64_t aSecond; ///< units
     std::int64_t begin;   ///< seconds since 1970
     std::string_view rule;
-    std::int64_t first = kFirst; ///< earliest time that it is read for, seconds since 1970
-    std::int64_t last = kLast;   ///< not in it
 };
 
 constexpr std::int64_t kYear1 = -62'135'596'800;
 constexpr std::int64_t kYear1582 = -12'219'292'800; ///< 1582-10-15
 constexpr std::int64_t kYear1601 = -11'644'473'600;
-constexpr std::int64_t kYear2001 = 978'307'200;
 
-// A number below the first Unix second of 1995 is a Mac time of up to 2026; from 2004 on, so that
-// shorter numbers are none.
 constexpr CountedClock kClocks[] = {
-    {kSecond, 0, "Unix time in seconds"},
-    {kSecond, kYear2001, "Mac absolute time, seconds since 2001", kYear2001 + 100'000'000,
-     kYear2001 + kFirst},
-    {1'000, 0, "Unix time in milliseconds"},
+    {1, 0, kUnixSeconds},
+    {1'000, 0, kUnixMilliseconds},
     {1'000'000, 0, "Unix time in microseconds"},
     {1'000'000, kYear1601, "WebKit time, microseconds since 1601"},
     {10'000'000, kYear1601, "FILETIME, 100 nanoseconds since 1601"},
@@ -50,7 +42,7 @@ std::optional<Date> dateBy(const CountedClock &clock, std::int64_t number) {
     if (clock.aSecond == 1'000'000'000 && number % 100 != 0)
         return std::nullopt;
     const std::int64_t sinceBegin = number / clock.aSecond;
-    if (sinceBegin < clock.first - clock.begin || sinceBegin >= clock.last - clock.begin)
+    if (sinceBegin < kFirst - clock.begin || sinceBegin >= kLast - clock.begin)
         return std::nullopt;
     return Date::fromUnixSeconds(clock.begin + sinceBegin);
 }
@@ -75,6 +67,7 @@ std::optional<ReadTime> timeOfNumber(std::string_view digits) {
 }
 
 std::optional<ReadTime> timeOfUuid(std::string_view text) {
+    constexpr std::int64_t kFirstOfUuid = 788'918'400; // 1995-01-01
     constexpr std::size_t kLength = 36;
     if (text.size() != kLength || text[8] != '-' || text[13] != '-' || text[14] != '1' ||
         text[18] != '-' || text[23] != '-')
@@ -89,7 +82,7 @@ std::optional<ReadTime> timeOfUuid(std::string_view text) {
     std::int64_t ticks = 0;
     std::from_chars(digits.data(), digits.data() + digits.size(), ticks, 16);
     const std::int64_t seconds = kYear1582 + ticks / 10'000'000;
-    if (seconds < kFirst || seconds >= kLast)
+    if (seconds < kFirstOfUuid || seconds >= kLast)
         return std::nullopt;
     return ReadTime{Date::fromUnixSeconds(seconds), "UUID of version 1"};
 }

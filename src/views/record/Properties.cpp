@@ -158,11 +158,16 @@ void addExifRows(std::vector<Property> &properties, const PropertySource &source
         });
 }
 
-/// Values that may hold others in another form.
-constexpr std::array<std::string_view, 2> kAddressFields = {"URL", "Referrer"};
-constexpr std::array<std::string_view, 8> kDecodedFacts = {
-    "external_referrer", "tab_url", "tab_referrer", "site_url",
-    "from_url",          "value",   "cookie_value", "field_value"};
+/// Values that may hold others in another form, with the property that names them.
+constexpr std::array<std::pair<std::string_view, std::string_view>, 8> kDecodedFacts = {
+    {{"external_referrer", ""},
+     {"tab_url", ""},
+     {"tab_referrer", ""},
+     {"site_url", ""},
+     {"from_url", ""},
+     {"value", "URLFileName"},
+     {"cookie_value", "cookie_name"},
+     {"field_value", "field_name"}}};
 
 void addDecoded(std::vector<Property> &properties, const std::vector<DecodedValue> &values) {
     for (const DecodedValue &value : values)
@@ -170,23 +175,32 @@ void addDecoded(std::vector<Property> &properties, const std::vector<DecodedValu
                               fmt::format("{} [{}]", value.value, value.rule)});
 }
 
-template <std::size_t Count>
-bool isAmong(const std::array<std::string_view, Count> &names, std::string_view name) {
-    return std::ranges::find(names, name) != names.end();
+std::string_view valueOf(const std::vector<Property> &properties, std::string_view name) {
+    const auto found = std::ranges::find(properties, name, &Property::name);
+    return found == properties.end() ? std::string_view() : std::string_view(found->value);
+}
+
+void addDecodedFact(std::vector<Property> &decoded, const Property &property,
+                    const std::vector<Property> &properties) {
+    const auto *fact = std::ranges::find(kDecodedFacts, property.name,
+                                         &decltype(kDecodedFacts)::value_type::first);
+    if (fact != kDecodedFacts.end())
+        addDecoded(decoded,
+                   decodedText(property.name, property.value, valueOf(properties, fact->second)));
 }
 
 /// Behind what the record itself says.
 void addDecodedValues(std::vector<Property> &properties, FailureLog &log) {
     std::vector<Property> decoded;
     attempt(log, [&] {
-        const auto stored = std::ranges::find(properties, "URLRawValue", &Property::name);
         for (const Property &property : properties)
-            if (property.name == "URL" && stored != properties.end())
-                addDecoded(decoded, decodedAddress(property.name, property.value, stored->value));
-            else if (isAmong(kAddressFields, property.name))
+            if (property.name == "URL")
+                addDecoded(decoded, decodedAddress(property.name, property.value,
+                                                   valueOf(properties, "URLRawValue")));
+            else if (property.name == "Referrer")
                 addDecoded(decoded, decodedAddress(property.name, property.value));
-            else if (isAmong(kDecodedFacts, property.name))
-                addDecoded(decoded, decodedText(property.name, property.value));
+            else
+                addDecodedFact(decoded, property, properties);
     });
     properties.insert(properties.end(), decoded.begin(), decoded.end());
 }

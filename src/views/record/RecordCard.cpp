@@ -204,7 +204,7 @@ class CardMaker {
             return add("Source", m_row.text("RootPath") + m_row.text("CacheFileRelativePath"));
         add("Source", file + placeInFile(file));
         if (const BrowserFamily *family = familyOf(m_row.text("CacheType"));
-            family == &families::netAnalysis)
+            family && family->engine == Engine::unknown) // another tool's
             add("Recovered by", std::string(family->name));
     }
 

@@ -1,6 +1,7 @@
 #include "base/Digest.h"
 #include "base/Text.h"
 #include "db/hashes/HashList.h"
+#include "support/WideText.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -38,18 +39,6 @@ ReadList listOf(std::string_view text, std::size_t block = 7) {
     return list;
 }
 
-std::string utf16(std::string_view text, bool isBig) {
-    std::string bytes = isBig ? "\xFE\xFF" : "\xFF\xFE";
-    for (const char c : text) {
-        if (isBig)
-            bytes.push_back('\0');
-        bytes.push_back(c);
-        if (!isBig)
-            bytes.push_back('\0');
-    }
-    return bytes;
-}
-
 TEST(HashList, takesHashesOneALine) {
     const ReadList list = listOf("# ours\n\n" + toUpper(kMd5) + "\r\n  " + kSha1 + "\n" + kSha256);
     EXPECT_THAT(list.hashes, ElementsAre(kMd5, kSha1, kSha256));
@@ -79,7 +68,8 @@ TEST(HashList, takesTheStrongestHashOfATable) {
 
 TEST(HashList, knowsTheMarksOfCodings) {
     for (const std::string &text :
-         {"\xEF\xBB\xBF" + kMd5 + "\n", utf16(kMd5 + "\r\n", true), utf16(kMd5 + "\n", false)})
+         {"\xEF\xBB\xBF" + kMd5 + "\n", test::markedWideText(kMd5 + "\r\n", true),
+          test::markedWideText(kMd5 + "\n", false)})
         for (const std::size_t block : {1, 2, 3, 1000})
             EXPECT_THAT(listOf(text, block).hashes, ElementsAre(kMd5)) << block;
 }

@@ -3,6 +3,7 @@
 #include "db/records/RecordNames.h"
 #include "import/ImportSink.h"
 #include "support/TestProject.h"
+#include "support/WideText.h"
 #include "unit/import/ImportFixture.h"
 
 #include <SQLiteCpp/Statement.h>
@@ -135,6 +136,26 @@ TEST_F(AdvancedMetadataTest, readsTitleAndBodyInThePagesOwnEncoding) {
     UrlRecord record = cached("other.htm", bytes);
     record.MetaData = "HTTP/1.1 200 OK\r\nContent-Type: text/html; charset=windows-1251\r\n";
     EXPECT_EQ(row(record).WebpageTitle, "\xD0\x9F\xD1\x80");
+}
+
+TEST_F(AdvancedMetadataTest, readsAPageInUtf16OfAnyCache) {
+    const auto expectPage = [this](UrlRecord record) {
+        const UrlRecord page = row(std::move(record));
+        EXPECT_TRUE(page.IsWebPage);
+        EXPECT_EQ(page.Category, "HTML");
+        EXPECT_EQ(page.WebpageTitle, "Harbour &amp; News");
+        EXPECT_EQ(page.HTMLBody, "Tide tablesabc");
+    };
+    for (const bool isBigEndian : {false, true}) {
+        expectPage(cached("marked", test::markedWideText(kPage, isBigEndian)));
+        UrlRecord served = cached("served", test::wideText(kPage, isBigEndian));
+        served.MetaData = "HTTP/1.1 200 OK\r\nContent-Type: text/html; charset=utf-16";
+        served.MetaData += isBigEndian ? "be\r\n" : "le\r\n";
+        expectPage(served);
+    }
+    EXPECT_EQ(links(), 12);
+    EXPECT_FALSE(rowOf("bare", test::wideText(kPage, false)).IsWebPage);
+    EXPECT_TRUE(project.log.entries.empty());
 }
 
 TEST_F(AdvancedMetadataTest, endsWithoutAFile) {

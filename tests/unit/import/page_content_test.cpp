@@ -55,6 +55,14 @@ TEST(PageContent, leavesOutWhatABrowserDoesntShow) {
               "abcdefg");
 }
 
+TEST(PageContent, readsTreesInTheShadowOfAnElement) {
+    EXPECT_EQ(bodyOf("<div>a<template shadowrootmode=open><p>b<slot></slot></template>c</div>"),
+              "a\r\nb\r\nc");
+    EXPECT_EQ(bodyOf("<div>a<template shadowrootmode=x>b</template>c</div>"), "ac");
+    EXPECT_EQ(linksOf("<div><template shadowrootmode=closed><a href=b>c</a></template></div>"),
+              Strings{"b"});
+}
+
 TEST(PageContent, partsBlocksByLines) {
     EXPECT_EQ(bodyOf("<h1>Head</h1>\n\n<p>one\n  two<br>three<ul><li>four<li>five</ul>"),
               "Head\r\none two\r\nthree\r\nfour\r\nfive");

@@ -1,6 +1,7 @@
 #include "base/Files.h"
 #include "readers/ContentProbe.h"
 #include "support/TempFolder.h"
+#include "support/WideText.h"
 
 #include <gtest/gtest.h>
 
@@ -50,6 +51,59 @@ TEST(ContentProbe, findsTagsAndTitlesThatABlockCuts) {
         EXPECT_TRUE(facts.hasBody) << shift;
         EXPECT_EQ(facts.title, "Across the border") << shift;
     }
+}
+
+constexpr std::string_view kTides = "<HTML><table><?xml?><title> Tides </title><body>";
+
+TEST(ContentProbe, readsUtf16ByItsMarkOrByTheServersWord) {
+    for (const bool isBigEndian : {false, true}) {
+        const std::string marked = test::markedWideText(kTides, isBigEndian);
+        for (const std::string &page : {marked, marked + "<"}) { // an odd byte at the end
+            const ContentFacts facts = factsOf(page);
+            EXPECT_TRUE(facts.hasHtml && facts.hasBody && facts.hasXml && facts.hasTable);
+            EXPECT_EQ(facts.title, "Tides");
+        }
+        const std::string bare = test::wideText(kTides, isBigEndian);
+        EXPECT_FALSE(nv::factsOf(bare).hasHtml);
+        EXPECT_EQ(nv::factsOf(bare).title, "");
+        const std::string header =
+            "Content-Type: text/html; charset=utf-16"s + (isBigEndian ? "be" : "le");
+        EXPECT_TRUE(nv::factsOf(bare, header).hasHtml);
+        EXPECT_EQ(nv::factsOf(bare, header).title, "Tides");
+    }
+    EXPECT_FALSE(factsOf("\xFF\xFE").hasHtml);
+    EXPECT_TRUE(factsOf("\xFF\xFE..<html>").hasHtml) << "the mark begins other files as well";
+}
+
+TEST(ContentProbe, readsHalvesOfLettersInUtf16) {
+    const auto titleOfUnits = [](const std::string &units) {
+        return factsOf(test::markedWideText("<title>", false) + units +
+                       test::wideText("</title>", false))
+            .title;
+    };
+    EXPECT_EQ(titleOfUnits("\x3D\xD8\x00\xDE"s), "\U0001F600");
+    EXPECT_EQ(titleOfUnits("\x3D\xD8"), "\uFFFD");
+    EXPECT_EQ(titleOfUnits("\x00\xDE"s), "\uFFFD");
+    EXPECT_EQ(titleOfUnits("\x3D\xD8\x3D\xD8\x00\xDE"s), "\uFFFD\U0001F600");
+}
+
+TEST(ContentProbe, findsTagsInUtf16ThatABlockCuts) {
+    constexpr std::size_t kBlock = std::size_t{1} << 20;
+    for (std::size_t shift = 0; shift < 40; ++shift) {
+        const std::string page = test::markedWideText(
+            std::string(kBlock / 2 - shift, '.') + "<html><title>Across</title>", shift % 2 == 0);
+        EXPECT_TRUE(factsOf(page).hasHtml) << shift;
+        EXPECT_EQ(factsOf(page).title, "Across") << shift;
+    }
+}
+
+TEST(ContentProbe, asksAgainWhenTheServersWordIsAnother) {
+    const test::TempFolder folder;
+    const auto file = folder.write("page", test::wideText(kTides, false));
+    ContentProbe probe;
+    EXPECT_FALSE(probe.scratchFacts(file).hasHtml);
+    EXPECT_TRUE(probe.scratchFacts(file, "Content-Type: a; charset=utf-16").hasHtml);
+    EXPECT_FALSE(probe.scratchFacts(file, "Content-Type: a; charset=utf-8").hasHtml);
 }
 
 TEST(ContentProbe, findsTheTitleAlone) {

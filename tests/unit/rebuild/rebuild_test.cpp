@@ -1,4 +1,5 @@
 #include "db/marks/RebuildAudit.h"
+#include "support/WideText.h"
 #include "unit/rebuild/RebuildFixture.h"
 
 #include <functional>
@@ -92,6 +93,22 @@ TEST_F(RebuildTest, isNotDoneForAPageWithoutReferences) {
     EXPECT_FALSE(get(html).CacheFileRebuilt);
     EXPECT_EQ(fileOf(html, "0000001.htm"), "");
     EXPECT_TRUE(project.log.entries.empty());
+}
+
+TEST_F(RebuildTest, isExactForAPageInUtf16UnlessTheClassicOneIsAskedFor) {
+    add("http://host/logo.gif", "GIF89a...");
+    for (const bool isBigEndian : {false, true}) {
+        const UrlId html = add("http://host/page.html",
+                               test::markedWideText("<html><img src=\"/logo.gif\">", isBigEndian));
+        settings.method = MethodChoice::classic;
+        EXPECT_FALSE(rebuild(html));
+        settings.method = MethodChoice::automatic;
+        ASSERT_TRUE(rebuild(html));
+        EXPECT_EQ(get(html).RebuiltMethod, kExactMethod);
+        const std::string written = fileOf(html, page.RunTimeRebuiltFilePath.filename().string());
+        EXPECT_NE(written.find(test::wideText("\"0000001.gif\"", isBigEndian)), std::string::npos);
+        EXPECT_EQ(fileOf(html, "0000001.gif"), "GIF89a...");
+    }
 }
 
 TEST_F(RebuildTest, isNotDoneForAPageThatIsGone) {

@@ -6,7 +6,7 @@
 #include "reports/report/SheetCount.h"
 #include "support/SmallFiles.h"
 #include "support/WorkingFolder.h"
-#include "unit/views/MadeProject.h"
+#include "unit/reports/ExportFixture.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>
 #include <gmock/gmock.h>
@@ -24,7 +24,7 @@ using testing::HasSubstr;
 
 constexpr const char *kWhole = "http://a.example/|x,\"y\";caf\u00E9\u4E2D";
 
-struct ExportTest : testing::Test {
+struct ExportTest : test::ExportFixture {
     ExportTest() {
         project.add({{"URL", kWhole},
                      {"Visits", std::int64_t{3}},
@@ -40,37 +40,16 @@ struct ExportTest : testing::Test {
             "Index|Index;|COL_URL_TAG;URL|COL_URL_VALUE;Visits|COL_URL_VISITS;Action Date "
             "[UTC]|COL_URL_ACTION_DATE_UTC;Web Page Title|COL_URL_WEBPAGE_TITLE;");
         job.exportAllColumns = false;
-        table.loadURLs(nobody);
-        table.sortBy(UrlColumn::Id, SortDirection::Ascending, nobody);
+        load();
     }
 
-    std::string written(ExportFormat format) {
-        job.format = format;
-        job.outputFilePath = out;
-        EXPECT_EQ(exportRows(job, table, project.folder.path(), nobody), ExportEnd::exported);
-        return std::string(ByteView(readWhole(out)).raw());
-    }
-    std::vector<nlohmann::json> events() {
-        std::vector<nlohmann::json> list;
-        const std::string text = written(ExportFormat::jsonl);
-        for (const std::string_view line : split(text, '\n'))
-            if (!line.empty())
-                list.push_back(nlohmann::json::parse(line));
-        return list;
-    }
+    std::vector<nlohmann::json> events() { return objects(ExportFormat::jsonl); }
     std::size_t files() {
         std::size_t count = 0;
         for ([[maybe_unused]] const auto &entry : fs::directory_iterator(out.parent_path()))
             ++count;
         return count;
     }
-
-    test::MadeProject project;
-    Unwatched nobody;
-    UrlTable table{project.db(), project.log, project.zone};
-    Export job;
-    test::TempFolder folder;
-    fs::path out = folder.path() / "out.txt";
 };
 
 TEST_F(ExportTest, theDelimitedFormStandsAsDocumented) {

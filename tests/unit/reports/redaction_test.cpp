@@ -2,6 +2,7 @@
 #include "base/Text.h"
 #include "reports/case/CodedText.h"
 #include "reports/case/Redactor.h"
+#include "support/WideText.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -116,12 +117,6 @@ TEST(RedactionTest, rowsAreLeftOutByHostPersonAndValue) {
     EXPECT_TRUE(isOut("host=tide.example"));
 }
 
-std::string utf16Of(const std::string &text, bool isBigEndian) {
-    std::string wide;
-    for (const char c : text)
-        wide += isBigEndian ? std::string("\0", 1) + c : c + std::string("\0", 1);
-    return wide;
-}
 std::string hexOf(const std::string &bytes) {
     return bytesToHex(viewOf(bytes), 0, 0);
 }
@@ -178,7 +173,7 @@ TEST(RedactionTest, codedWordsGoWithTheirRun) {
               "https://r.example/go/[redacted]/end");
     EXPECT_EQ(redactor.counts.placesBlurred, 4u);
     for (const bool isBigEndian : {false, true}) {
-        const std::string wide = utf16Of("Of QUILLON.", isBigEndian);
+        const std::string wide = test::wideText("Of QUILLON.", isBigEndian);
         EXPECT_EQ(redactor.text("q=" + base64(viewOf(wide))), "q=[redacted]");
         EXPECT_EQ(redactor.text("q=" + hexOf(wide)), "q=[redacted]");
     }

@@ -118,5 +118,39 @@ TEST(SafePage, drawingsAsDataAreUtf8UnlessTheySayOtherwise) {
     }
 }
 
+TEST(SafePage, formulasStay) {
+    EXPECT_EQ(
+        body("<math display=block><mfrac linethickness=2><mrow><mi>x</mi><mo stretchy=false>+"
+             "</mo><mn mathcolor=red>1</mn></mrow><msqrt><mi mathvariant=normal>y</mi></msqrt>"
+             "</mfrac></math>"),
+        "<math xmlns=\"http://www.w3.org/1998/Math/MathML\" display=\"block\"><mfrac "
+        "linethickness=\"2\"><mrow><mi>x</mi><mo stretchy=\"false\">+</mo>"
+        "<mn mathcolor=\"red\">1</mn></mrow><msqrt><mi mathvariant=\"normal\">y</mi></msqrt>"
+        "</mfrac></math>");
+    EXPECT_EQ(body("<math xmlns:x=y actiontype=z><semantics><mi href=/a xlink:href=/b>x</mi>"
+                   "<annotation encoding=TeX>x</annotation></semantics><mglyph src=0000002.gif />"
+                   "<mtext>a <b>b</b><img src=0000002.gif></mtext><apply>c</apply></math>"),
+              "<math xmlns=\"http://www.w3.org/1998/Math/MathML\"><semantics><mi data-href=\"/a\">x"
+              "</mi></semantics><mtext>a b</mtext>c</math>");
+    EXPECT_THAT(guarded("<math><mi>x", PageForm::xhtml),
+                HasSubstr("<math xmlns=\"http://www.w3.org/1998/Math/MathML\"><mi>x</mi></math>"));
+}
+
+TEST(SafePage, treesInTheShadowOfAnElementStay) {
+    EXPECT_EQ(
+        body("<my-card><template shadowrootmode=Open onload=x()><style>:host{color:red}</style>"
+             "<img src=0000002.gif><slot name=a onslotchange=x()>none</slot>"
+             "<p part=b><template shadowrootmode=closed>c</template></p></template>"
+             "<b slot=a>text</b></my-card>"),
+        "<my-card><template shadowrootmode=\"Open\"><style>:host {\ncolor:red;\n}\n</style>"
+        "<img src=\"0000002.gif\"/><slot name=\"a\">none</slot>"
+        "<p part=\"b\"><template shadowrootmode=\"closed\">c</template></p></template>"
+        "<b slot=\"a\">text</b></my-card>");
+    for (const std::string mode : {"", "shadowrootmode", "shadowrootmode=x", "shadowroot=open"})
+        EXPECT_EQ(body("<div><template " + mode + ">a</template>b</div>"), "<div>b</div>");
+    EXPECT_THAT(guarded("<div><template shadowrootmode=open>a</template>b</div>", PageForm::xhtml),
+                HasSubstr("<div>b</div>"));
+}
+
 } // namespace
 } // namespace nv

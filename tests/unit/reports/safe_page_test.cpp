@@ -171,11 +171,38 @@ TEST(SafePage, noWayOutIsLeftInAMixtureEither) {
     constexpr int kPages = 3000;
     std::mt19937 chance(17);
     const auto below = [&chance](std::size_t end) { return chance() % end; };
-    constexpr std::array<std::string_view, 24> kMore = {
-        "<table>",   "<tr>",     "<td>",     "</table>", "<svg>",      "</svg>",
-        "<math>",    "<mtext>",  "<p>",      "</p>",     "<a href=#>", "<b>",
-        "<form>",    "<select>", "<option>", "<pre>\n",  "<!--",       "-->",
-        "<![CDATA[", "]]>",      "<style>",  "</style>", "<title>",    "<textarea>"};
+    constexpr std::array<std::string_view, 32> kMore = {"<template shadowrootmode=open>",
+                                                        "</template>",
+                                                        "<template>",
+                                                        "<mi>",
+                                                        "<mrow>",
+                                                        "<mglyph>",
+                                                        "<annotation-xml encoding=text/html>",
+                                                        "</math>",
+                                                        "<table>",
+                                                        "<tr>",
+                                                        "<td>",
+                                                        "</table>",
+                                                        "<svg>",
+                                                        "</svg>",
+                                                        "<math>",
+                                                        "<mtext>",
+                                                        "<p>",
+                                                        "</p>",
+                                                        "<a href=#>",
+                                                        "<b>",
+                                                        "<form>",
+                                                        "<select>",
+                                                        "<option>",
+                                                        "<pre>\n",
+                                                        "<!--",
+                                                        "-->",
+                                                        "<![CDATA[",
+                                                        "]]>",
+                                                        "<style>",
+                                                        "</style>",
+                                                        "<title>",
+                                                        "<textarea>"};
     for (int page = 0; page < kPages; ++page) {
         std::string html;
         for (std::size_t parts = 1 + below(6); parts > 0; --parts) {

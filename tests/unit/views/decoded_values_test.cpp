@@ -50,19 +50,34 @@ TEST(NumberTimes, eachClockHasItsOwnLength) {
               "2011-03-01T19:10:30Z FILETIME, 100 nanoseconds since 1601");
     EXPECT_EQ(readingOf("634346034302500000"),
               "2011-03-01T19:10:30Z Ticks, 100 nanoseconds since the year 1");
-    EXPECT_EQ(readingOf("320699430"), "2011-03-01T19:10:30Z Mac absolute time, seconds since 2001");
 }
 
 TEST(NumberTimes, othersAreNone) {
-    for (const char *text :
-         {"", ".", "0", "1", "99999999", "2208988800", "12345678901", "99999999999999",
-          "-1299006630", "+1299006630", "01299006630", "1299006630x", "9223372036854775807",
-          "9223372036854775808", "99999999999999999999999999", "1212092628029698048"})
+    for (const char *text : {"",
+                             ".",
+                             "0",
+                             "1",
+                             "99999999",
+                             "320699430",
+                             "999999999",
+                             "2000000000",
+                             "2011030112",
+                             "20110301121000",
+                             "994519120255",
+                             "12345678901",
+                             "99999999999999",
+                             "-1299006630",
+                             "+1299006630",
+                             "01299006630",
+                             "1299006630x",
+                             "9223372036854775807",
+                             "9223372036854775808",
+                             "99999999999999999999999999",
+                             "1212092628029698048"})
         EXPECT_EQ(readingOf(text), "none") << text;
     // The ends of what is read.
-    EXPECT_EQ(readingOf("788918400"), "1995-01-01T00:00:00Z Unix time in seconds");
-    EXPECT_EQ(readingOf("788918399"), "2025-12-31T23:59:59Z Mac absolute time, seconds since 2001");
-    EXPECT_EQ(readingOf("2208988799"), "2039-12-31T23:59:59Z Unix time in seconds");
+    EXPECT_EQ(readingOf("1000000000"), "2001-09-09T01:46:40Z Unix time in seconds");
+    EXPECT_EQ(readingOf("1999999999"), "2033-05-18T03:33:19Z Unix time in seconds");
 }
 
 TEST(NumberTimes, identifiersOfVersion1HoldTheirTime) {
@@ -167,13 +182,75 @@ TEST(DecodedValues, numbersBelowZeroAreNoTimesOfToday) {
     EXPECT_THAT(ofText("-1700000000"), IsEmpty());
 }
 
-TEST(DecodedValues, timesAreReadInParameters) {
-    EXPECT_THAT(ofAddress("http://h.example/photo/x.jpg?_=1299006630"),
-                ElementsAre("_ = 1299006630 (Query parameter)",
-                            "_ = 2011-03-01 19:10:30 UTC (Unix time in seconds)"));
-    EXPECT_THAT(ofAddress("http://h.example/?s=ab-1299006630-77"),
-                ElementsAre("s = ab-1299006630-77 (Query parameter)",
-                            "s = 2011-03-01 19:10:30 UTC (Unix time in seconds)"));
+TEST(DecodedValues, timesAreReadInParametersThatAreNamedForTimes) {
+    EXPECT_THAT(ofAddress("http://h.example/photo/x.jpg?t=1299006630"),
+                ElementsAre("t = 1299006630 (Query parameter)",
+                            "t = 2011-03-01 19:10:30 UTC (Unix time in seconds)"));
+    EXPECT_THAT(ofAddress("http://h.example/?ts=ab-1299006630-77"),
+                ElementsAre("ts = ab-1299006630-77 (Query parameter)",
+                            "ts = 2011-03-01 19:10:30 UTC (Unix time in seconds)"));
+    for (const char *name :
+         {"ts", "oauth_timestamp", "StartTime", "created_at", "filter[since]", "LAST-MODIFIED",
+          "expires", "end", "lmt", "ga_sid", "time_ms", "servertime"})
+        EXPECT_THAT(ofAddress("http://h.example/?" + std::string(name) + "=1299006630"), SizeIs(2))
+            << name;
+}
+
+/// Ids, counts and chance of which many are as long as times.
+TEST(DecodedValues, otherNumbersAreNoTimes) {
+    for (const char *text : {"id=1392837465001928",
+                             "story_fbid=1443218205900123",
+                             "fbid=10151495752291961",
+                             "upload_id=1795304524493062",
+                             "since_id=1299006630",
+                             "utmhid=1666361232",
+                             "utmn=1719151623",
+                             "AN=1344932832",
+                             "z=1664147700",
+                             "v=1871234717",
+                             "ga_hid=1439309887",
+                             "a=1806368067",
+                             "TargetID=100055028",
+                             "tw=363864528",
+                             "s=ab-1299006630-77",
+                             "oauth_token=363864528-GYyrNC1K",
+                             "destination=;ord=1344932832?",
+                             "upsid=994519120255",
+                             "set=pb.216311481960.-2207520000.1372307247.",
+                             "page=1299006630250",
+                             "t=2011030112",
+                             "time=320699430",
+                             "_=1299006630",
+                             "cb=1299006630",
+                             "candidate=1299006630"})
+        EXPECT_THAT(ofAddress("http://h.example/?" + std::string(text)), SizeIs(1)) << text;
+    for (const char *text : {"1299006630", "1392837465001928", "1332381329:B0C5A738-0F1C"})
+        EXPECT_THAT(ofText(text), IsEmpty()) << text;
+}
+
+TEST(DecodedValues, whatKeepsABrowserFromAnOldCopyIsInMilliseconds) {
+    for (const std::string name : {"_", "cb", "dt", "correlator", "utmht", "zx"})
+        EXPECT_THAT(ofAddress("http://h.example/?" + name + "=1299006630250"),
+                    ElementsAre(name + " = 1299006630250 (Query parameter)",
+                                name + " = 2011-03-01 19:10:30 UTC (Unix time in milliseconds)"));
+    EXPECT_THAT(ofAddress("http://h.example/?f=jQuery162013103312062718447_1299006630250"),
+                ElementsAre("f = jQuery162013103312062718447_1299006630250 (Query parameter)",
+                            "f = 2011-03-01 19:10:30 UTC (Unix time in milliseconds)"));
+    for (const char *none : {"jQuery1620_1299006630", "jQuery_1299006630250", "jQuery_",
+                             "xQuery12_1299006630250", "jQuery12x_1299006630250"})
+        EXPECT_THAT(ofAddress("http://h.example/?f=" + std::string(none)), SizeIs(1)) << none;
+}
+
+TEST(DecodedValues, withinATextTheWordInFrontNamesANumber) {
+    const std::string time = " = 2011-03-01 19:10:30 UTC (Unix time in seconds)";
+    EXPECT_THAT(ofText("ID=12ab:FF=0:TM=1299006630:LM=1299006630:S=x"),
+                ElementsAre("ID = 12ab:FF=0:TM=1299006630:LM=1299006630:S=x (Name and value)",
+                            "ID" + time, "ID" + time));
+    EXPECT_THAT(ofAddress("http://h.example/?d={\"id\":1299006630,\"time\" : \"1299006630\"}"),
+                ElementsAre("d = {\"id\":1299006630,\"time\" : \"1299006630\"} (Query parameter)",
+                            "d" + time));
+    EXPECT_THAT(ofAddress("http://h.example/?time=id=1299006630"), SizeIs(1));
+    EXPECT_THAT(linesOf(decodedText("cookie_value", "1299006630", "lastvisit")), ElementsAre(time));
 }
 
 TEST(DecodedValues, aSessionOfASearchBeginsWithItsTime) {
@@ -208,6 +285,17 @@ TEST(DecodedValues, cookiesOfVisitCountersHoldTheirTimesAlone) {
     EXPECT_THAT(ofText("GA1.2.1400000000.1299006630"),
                 ElementsAre(" = 2011-03-01 19:10:30 UTC (First visit, by a counter of visits, Unix "
                             "time in seconds)"));
+    for (const char *text : {"cid=235375106.1299006630", "ga_vid=2003771680.1299006630"})
+        EXPECT_THAT(ofAddress("http://h.example/?" + std::string(text)),
+                    testing::Contains(testing::HasSubstr(
+                        " = 2011-03-01 19:10:30 UTC (First visit, by a counter of visits")))
+            << text;
+    EXPECT_THAT(ofAddress("http://h.example/?utmcc=__utma%3D1.1400000000.1299006630.1299006631."
+                          "1299006632.3%3B%2B__utmz%3D1.1299006630.1.1.x"),
+                SizeIs(4));
+    // Ids in no order.
+    EXPECT_THAT(ofText("96992031.1400000000.1299006632.1299006631.1299006633.3"), IsEmpty());
+    EXPECT_THAT(ofText("96992031.1400000000.1299006630.1299006631.2147483647.3"), IsEmpty());
     EXPECT_THAT(ofText("96992031.1400000000.1299006630.1299006631.1299006632.3"),
                 ElementsAre(" = 2011-03-01 19:10:30 UTC (First visit, by a counter of visits, Unix "
                             "time in seconds)",
@@ -234,7 +322,7 @@ TEST(DecodedValues, whatIsNoAddressHoldsNone) {
 TEST(DecodedValues, hostileTextsAreBounded) {
     std::string many = "http://h/?";
     for (int i = 0; i < 100'000; ++i)
-        many += "a=1299006630&";
+        many += "t=1299006630&";
     EXPECT_THAT(ofAddress(many), SizeIs(kMostDecodedValues));
 
     const auto longOne = decodedAddress("URL", "http://h/?a=" + std::string(1'000'000, 'x'));
@@ -262,7 +350,7 @@ TEST(DecodedValues, hostileTextsAreBounded) {
 
 TEST(DecodedValues, costGrowsWithTheTextAlone) {
     const auto begin = std::chrono::steady_clock::now();
-    for (const char *piece : {"&", "=", "%", "/", ".", "http://", "a=", "1299006630.", "A", "?#"}) {
+    for (const char *piece : {"&", "=", "%", "/", ".", "http://", "t=", "1299006630.", "A", "?#"}) {
         std::string text = "http://h/?a=";
         while (text.size() < kMostDecodedBytes)
             text += piece;

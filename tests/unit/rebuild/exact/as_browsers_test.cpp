@@ -166,6 +166,43 @@ TEST_F(AsBrowsersTest, sheetsOfAnotherTypeCountOnlyForOldPages) {
                                         "https://host/plain.css: exact address -> 1"));
 }
 
+TEST_F(AsBrowsersTest, aBaseThatAPolicyForbidsIsPassedOver) {
+    put({.url = "https://host/dir/a.png", .body = kPng});
+    put({.url = "https://host/other/a.png", .body = kPng});
+    const std::string base = "<base href=/other/>";
+    const std::string none =
+        "<meta http-equiv=' Content-Security-Policy' content=\"img-src *; Base-URI 'none'\">";
+    const auto partOf = [this](const std::string &text, const std::string &header = {}) {
+        const UrlId html = putPage(text + "<img src=a.png>");
+        project.connection().exec(
+            fmt::format("UPDATE URLs SET MetaData = MetaData || '{}' || char(13, 10) WHERE "
+                        "URL_ID = {}",
+                        replaceAll(header, "'", "''"), number(html)));
+        EXPECT_TRUE(rebuild(html));
+        return found(html).at(0);
+    };
+    const std::string own = "https://host/dir/a.png: exact address -> 1";
+    const std::string other = "https://host/other/a.png: exact address -> 2";
+    EXPECT_EQ(partOf(base), other);
+    EXPECT_EQ(partOf(none + base), own);
+    EXPECT_EQ(partOf(base + none), other) << "it comes too late";
+    EXPECT_EQ(partOf("<body>" + none + base), other) << "it isn't in the head";
+    EXPECT_EQ(partOf(base, "Content-Security-Policy: default-src *, base-uri 'none'"), own);
+    EXPECT_EQ(partOf(base, "Content-Security-Policy: base-uri 'self'"), other);
+    EXPECT_EQ(partOf(base, "Content-Security-Policy-Report-Only: base-uri 'none'"), other);
+}
+
+TEST_F(AsBrowsersTest, aFramesOwnBaseCountsForWhatStandsInIt) {
+    put({.url = "https://host/dir/a.png", .body = kPng});
+    put({.url = "https://host/dir/in/a.png", .body = kPng});
+    const UrlId html = putPage("<iframe srcdoc='<base href=in/><img src=a.png>'></iframe>"
+                               "<iframe srcdoc='<img src=a.png>'></iframe><img src=a.png>");
+    ASSERT_TRUE(rebuild(html));
+    EXPECT_THAT(found(html), ElementsAre("https://host/dir/in/a.png: exact address -> 2",
+                                         "https://host/dir/a.png: exact address -> 1",
+                                         "https://host/dir/a.png: exact address -> 1"));
+}
+
 TEST_F(AsBrowsersTest, aPageThatOnlyItsServerCallsWideIsRead) {
     using namespace std::string_literals;
     put({.url = "https://host/dir/a.png", .body = kPng});

@@ -43,6 +43,19 @@ TEST_F(HostileExactPages, ofMoreReferencesThanAreTold) {
     EXPECT_THAT(pageText(html), Not(HasSubstr("0000001")));
 }
 
+TEST_F(HostileExactPages, ofPoliciesAndBasesWithoutNumber) {
+    std::string text = repeated("<meta http-equiv=content-security-policy content='base-uri " +
+                                    repeated("a.example ", 10'000) + "'>",
+                                100);
+    for (int i = 0; i < 2'000; ++i)
+        text +=
+            fmt::format("<iframe srcdoc='<base href=https://h{}/><img src=a.gif>'></iframe>", i);
+    const UrlId html = putPage(text);
+    ASSERT_TRUE(rebuildSoon(html));
+    ASSERT_EQ(notes(html).size(), 2'000u);
+    EXPECT_EQ(notes(html).back().address, "https://host/dir/a.gif") << "none of them is allowed";
+}
+
 TEST_F(HostileExactPages, ofThousandsOfRowsOfOneAddress) {
     for (int i = 0; i < 3'000; ++i)
         put({.url = "https://host/a.gif", .body = i == 7 ? "GIF89a" : "", .day = 40000.0 + i});

@@ -1,4 +1,5 @@
 #include "rebuild/LocalNames.h"
+#include "support/WideText.h"
 #include "unit/rebuild/exact/ExactFixture.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>
@@ -101,10 +102,9 @@ TEST_F(KeptAddresses, redirectsOfTheFirstFirefoxAreFollowed) {
 
 TEST_F(KeptAddresses, aPageInUtf16IsAPageWhateverIsKnownOfIt) {
     put({.url = "https://host/a.png", .body = kPng});
-    for (const std::string_view order : {"\xFF\xFE", "\xFE\xFF"}) {
-        std::string bytes(order);
-        for (const char c : std::string_view("<!doctype html><p><img src=/a.png>"))
-            bytes.append(order[0] == '\xFF' ? std::string{c, '\0'} : std::string{'\0', c});
+    for (const bool isBigEndian : {false, true}) {
+        const std::string bytes =
+            test::markedWideText("<!doctype html><p><img src=/a.png>", isBigEndian);
         const UrlId html = put({.url = "https://host/page", .body = bytes, .headers = false});
         ASSERT_TRUE(rebuild(html));
         EXPECT_THAT(found(html), ElementsAre("https://host/a.png: exact address -> 1"));
