@@ -1,4 +1,4 @@
-#include "app/jobs/RecordContent.h"
+#include "app/jobs/ExplainJob.h"
 #include "app/project/Project.h"
 #include "base/Files.h"
 #include "base/Text.h"
@@ -46,7 +46,7 @@ std::optional<Place> placeOf(Session &session, RecordTools &tools, UrlId urlId, 
         const auto record = tools.record(urlId);
         if (!record)
             return tellUnread(session, urlId);
-        if (const auto source = sourceOfRecord(*record))
+        if (const auto source = sourceInProject(session.program, tools, urlId, *record))
             return Place{source->file, source->offset};
         session.err << fmt::format("row {}: {}\n", urlId, printable(missingSource(*record)));
         return std::nullopt;

@@ -173,4 +173,9 @@ inline bool waitFor(const std::function<bool()> &done) {
     return QTest::qWaitFor(done, 20'000);
 }
 
+/// Lets the report that is being made, if there is one, come to its end.
+inline void waitForReport(MainForm &form) {
+    QVERIFY(waitFor([&form] { return child<QWidget>(form, "ReportProgress").isHidden(); }));
+}
+
 } // namespace nv::test

@@ -350,7 +350,7 @@ void CardTest::aLowWindowHasRoomForEverything() {
         QVERIFY2(card.rect().contains(QRect(control.mapTo(&card, QPoint()), control.size())), name);
         QVERIFY2(control.visibleRegion().boundingRect().size() == control.size(), name);
     }
-    m_form->resize(1280, 800);
+    m_form->resize(1280, 1000);
     QTest::qWait(30);
     QVERIFY(pane<QWidget>("cbTimeUnit").isVisible());
     QVERIFY(!more.isVisible());

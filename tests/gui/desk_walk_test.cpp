@@ -333,6 +333,7 @@ void DeskWalkTest::aReportOfTheCaseLeavesAHostOut() {
         form.findChild<QDialogButtonBox *>()->button(QDialogButtonBox::Ok)->click();
     });
     trigger(*m_form, "actCreateReport");
+    waitForReport(*m_form);
     const fs::path made = m_desk->program.state.tempFolderPath / "CaseReport";
     QVERIFY(fs::exists(made / "index.htm"));
     const std::string without = fromQt(QStringLiteral("://%1/").arg(host));

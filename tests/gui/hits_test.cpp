@@ -14,10 +14,12 @@
 #include <QSignalSpy>
 #include <QTabWidget>
 #include <QTest>
+#include <QTextBlock>
 #include <QTextEdit>
 #include <QToolButton>
 #include <QTreeWidget>
 #include <QWebEngineView>
+#include <SQLiteCpp/Database.h>
 
 // Where a record has what the search looks for: marks, counts and ways in each viewer, beside a
 // listener that nothing may reach.
@@ -40,6 +42,7 @@ class HitsTest : public QObject {
     void aBigFileIsLookedThroughMeanwhileAndCanBeStopped();
     void theTextPaneCountsToo();
     void valuesOfTheCardAreMarkedAndGoneThrough();
+    void wordsOfTheCardItselfAreNotMarked();
     void theWayLeadsOnToTheNextRow();
 
   private:
@@ -197,6 +200,25 @@ void HitsTest::theTextPaneCountsToo() {
     QTRY_COMPARE(count(), QStringLiteral("4 hits in Text")); // as written: two in the script
     next();
     QCOMPARE(count(), QStringLiteral("Hit 1 of 4 in Text"));
+}
+
+void HitsTest::wordsOfTheCardItselfAreNotMarked() {
+    m_desk->program.state.projectDB.connection().exec(
+        "UPDATE URLs SET WebPageTitle = 'A kind of date', User = 'kind' WHERE URL_ID = 1");
+    search(QStringLiteral("kind"));
+    grid().setCurrentUrl(UrlId{1});
+    const auto &words = child<QTextEdit>(*m_form, "cardText");
+    QTRY_VERIFY(words.toPlainText().startsWith(QStringLiteral("A kind of date")));
+    QVERIFY(words.toPlainText().contains(QStringLiteral("\nKind\t")));
+    const auto marked = [&words] {
+        QStringList texts;
+        for (const QTextEdit::ExtraSelection &mark : words.extraSelections())
+            texts += mark.cursor.selectedText() + u' ' + mark.cursor.block().text();
+        return texts;
+    };
+    const QStringList expected = {QStringLiteral("kind A kind of date"),
+                                  QStringLiteral("kind User\tkind")};
+    QTRY_COMPARE(marked(), expected);
 }
 
 void HitsTest::valuesOfTheCardAreMarkedAndGoneThrough() {

@@ -58,6 +58,7 @@ class LeavingTest : public QObject {
                               Qt::LeftButton);
         });
         trigger(*m_form, "actCreateReport");
+        waitForReport(*m_form);
         QVERIFY(child<QLabel>(*m_form, "labNotice").text().contains(QStringLiteral("is ready")));
     }
 

@@ -7,6 +7,7 @@
 
 #include <QMenu>
 #include <QPushButton>
+#include <QToolButton>
 #include <SQLiteCpp/Database.h>
 
 // Lines and tags among the places, and what a right click on a place does with its rows.
@@ -22,6 +23,7 @@ class PlacesTagsTest : public QObject {
     void cleanup() { m_on.reset(); }
 
     void allTreesCanBeSeenAtFirst();
+    void aHeadingOutOfSightIsOneClickAway();
     void linesStayUnderTheMouse();
     void tagsAreATreeOfTheirOwn();
     void countsFollowTheTags();
@@ -96,6 +98,32 @@ void PlacesTagsTest::allTreesCanBeSeenAtFirst() {
 }
 
 /// The next click is aimed before the line on what is chosen comes up.
+void PlacesTagsTest::aHeadingOutOfSightIsOneClickAway() {
+    for (int host = 0; host < 90; ++host)
+        m_on->project().exec("INSERT INTO URLs (URL, Host, CacheType) VALUES ('http://x/', 'site" +
+                             std::to_string(host) + ".example', 'IE Cache')");
+    makeTag("Seen");
+    QTRY_VERIFY(placeOf(QStringLiteral("site89.example")).isValid());
+    QTRY_VERIFY(placeOf(QStringLiteral("Seen")).isValid());
+    tree().expand(placeOf(QStringLiteral("Hosts")));
+    tree().collapse(placeOf(QStringLiteral("Tags")));
+    const auto inSight = [&](const QString &name) {
+        return tree().viewport()->rect().contains(tree().visualRect(placeOf(name)));
+    };
+    QVERIFY(!inSight(QStringLiteral("Tags")));
+    auto &button = child<QToolButton>(m_on->form, "btnPlaces3");
+    QCOMPARE(button.text(), QStringLiteral("Tags"));
+    QVERIFY(button.isVisible());
+    QTest::mouseClick(&button, Qt::LeftButton);
+    QVERIFY(inSight(QStringLiteral("Tags")));
+    QVERIFY(inSight(QStringLiteral("Seen")));
+    QCOMPARE(tree().currentIndex(), placeOf(QStringLiteral("Tags")));
+    QCOMPARE(rows(), 94); // nothing is limited
+    child<QLineEdit>(m_on->form, "txtPlaceFilter").setText(QStringLiteral("site7"));
+    QVERIFY(!button.isEnabled());
+    QVERIFY(child<QToolButton>(m_on->form, "btnPlaces1").isEnabled());
+}
+
 void PlacesTagsTest::linesStayUnderTheMouse() {
     const auto top = [this] {
         QApplication::processEvents();

@@ -24,4 +24,14 @@ std::optional<ValueOrigin> explainValueInProject(Program &program, const RecordT
     return Explainer(sourceOf(program, tools)).explainValue(id, field);
 }
 
+std::optional<SourcePlace> sourceInProject(Program &program, const RecordTools &tools, UrlId id,
+                                           const UrlRecord &record) {
+    if (auto source = sourceOfRecord(record))
+        return source;
+    const auto address = explainValueInProject(program, tools, id, "URL");
+    if (!address || !address->offset || address->file.empty())
+        return std::nullopt;
+    return SourcePlace{address->file, *address->offset};
+}
+
 } // namespace nv

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "app/jobs/RecordTools.h"
+#include "app/jobs/RecordContent.h"
 #include "views/explain/Explain.h"
 
 namespace nv {
@@ -12,5 +12,10 @@ std::optional<RecordOrigin> explainInProject(Program &program, const RecordTools
 /// Of one field of it, without hashing the source file.
 std::optional<ValueOrigin> explainValueInProject(Program &program, const RecordTools &tools,
                                                  UrlId id, const std::string &field);
+
+/// Where a record stands in the evidence: in its source file, or where its address is found in the
+/// files of a cache. Nothing when it isn't there: missingSource() says why.
+std::optional<SourcePlace> sourceInProject(Program &program, const RecordTools &tools, UrlId id,
+                                           const UrlRecord &record);
 
 } // namespace nv

@@ -60,15 +60,29 @@ std::string missingContent(const UrlRecord &record) {
 std::string missingSource(const UrlRecord &record) {
     if (record.HistoryFilePath.empty())
         return "the record names no source file: its cached content is all there is";
-    return fmt::format("the source file \"{}\" isn't there", record.HistoryFilePath);
+    if (isSourceGone(record))
+        return fmt::format("the source file \"{}\" isn't there. If the evidence was moved, set the "
+                           "project's base folder to where it lies now",
+                           record.HistoryFilePath);
+    return fmt::format("where the record lies in \"{}\" isn't known", record.HistoryFilePath);
+}
+
+bool isSourceGone(const UrlRecord &record) {
+    return !record.HistoryFilePath.empty() &&
+           !sourcePathOf(record.HistoryFilePath, record.RootPath) &&
+           !sourceFolderOf(record.HistoryFilePath, record.RootPath);
 }
 
 std::optional<SourcePlace> sourceOfRecord(const UrlRecord &record) {
     const auto path = sourcePathOf(record.HistoryFilePath, record.RootPath);
     if (!path)
         return std::nullopt;
-    return SourcePlace{*path,
-                       static_cast<std::uint64_t>(std::max<std::int64_t>(record.MapFileOffset, 0))};
+    const auto offset = static_cast<std::uint64_t>(std::max<std::int64_t>(record.MapFileOffset, 0));
+    std::error_code unread; // then whoever opens it says why
+    const std::uintmax_t size = std::filesystem::file_size(*path, unread);
+    if (!unread && offset > 0 && offset >= size)
+        return std::nullopt;
+    return SourcePlace{*path, offset};
 }
 
 } // namespace nv

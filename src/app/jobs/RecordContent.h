@@ -29,10 +29,14 @@ struct SourcePlace {
     std::uint64_t offset = 0; ///< 0 too where the format's records have none
 };
 
+/// Neither file nor folder that the record was read from lies where the project looks for it, as
+/// when the evidence was moved.
+bool isSourceGone(const UrlRecord &record);
 /// Why sourceOfRecord() gave nothing.
 std::string missingSource(const UrlRecord &record);
 
-/// The artefact file that the record was read from; nothing when it isn't there any more.
+/// The artefact file that the record was read from; nothing when it isn't there any more, is a
+/// folder, or stands for others in which the record's offset lies.
 std::optional<SourcePlace> sourceOfRecord(const UrlRecord &record);
 
 } // namespace nv

@@ -14,14 +14,19 @@ RebuildSettings rebuildSettings(const Program &program) {
 }
 
 RecordTools::RecordTools(Program &program, TaskMonitor &task, const std::filesystem::path &scratch)
-    : m_records(program.state.projectDB.connection(),
-                {program.state.gmtZone, program.state.enableDSTChanges}, program.around.clock,
-                program.log),
-      m_evidence(program.state.rootPath), m_context{program.state.projectDB.connection(),
+    : RecordTools(program,
+                  {program.state.projectDB.connection(), program.state.gmtZone, program.log}, task,
+                  scratch) {}
+
+RecordTools::RecordTools(Program &program, const RecordsFrom &from, TaskMonitor &task,
+                         const std::filesystem::path &scratch)
+    : m_records(from.project, {from.zone, program.state.enableDSTChanges}, program.around.clock,
+                from.log),
+      m_evidence(program.state.rootPath), m_context{from.project,
                                                     m_records,
                                                     m_evidence,
                                                     scratch,
-                                                    program.log,
+                                                    from.log,
                                                     task,
                                                     rebuildSettings(program)} {}
 

@@ -64,21 +64,35 @@ constexpr std::array<KeptText, 4> kTexts = {{
 } // namespace
 
 ReportTools::ReportTools(Program &program, TaskMonitor &task, const std::filesystem::path &folder)
-    : m_program(program), m_records(program, task, folder),
-      m_drawing(canDraw() ? makeDrawing(folder) : nullptr), m_context{m_records.context(),
-                                                                      program.state.gmtZone,
-                                                                      program.around.clock,
-                                                                      m_drawing.get(),
-                                                                      settingsOf(program)},
+    : ReportTools(program,
+                  {program.state.projectDB.connection(), program.state.gmtZone, program.log}, task,
+                  folder, folder) {}
+
+ReportTools::ReportTools(Program &program, const RecordsFrom &from, TaskMonitor &task,
+                         const std::filesystem::path &folder, const std::filesystem::path &scratch)
+    : m_program(program), m_records(program, from, task, scratch),
+      m_drawing(canDraw() ? makeDrawing(scratch) : nullptr), m_context{m_records.context(),
+                                                                       from.zone,
+                                                                       program.around.clock,
+                                                                       m_drawing.get(),
+                                                                       settingsOf(program)},
       m_folder(folder), report(m_context) {}
 
 bool ReportTools::run(std::span<const std::int32_t> ids) {
+    const bool isMade = make(ids);
+    if (isMade)
+        noteReport(m_program, report, m_rows);
+    return isMade;
+}
+
+bool ReportTools::make(std::span<const std::int32_t> ids) {
     const ReportRows rows = report.includeAll ? ReportRows::all : ReportRows::tagged;
     const RebuildContext &ctx = m_context.rebuild;
     const ReportFolder folder = ReportFolder::of(m_folder, report.reportType);
     // Nothing of an earlier report may be taken for this one, wherever it stops.
     std::filesystem::remove(folder.index(report.reportType));
-    report.cancel = fillSortTable(ctx.project, ids, rows, ctx.task) == Walk::Cancelled;
+    SubTask listing(ctx.task, 0, 0); // nothing, beside what comes
+    report.cancel = fillSortTable(ctx.project, ids, rows, listing) == Walk::Cancelled;
     if (report.cancel)
         return false;
     if (report.reportType == kCaseType)
@@ -89,7 +103,7 @@ bool ReportTools::run(std::span<const std::int32_t> ids) {
         report.createTabularReport(m_folder);
     if (report.cancel || !std::filesystem::is_regular_file(report.reportFilePath))
         return false;
-    noteReport(m_program, report, rowsReported(ctx.project));
+    m_rows = rowsReported(ctx.project);
     return true;
 }
 

@@ -16,11 +16,19 @@ class ReportTools {
   public:
     /// `folder` is an existing folder of the program's own; the report lies in its "Report".
     ReportTools(Program &program, TaskMonitor &task, const std::filesystem::path &folder);
+    /// For a thread of its own, see RecordTools. Content is fetched into `scratch`, an existing
+    /// folder that nobody else uses meanwhile.
+    ReportTools(Program &program, const RecordsFrom &from, TaskMonitor &task,
+                const std::filesystem::path &folder, const std::filesystem::path &scratch);
 
     /// The driver: makes the report of `ids`, the rows of the table, or with `includeAll` off of
     /// those that are ticked. True when it was finished, which the case trail then tells. Throws
     /// StorageFailure.
     bool run(std::span<const std::int32_t> ids);
+    /// The same, and the case trail isn't told.
+    bool make(std::span<const std::int32_t> ids);
+    /// How many rows it holds, once it was made.
+    std::int64_t rows() const { return m_rows; }
 
   private:
     Program &m_program;
@@ -28,6 +36,7 @@ class ReportTools {
     std::unique_ptr<Drawing> m_drawing; ///< none when this build can't draw
     ReportContext m_context;
     std::filesystem::path m_folder;
+    std::int64_t m_rows = 0;
 
   public:
     ReportWriter report;

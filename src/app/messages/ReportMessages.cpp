@@ -42,6 +42,13 @@ Message readyToPublish() {
                     Answer::Yes);
 }
 
+Message reportInMaking() {
+    return question("report-in-making", "Report in the Making",
+                    "A report is being made. It stops when the project is closed, and nothing is "
+                    "left of it.\n\nDo you want to close the project?",
+                    Answer::Yes);
+}
+
 Message reportNotPublished(std::size_t count, std::string_view page) {
     const std::string what =
         count == 1 ? std::string("A report of this project was made, but not published:")

@@ -16,6 +16,8 @@ Message reportNotLoaded(std::string_view reason);
 Message nothingToPublish();
 Message readyToPublish();
 /// `page` is the first one of `count` reports.
+/// The project is about to be closed under it.
+Message reportInMaking();
 Message reportNotPublished(std::size_t count, std::string_view page);
 Message replacePublished(std::string_view folder);
 Message reportPublished();

@@ -10,6 +10,8 @@ namespace nv {
 namespace {
 
 constexpr std::size_t kDrainedAt = std::size_t{1} << 20; // bytes
+/// Programs that don't guess take a text without it for the machine's own coding.
+constexpr std::string_view kUtf8Mark = "\xEF\xBB\xBF";
 
 std::int64_t questionMarks(std::string_view text) {
     return std::ranges::count(text, '?');
@@ -20,14 +22,19 @@ std::int64_t questionMarks(std::string_view text) {
 void Export::handOn() {
     if (!m_file)
         m_file = std::make_unique<ExportFile>(outputFilePath);
-    if (format == ExportFormat::delimited) {
-        const std::string bytes = toAnsi(exportText);
-        counts.charactersLost += questionMarks(bytes) - questionMarks(exportText);
-        m_file->write(bytes);
-    } else {
-        m_file->write(exportText);
-    }
+    m_file->write(format == ExportFormat::delimited ? coded() : exportText);
     exportText.clear();
+}
+
+/// In Windows-1252 as long as it holds every character. With the first one that it can't hold the
+/// whole file becomes UTF-8: nothing ever becomes "?".
+std::string Export::coded() {
+    std::string bytes = toAnsi(exportText);
+    const std::int64_t lacking = questionMarks(bytes) - questionMarks(exportText);
+    if (lacking > 0 && counts.charactersBeyond == 0)
+        m_file->rewrite(kUtf8Mark, [](std::string_view block) { return fromAnsi(block); });
+    counts.charactersBeyond += lacking;
+    return counts.charactersBeyond > 0 ? exportText : bytes;
 }
 
 void Export::drain() {
@@ -72,7 +79,7 @@ SelectedColumns columnsFromString(std::string_view columnsAsString) {
 namespace {
 
 constexpr std::array<ExportFormatFacts, 10> kFormats = {{
-    {ExportFormat::delimited, "delimited", "txt", "Delimited text, Windows-1252, as shown"},
+    {ExportFormat::delimited, "delimited", "txt", "Delimited text, as shown"},
     {ExportFormat::csv, "csv", "csv", "CSV, UTF-8, quoted"},
     {ExportFormat::jsonl, "jsonl", "jsonl", "JSON lines, a row a line"},
     {ExportFormat::xlsx, "xlsx", "xlsx", "Spreadsheet (XLSX)"},

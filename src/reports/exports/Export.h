@@ -18,7 +18,7 @@
 namespace nv {
 
 enum class ExportFormat {
-    delimited, ///< the table's texts in Windows-1252, nothing quoted
+    delimited, ///< the table's texts in Windows-1252, or in UTF-8 when need be, nothing quoted
     csv,       ///< RFC 4180 in UTF-8
     jsonl,     ///< an event a line, as timeline tools read them
     xlsx,
@@ -56,10 +56,10 @@ std::filesystem::path withExtensionOf(const std::filesystem::path &file, ExportF
 
 /// What an export's file doesn't say by itself.
 struct ExportCounts {
-    std::int64_t rows = 0;           ///< that are in the file
-    std::int64_t charactersLost = 0; ///< became "?": Windows-1252 can't hold them
-    std::int64_t cellsCut = 0;       ///< longer than a spreadsheet's cell may be
-    std::int64_t cellsGuarded = 0;   ///< got an apostrophe in front
+    std::int64_t rows = 0;             ///< that are in the file
+    std::int64_t charactersBeyond = 0; ///< Windows-1252: the file is in UTF-8 for them
+    std::int64_t cellsCut = 0;         ///< longer than a spreadsheet's cell may be
+    std::int64_t cellsGuarded = 0;     ///< got an apostrophe in front
     std::int64_t rowsWithoutDate = 0;
     std::int64_t events = 0;         ///< that are in the file
     std::int64_t signsReplaced = 0;  ///< that part fields, where a form has no quotes
@@ -105,6 +105,7 @@ class Export {
 
   private:
     void handOn();
+    std::string coded();
     std::unique_ptr<ExportFile> m_file;
 };
 

@@ -17,19 +17,35 @@ namespace nv {
 namespace fs = std::filesystem;
 
 ExportFile::ExportFile(fs::path place)
-    : m_place(std::move(place)), m_aside(m_place.native() + ".~export"), m_writer(m_aside) {}
+    : m_place(std::move(place)), m_aside(m_place.native() + ".~export"),
+      m_writer(std::make_unique<FileWriter>(m_aside)) {}
 
 ExportFile::~ExportFile() {
     std::error_code ignored;
     fs::remove(m_aside, ignored);
+    fs::remove(m_aside.native() + "~", ignored);
 }
 
 void ExportFile::write(std::string_view bytes) {
-    m_writer.write(bytes);
+    m_writer->write(bytes);
+}
+
+void ExportFile::rewrite(std::string_view beginning,
+                         const std::function<std::string(std::string_view)> &converted) {
+    m_writer->close();
+    const fs::path before = m_aside.native() + "~";
+    replaceDurably(m_aside, before);
+    m_writer = std::make_unique<FileWriter>(m_aside);
+    m_writer->write(beginning);
+    readInBlocks(before, [&](std::string_view block, std::uint64_t) {
+        m_writer->write(converted(block));
+        return true;
+    });
+    fs::remove(before);
 }
 
 void ExportFile::finish() {
-    m_writer.close();
+    m_writer->close();
     replaceDurably(m_aside, m_place);
 }
 

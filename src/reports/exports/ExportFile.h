@@ -3,6 +3,8 @@
 #include "base/Storage.h"
 
 #include <filesystem>
+#include <functional>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -22,12 +24,16 @@ class ExportFile {
     /// Where it is written, for those that write it themselves.
     const std::filesystem::path &aside() const { return m_aside; }
     void write(std::string_view bytes);
+    /// In the place of what was written comes `beginning`, and then what `converted` makes of each
+    /// block of it.
+    void rewrite(std::string_view beginning,
+                 const std::function<std::string(std::string_view)> &converted);
     void finish();
 
   private:
     std::filesystem::path m_place;
     std::filesystem::path m_aside;
-    FileWriter m_writer;
+    std::unique_ptr<FileWriter> m_writer;
 };
 
 /// What lies in the project and can't be written over.

@@ -192,7 +192,8 @@ std::vector<std::string> notesOf(const Export &job) {
         if (count > 0)
             notes.push_back(fmt::format("{} {}", count, what));
     };
-    note(counts.charactersLost, "characters became \"?\": Windows-1252 can't hold them.");
+    note(counts.charactersBeyond,
+         "characters can't be held by Windows-1252: the file is in UTF-8, with its mark in front.");
     note(counts.cellsCut, "cells were cut at 32,767 characters: a sheet's cell holds no more.");
     note(counts.cellsGuarded, "cells got an apostrophe in front.");
     if (counts.sheets > 1)

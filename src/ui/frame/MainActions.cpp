@@ -167,6 +167,31 @@ void MainActions::setProjectOpen(bool open, bool readOnly) {
     for (QAction *action : {saveAs, tag, rebuild, rebuildPage, rebuildExactly, rebuildByClassic,
                             linkAnalysis, baseFolder})
         action->setEnabled(open && !readOnly);
+    m_isOpen = open;
+    m_isReadOnly = readOnly;
+    if (m_isReportInMaking)
+        for (QAction *action : waitingForReport())
+            action->setEnabled(false);
+}
+
+/// One report is made at a time, and published when it is whole. The others close the project for a
+/// while.
+std::array<QAction *, 4> MainActions::waitingForReport() const {
+    return {createReport, publishReport, saveAs, upgradeWizard};
+}
+
+void MainActions::setReportInMaking(bool isMade) {
+    constexpr const char *kHint = "hint"; // of other times
+    if (isMade != m_isReportInMaking)
+        for (QAction *action : waitingForReport()) {
+            const QString hint = action->toolTip();
+            action->setToolTip(isMade
+                                   ? tr("A report is being made: the status bar says how far it is")
+                                   : action->property(kHint).toString());
+            action->setProperty(kHint, hint);
+        }
+    m_isReportInMaking = isMade;
+    setProjectOpen(m_isOpen, m_isReadOnly);
 }
 
 } // namespace nv

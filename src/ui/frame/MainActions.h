@@ -2,6 +2,8 @@
 
 #include <QObject>
 
+#include <array>
+
 class QAction;
 
 namespace nv {
@@ -59,10 +61,18 @@ struct MainActions {
 
     /// What makes sense only with a project, and only with one that may be written.
     void setProjectOpen(bool open, bool readOnly);
+    /// What would disturb it waits, and says so.
+    void setReportInMaking(bool isMade);
 
   private:
     void makeCheckable() const;
     void describe() const;
+
+    std::array<QAction *, 4> waitingForReport() const;
+
+    bool m_isOpen = false; ///< the project
+    bool m_isReadOnly = false;
+    bool m_isReportInMaking = false;
 };
 
 } // namespace nv

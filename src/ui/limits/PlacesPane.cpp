@@ -1,6 +1,7 @@
 #include "ui/limits/PlacesPane.h"
 
 #include "platform/qt/QtText.h"
+#include "ui/limits/PlaceHeadings.h"
 #include "ui/widgets/GridCopy.h"
 #include "views/rows/CellText.h"
 
@@ -68,6 +69,7 @@ PlacesPane::PlacesPane(QWidget *parent) : QWidget(parent) {
     column->setContentsMargins(0, 0, 0, 0);
     column->setSpacing(0);
     column->addWidget(newTop());
+    column->addWidget(new PlaceHeadings(*m_tree, m_found));
     m_none = newLabel("labNoPlace");
     m_none->setContentsMargins(6, 4, 6, 4);
     column->addWidget(m_none);

@@ -11,8 +11,12 @@ namespace nv {
 
 namespace {
 
-constexpr int kLow = 640; ///< pixels, below which a window is low
-constexpr int kRows = 4;
+// Heights in pixels below which a window is low: as on a screen of 800 or 900, and as on a laptop's
+// whose points are twice as large.
+constexpr int kLow = 940;
+constexpr int kLowest = 640;
+constexpr int kRows = 6;
+constexpr int kRowsOfLowest = 4;
 
 } // namespace
 
@@ -24,6 +28,8 @@ LowWindow::LowWindow(Workbench &bench, QMainWindow &window) : m_bench(bench), m_
     m_soon.setSingleShot(true);
     connect(&m_soon, &QTimer::timeout, this, &LowWindow::share);
     connect(bench.table, &TableTab::rowsLoaded, this, [this] { m_soon.start(0); });
+    if (auto *halves = window.findChild<QSplitter *>(QStringLiteral("mainSplitter")))
+        connect(halves, &QSplitter::splitterMoved, this, [this] { m_isByHand = true; });
     window.installEventFilter(this);
     for (const char *name : {"timePanel", "chipBar", "FindBar"})
         if (auto *bar = window.findChild<QWidget *>(QLatin1String(name)))
@@ -41,11 +47,12 @@ bool LowWindow::eventFilter(QObject *watched, QEvent *event) {
 void LowWindow::share() {
     auto *halves = m_window.findChild<QSplitter *>(QStringLiteral("mainSplitter"));
     const UrlGrid &grid = m_bench.table->grid();
-    if (!isLow(m_window) || !halves || halves->count() < 2 || !grid.isVisible())
+    if (m_isByHand || !isLow(m_window) || !halves || halves->count() < 2 || !grid.isVisible())
         return;
     const QWidget &record = *halves->widget(1);
+    const int rows = m_window.height() < kLowest ? kRowsOfLowest : kRows;
     const int lacking =
-        kRows * grid.verticalHeader()->defaultSectionSize() - grid.viewport()->height();
+        rows * grid.verticalHeader()->defaultSectionSize() - grid.viewport()->height();
     const int spare = record.height() - record.minimumSizeHint().height();
     if (const int moved = record.isVisible() ? std::min(lacking, spare) : 0; moved > 0) {
         const QList<int> sizes = halves->sizes();

@@ -8,12 +8,12 @@ class QMainWindow;
 
 namespace nv {
 
-/// Whether a window is so low that what can be done without folds, as on a laptop's screen whose
-/// points are twice as large.
+/// Whether a window is so low that what can be done without folds.
 bool isLow(const QWidget &window);
 
-/// Shares the height of a low window: the table keeps four rows, and what shows the record gives
-/// of its own for that as far as it can. The examiner can move the line between them as ever.
+/// Shares the height of a low window: the table keeps six rows, or four in the lowest ones, and
+/// what shows the record gives of its own for that as far as it can. Once the examiner has
+/// moved the line between them it stays where it is.
 class LowWindow final : public QObject {
     Q_OBJECT
 
@@ -30,6 +30,7 @@ class LowWindow final : public QObject {
     Workbench &m_bench;
     QMainWindow &m_window;
     QTimer m_soon; ///< after the layout has taken what came or went
+    bool m_isByHand = false;
 };
 
 } // namespace nv

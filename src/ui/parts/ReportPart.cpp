@@ -1,7 +1,6 @@
 #include "ui/parts/ReportPart.h"
 
 #include "app/jobs/RebuildJob.h"
-#include "app/jobs/ReportJob.h"
 #include "app/jobs/ReportTags.h"
 #include "app/jobs/Trail.h"
 #include "app/messages/Messages.h"
@@ -14,19 +13,24 @@
 #include "platform/qt/QtText.h"
 #include "reports/report/PublishReport.h"
 #include "time/DateFormat.h"
+#include "ui/frame/WorkProgress.h"
 #include "ui/reports/ReportForm.h"
 #include "ui/reports/ReportPreview.h"
 #include "ui/viewers/BrowserPane.h"
 #include "ui/viewers/ReportPane.h"
 
 #include <QAction>
+#include <QApplication>
 #include <QDesktopServices>
+#include <QMainWindow>
+#include <QStatusBar>
 #include <QUrl>
 #include <fmt/format.h>
 #include <fmt/ranges.h>
 
 #include <algorithm>
 #include <optional>
+#include <utility>
 
 namespace nv {
 
@@ -34,6 +38,8 @@ namespace fs = std::filesystem;
 
 namespace {
 
+/// Between two looks whether the task that has the project is at its end.
+constexpr int kWhileBusy = 200; ///< milliseconds
 constexpr std::string_view kChooseFolder =
     "Publish Report: Select an output folder for the published report:";
 
@@ -79,6 +85,24 @@ ReportPart::ReportPart(Workbench &bench) : m_bench(bench) {
     connect(bench.viewers->findChild<ReportPane *>(), &ReportPane::largeWanted, this,
             &ReportPart::showLarge);
     tellOfFailures();
+    addProgress();
+    m_end.setSingleShot(true);
+    connect(&m_end, &QTimer::timeout, this, &ReportPart::endSoon);
+    connect(&bench, &Workbench::projectClosing, this, &ReportPart::giveUp);
+}
+
+void ReportPart::addProgress() {
+    m_progress = new WorkProgress({"ReportProgress", tr("Making the report"), tr("Stop"),
+                                   tr("Stop making the report"),
+                                   tr("Nothing is left of a report that isn't finished")},
+                                  &m_bench.window);
+    if (auto *window = qobject_cast<QMainWindow *>(&m_bench.window))
+        window->statusBar()->addPermanentWidget(m_progress);
+    m_progress->hide();
+    connect(m_progress, &WorkProgress::cancelled, this, [this] {
+        if (m_work)
+            m_work->stop();
+    });
 }
 
 void ReportPart::showLarge() {
@@ -99,26 +123,68 @@ void ReportPart::tellOfFailures() {
 void ReportPart::create() {
     if (!m_bench.table->table())
         return;
-    Program &program = m_bench.program;
-    ReportTools tools(program, program.task, program.state.tempFolderPath);
+    auto work = std::make_unique<ReportWork>(m_bench.program);
     RowIds rows = m_bench.table->table()->ids();
-    if (!chooseOptions(tools, rows))
-        return;
+    if (chooseOptions(work->report(), rows))
+        start(std::move(work), std::move(rows));
+}
+
+void ReportPart::start(std::unique_ptr<ReportWork> work, RowIds rows) {
     withdrawReport();
-    bool finished = false;
-    std::optional<std::string> failure;
-    m_bench.runTask({"CREATING REPORT", "Overall Progress", "", ""}, [&](TaskMonitor &) {
-        failure =
-            failureOf(program.log, "ReportForm.OkBtn_Click()", [&] { finished = tools.run(rows); });
+    m_readAtStart = whatIsRead();
+    m_work = std::move(work);
+    m_bench.actions.setReportInMaking(true);
+    const auto show = [this](double fraction) {
+        m_progress->showFraction(fraction);
+        emit m_bench.workProgressed(tr("Report"), fraction);
+    };
+    connect(m_work.get(), &ReportWork::advanced, this, [show](int percent) {
+        constexpr double kHundred = 100;
+        show(percent / kHundred);
     });
-    if (!finished)
-        findReport(); // an earlier one of the other type is still there
-    if (failure)
-        m_bench.examiner().tell(messages::reportingError(*failure));
+    connect(m_work.get(), &ReportWork::ended, this, [this](bool finished, const QString &failure) {
+        // Later, so that the work isn't gone while it tells.
+        m_ending = [this, finished, failure] { end(finished, fromQt(failure)); };
+        m_end.start(0);
+    });
+    show(0);
+    m_work->start(std::move(rows));
+}
+
+/// Not while a task has the project, when the command doesn't run, nor behind a dialog.
+void ReportPart::endSoon() {
+    m_end.start(kWhileBusy);
+    if (QApplication::activeModalWidget())
+        return;
+    m_bench.run("ReportForm.OkBtn_Click()", [this] {
+        m_end.stop();
+        if (m_work)
+            std::exchange(m_ending, nullptr)();
+    });
+}
+
+void ReportPart::end(bool finished, const std::string &failure) {
+    const std::unique_ptr<ReportWork> work = std::move(m_work);
+    giveUp();
+    if (finished)
+        noteReport(m_bench.program, work->report(), work->rows());
     else
-        tellOf(tools, finished);
+        findReport(); // an earlier one of the other type is still there
+    if (!failure.empty())
+        m_bench.examiner().tell(messages::reportingError(failure));
+    else
+        tellOf(work->report(), finished);
     if (finished && m_publishes)
         publishReport();
+}
+
+void ReportPart::giveUp() {
+    m_work.reset();
+    m_ending = nullptr;
+    m_end.stop();
+    m_progress->hide();
+    emit m_bench.workEnded(tr("Report"));
+    m_bench.actions.setReportInMaking(false);
 }
 
 /// The pages lie in the folder for scratch, where others may take their place.
@@ -135,12 +201,19 @@ fs::path ReportPart::lastReport() const {
 }
 
 std::optional<bool> ReportPart::askBeforeClosing() {
+    if (m_work && m_bench.examiner().ask(messages::reportInMaking()) != Answer::Yes)
+        return false;
+    const bool isAsked = m_work != nullptr;
+    if (isAsked) {
+        giveUp();
+        findReport();
+    }
     std::vector<Made> lost;
     for (const Made &made : m_made)
         if (m_bench.isProjectOpen() && !made.isSettled && isThere(made))
             lost.push_back(made);
     if (lost.empty())
-        return std::nullopt;
+        return isAsked ? std::optional(true) : std::nullopt;
     const Answer answer = m_bench.examiner().ask(
         messages::reportNotPublished(lost.size(), textOf(lost.front().page)));
     if (answer != Answer::Yes && answer != Answer::No)
@@ -167,50 +240,49 @@ void ReportPart::findReport() {
 }
 
 /// False when the examiner thinks better of it.
-bool ReportPart::chooseOptions(ReportTools &tools, RowIds &ids) {
+bool ReportPart::chooseOptions(ReportWriter &report, RowIds &ids) {
     Program &program = m_bench.program;
-    readReportOptions(program.settings, tools.report);
+    readReportOptions(program.settings, report);
     // Those of another case, which an earlier version of the program kept with its settings.
-    tools.report.caseNumber.clear();
-    tools.report.reportedBy.clear();
-    readProjectReportOptions(program, tools.report);
+    report.caseNumber.clear();
+    report.reportedBy.clear();
+    readProjectReportOptions(program, report);
     UnreadRows unread; // the report names them
     const auto tagged = taggedIds(program, unread);
     const auto shown = static_cast<std::size_t>(std::ranges::count_if(
         ids, [&tagged](auto id) { return std::ranges::binary_search(tagged, UrlId{id}); }));
-    tools.report.includeAll = shown == 0;
+    report.includeAll = shown == 0;
     const std::vector<ReportTag> tags = reportTags(program, ids);
-    ReportForm form(tools.report, {ids.size(), shown, tags, keptReportTags(program)},
-                    m_bench.examiner(), &m_bench.window);
+    ReportForm form(report, {ids.size(), shown, tags, keptReportTags(program)}, m_bench.examiner(),
+                    &m_bench.window);
     if (form.exec() != QDialog::Accepted)
         return false;
-    form.apply(tools.report);
+    form.apply(report);
     m_publishes = form.publishes();
     const std::vector<std::string> names = form.chosenTags();
     if (!names.empty())
         leaveTagged(ids, rowsWithOneOf(tags, names));
-    tools.report.caseOptions.content =
-        contentOf(*m_bench.table->table(), tools.report.includeAll, names);
-    if (!writeProjectReportOptions(program, tools.report) || !keepReportTags(program, names))
+    report.caseOptions.content = contentOf(*m_bench.table->table(), report.includeAll, names);
+    if (!writeProjectReportOptions(program, report) || !keepReportTags(program, names))
         m_bench.examiner().tell(messages::reportingError(
             "The choices could not be kept with the project; the log of the program says why."));
-    if (!writeReportOptions(tools.report, program.settings))
+    if (!writeReportOptions(report, program.settings))
         m_bench.examiner().tell(messages::settingsNotWritten(program.settings.path()));
     return true;
 }
 
-void ReportPart::tellOf(const ReportTools &tools, bool finished) {
+void ReportPart::tellOf(const ReportWriter &report, bool finished) {
     if (finished) {
         m_bench.actions.openReportFolder->setEnabled(true);
-        showReport(tools.report.reportFilePath);
+        showReport(report.reportFilePath);
         m_bench.showNotice(
             tr("The report is ready; Publish Report keeps it when the program ends. %1")
-                .arg(pathToQt(tools.report.reportFilePath)));
-        if (const auto notes = notesOf(tools.report); !notes.empty())
+                .arg(pathToQt(report.reportFilePath)));
+        if (const auto notes = notesOf(report); !notes.empty())
             m_bench.examiner().tell(messages::reportingError(
                 fmt::format("{}\n\nThe log \"{}\" says why.", fmt::join(notes, "\n"),
                             textOf(m_bench.program.log.path()))));
-    } else if (tools.report.cancel) {
+    } else if (report.cancel) {
         m_bench.showNotice(tr("The report was cancelled."));
     } else {
         m_bench.examiner().tell(messages::reportingError(fmt::format(
@@ -218,7 +290,12 @@ void ReportPart::tellOf(const ReportTools &tools, bool finished) {
     }
 }
 
-/// The finished report comes to the front of the viewers.
+ReportPart::Read ReportPart::whatIsRead() const {
+    return {m_bench.viewers->record(), m_bench.viewers->currentWidget()};
+}
+
+/// The finished report comes to the front of the viewers, unless the examiner has gone on to read
+/// something else meanwhile.
 void ReportPart::showReport(const fs::path &page) {
     const auto failure = failureOf(m_bench.program.log, "ReportForm.OkBtn_Click()", [&] {
         std::erase_if(m_made, [&page](const Made &each) { return each.page == page; });
@@ -227,7 +304,8 @@ void ReportPart::showReport(const fs::path &page) {
         m_bench.program.state.viewer.reportURL = page.string();
         auto *pane = m_bench.viewers->findChild<ReportPane *>();
         pane->refresh();
-        m_bench.viewers->showOnce(*pane);
+        if (whatIsRead() == m_readAtStart)
+            m_bench.viewers->showOnce(*pane);
         m_bench.viewers->refresh();
     });
     if (failure)

@@ -1,14 +1,20 @@
 #pragma once
 
+#include "ui/parts/ReportWork.h"
 #include "ui/parts/Workbench.h"
 
+#include <QTimer>
+
 #include <filesystem>
+#include <functional>
+#include <memory>
 #include <optional>
+#include <utility>
 #include <vector>
 
 namespace nv {
 
-class ReportTools;
+class WorkProgress;
 
 /// The commands Create Report and Publish Report.
 class ReportPart final : public QObject {
@@ -26,7 +32,19 @@ class ReportPart final : public QObject {
         bool isSettled = false; ///< published, or the examiner lets it go
     };
 
+    /// A record and the viewer in front.
+    using Read = std::pair<std::optional<UrlId>, const QWidget *>;
+    Read whatIsRead() const;
+
     void create();
+    /// Works on while the examiner goes on.
+    void start(std::unique_ptr<ReportWork> work, RowIds rows);
+    /// What came of the report that was in the making.
+    void end(bool finished, const std::string &failure);
+    /// Of the one in the making nothing is left.
+    void giveUp();
+    void endSoon();
+    void addProgress();
     /// The newest report of the open project that is still there; empty for none.
     std::filesystem::path lastReport() const;
     void findReport();
@@ -34,8 +52,8 @@ class ReportPart final : public QObject {
     void settle(int type);
     std::optional<bool> askBeforeClosing();
     /// Leaves of the rows those that the report is of.
-    bool chooseOptions(ReportTools &tools, RowIds &ids);
-    void tellOf(const ReportTools &tools, bool finished);
+    bool chooseOptions(ReportWriter &report, RowIds &ids);
+    void tellOf(const ReportWriter &report, bool finished);
     void showLarge();
     void showReport(const std::filesystem::path &page);
     void tellOfFailures();
@@ -49,7 +67,12 @@ class ReportPart final : public QObject {
     void openFolder() const;
 
     Workbench &m_bench;
-    bool m_publishes = false; ///< the report in hand, once it is made
+    WorkProgress *m_progress = nullptr; ///< in the status bar
+    std::unique_ptr<ReportWork> m_work; ///< the report that is being made
+    std::function<void()> m_ending;     ///< what is to be done once it is made
+    QTimer m_end;
+    Read m_readAtStart;       ///< when its making began
+    bool m_publishes = false; ///< it, once it is made
     std::vector<Made> m_made; ///< in their order; a page is there once
 };
 

@@ -6,7 +6,7 @@
 #include "base/Trap.h"
 #include "platform/qt/QtText.h"
 #include "search/IndexFile.h"
-#include "ui/frame/SearchProgress.h"
+#include "ui/frame/WorkProgress.h"
 #include "ui/parts/SearchHelp.h"
 #include "ui/parts/SearchHits.h"
 #include "ui/search/SearchBar.h"
@@ -57,7 +57,7 @@ QAction *newAction(QMainWindow &window, const char *name, const QString &text, c
 
 SearchPart::SearchPart(Workbench &bench)
     : m_bench(bench), m_bar(new SearchBar), m_help(new SearchHelp(bench, *m_bar)),
-      m_hits(new SearchHits(bench)), m_progress(new SearchProgress) {
+      m_hits(new SearchHits(bench)), m_progress(newIndexProgress()) {
     m_help->setParent(this);
     m_hits->setParent(this);
     bench.table->limitRow().insertWidget(0, m_bar, 1);
@@ -88,7 +88,7 @@ void SearchPart::connectBar() {
     connect(m_bar, &SearchBar::entered, this, &SearchPart::enter);
     connect(m_bar, &SearchBar::left, this, [this] { m_bench.table->grid().setFocus(); });
     connect(m_bar, &SearchBar::menuWanted, this, &SearchPart::fillMenu);
-    connect(m_progress, &SearchProgress::cancelled, this, [this] {
+    connect(m_progress, &WorkProgress::cancelled, this, [this] {
         if (m_service)
             m_service->cancelIndexing();
     });

@@ -15,7 +15,7 @@ namespace nv {
 class SearchBar;
 class SearchHelp;
 class SearchHits;
-class SearchProgress;
+class WorkProgress;
 
 /// The search in the main window: its box above the table, and the rows that it leaves. It is done
 /// in a thread of its own; rows come as they are found.
@@ -74,7 +74,7 @@ class SearchPart final : public QObject, public Limiter {
     SearchBar *m_bar = nullptr;
     SearchHelp *m_help = nullptr;
     SearchHits *m_hits = nullptr;
-    SearchProgress *m_progress = nullptr;
+    WorkProgress *m_progress = nullptr;
     QTimer m_pause;                          ///< after a letter
     QTimer m_settle;                         ///< rows have come
     Search m_wanted;                         ///< what the service looks for, or has looked for

@@ -19,6 +19,7 @@
 #include "views/record/ViewerChoice.h"
 #include "views/rows/CellText.h"
 
+#include <QAction>
 #include <QSplitter>
 
 namespace nv {
@@ -48,6 +49,10 @@ std::optional<RecordCard> cardOf(Workbench &bench, UrlId id) {
 QString sentence(const std::string &reason) {
     QString text = toQt(displayText(reason, 2000));
     return text.isEmpty() ? text : text.front().toUpper() + text.mid(1) + u'.';
+}
+
+HexPane::Missing whatIsMissing(const UrlRecord &record) {
+    return isSourceGone(record) ? HexPane::Missing::evidence : HexPane::Missing::content;
 }
 
 } // namespace
@@ -101,6 +106,7 @@ ViewersPart::ViewersPart(Workbench &bench) : m_bench(bench) {
     connect(m_picture, &PicturePane::noResizeChanged, this,
             [this](bool noResize) { state().noResizePicture = noResize; });
     connect(m_hex, &HexPane::sourceToggled, bench.viewers, &ViewerTabs::refresh);
+    connect(m_hex, &HexPane::evidenceWanted, bench.actions.baseFolder, &QAction::trigger);
     connect(bench.viewers, &ViewerTabs::fullSizeWanted, this,
             [this](bool full) { m_bench.dataArea->setVisible(!full); });
     connect(bench.table, &TableTab::currentUrlChanged, this, [this] { state().viewer.clearAll(); });
@@ -156,23 +162,22 @@ void ViewersPart::addReport() {
     });
 }
 
-std::optional<RecordContent> ViewersPart::contentFor(UrlId id,
-                                                     const std::function<void(QString)> &missing) {
+std::optional<RecordContent> ViewersPart::contentFor(UrlId id, const TellMissing &missing) {
     Program &program = m_bench.program;
     Unwatched nobody;
     RecordTools tools(program, nobody, program.state.tempFolderPath);
     auto content = contentOfRecord(tools, id);
     if (!content)
-        missing(tr("The selected record could not be found."));
+        missing(tr("The selected record could not be found."), HexPane::Missing::content);
     else if (!content->file)
-        missing(sentence(content->reason));
+        missing(sentence(content->reason), whatIsMissing(content->record));
     return content && content->file ? std::move(content) : std::nullopt;
 }
 
 void ViewersPart::showText(UrlId id) {
     m_text->clear();
     const auto content =
-        contentFor(id, [this](const QString &reason) { m_text->showReason(reason); });
+        contentFor(id, [this](const QString &reason, auto) { m_text->showReason(reason); });
     if (!content)
         return;
     const CachedText text =
@@ -185,8 +190,8 @@ void ViewersPart::showHex(UrlId id) {
     if (m_hex->wantsSource())
         return showSource(id);
     m_named.reset(); // whoever comes back to the source file sees the record's own place
-    const auto content =
-        contentFor(id, [this](const QString &reason) { m_hex->showMissing(reason); });
+    const auto content = contentFor(
+        id, [this](const QString &reason, auto what) { m_hex->showMissing(reason, what); });
     if (content)
         showFile(id, *content->file, 0);
 }
@@ -201,14 +206,13 @@ void ViewersPart::showSource(UrlId id) {
     if (m_knownOf != id)
         m_named.reset();
     const bool isNamed = m_named.has_value();
-    const auto source = sourceOfRecord(*record);
-    // A value of a cache may lie in a file beside the one that the record is shown by, and a folder
-    // that is a record's source has no bytes of its own.
+    // A value of a cache may lie in a file beside the one that the record is shown by.
     const bool isElsewhere = isNamed && !m_named->file.empty();
-    if (!source && !isElsewhere)
-        return m_hex->showMissing(sentence(missingSource(*record)));
-    const std::filesystem::path file = isElsewhere ? m_named->file : source->file;
-    showFile(id, file, isNamed ? m_named->offset : source->offset);
+    const auto source = isElsewhere ? SourcePlace{m_named->file, m_named->offset}
+                                    : sourceInProject(program, tools, id, *record);
+    if (!source)
+        return m_hex->showMissing(sentence(missingSource(*record)), whatIsMissing(*record));
+    showFile(id, source->file, isNamed ? m_named->offset : source->offset);
     if (isNamed && std::exchange(m_isWanted, false))
         m_hex->mark(m_named->offset, m_named->length);
 }

@@ -2,6 +2,7 @@
 
 #include "app/jobs/RecordContent.h"
 #include "ui/parts/Workbench.h"
+#include "ui/viewers/HexPane.h"
 #include "views/explain/Explain.h"
 
 #include <map>
@@ -10,7 +11,6 @@
 
 namespace nv {
 
-class HexPane;
 class NotesPane;
 class PicturePane;
 class PropertiesPane;
@@ -37,7 +37,8 @@ class ViewersPart final : public QObject {
     void addNotes();
     void addReport();
     /// Nothing when the record has no content; `showReason` of the pane has been told why.
-    std::optional<RecordContent> contentFor(UrlId id, const std::function<void(QString)> &missing);
+    using TellMissing = std::function<void(const QString &reason, HexPane::Missing what)>;
+    std::optional<RecordContent> contentFor(UrlId id, const TellMissing &missing);
     void showText(UrlId id);
     void showHex(UrlId id);
     void showSource(UrlId id);

@@ -82,6 +82,11 @@ class CardWriter {
     int m_indent; ///< pixels
 };
 
+/// Title and address have no label.
+bool isLine(const QTextBlock &block) {
+    return block.blockFormat().leftMargin() > 0;
+}
+
 } // namespace
 
 CardPane::CardPane(Load load, PropertiesPane &properties, QWidget *parent)
@@ -214,8 +219,16 @@ void CardPane::setHits(std::shared_ptr<HitFinder> finder) {
     mark();
 }
 
+/// What the record has, and not the words before it, which are the card's own.
 void CardPane::mark() {
-    m_text->setExtraSelections(hitSelections(*m_text->document(), m_finder.get()));
+    QList<QTextEdit::ExtraSelection> marks;
+    for (QTextBlock block = m_text->document()->begin(); block.isValid(); block = block.next()) {
+        const QString text = block.text();
+        const auto label = static_cast<int>(isLine(block) ? text.indexOf(u'\t') + 1 : 0);
+        marks += hitSelections(*m_text->document(), m_finder.get(), block.position() + label,
+                               static_cast<int>(text.size()) - label);
+    }
+    m_text->setExtraSelections(marks);
 }
 
 /// The labels' colour is that of the text's palette, which changes after the pane's own.

@@ -78,8 +78,13 @@ void HexPane::addPlace(FlowLayout &flow) {
     m_source->setCheckable(true);
     m_source->setToolTip(tr("Show the artefact file where the record stands in it, "
                             "not the cached content"));
+    m_evidence = new QPushButton(tr("Choose the Folder Where the Evidence Lies Now..."));
+    m_evidence->setObjectName(QStringLiteral("btnHexEvidence"));
+    m_evidence->setToolTip(tr("The base folder of the project, as in the menu Tools"));
+    m_evidence->hide();
+    connect(m_evidence, &QPushButton::clicked, this, &HexPane::evidenceWanted);
     m_place = newLabel("labHexPlace");
-    for (QWidget *box : std::initializer_list<QWidget *>{m_offset, m_source, m_place})
+    for (QWidget *box : std::initializer_list<QWidget *>{m_offset, m_source, m_place, m_evidence})
         flow.addWidget(box);
     connect(m_offset, &QLineEdit::returnPressed, this, &HexPane::goToTyped);
     connect(m_source, &QPushButton::toggled, this, [this](bool source) {
@@ -91,6 +96,7 @@ void HexPane::addPlace(FlowLayout &flow) {
 
 void HexPane::showFile(const std::filesystem::path &file, std::uint64_t offset) {
     m_grid->setSource(std::make_unique<HexSource>(file));
+    m_evidence->hide();
     m_matchAt.reset();
     showContent();
     m_grid->goTo(offset);
@@ -112,8 +118,9 @@ void HexPane::showAgain() {
     m_grid->verticalScrollBar()->setValue(top);
 }
 
-void HexPane::showMissing(const QString &reason) {
+void HexPane::showMissing(const QString &reason, Missing missing) {
     clear();
+    m_evidence->setVisible(missing == Missing::evidence);
     // The bar stays live: the other file may be there.
     showContent();
     showNotice(reason);
@@ -121,6 +128,7 @@ void HexPane::showMissing(const QString &reason) {
 
 void HexPane::clear() {
     m_grid->setSource(nullptr);
+    m_evidence->hide();
     m_place->clear();
     showReason({});
 }

@@ -29,8 +29,10 @@ class HexPane final : public ViewerFrame {
     /// FileFailure.
     void showAgain();
     bool isShowing(const std::filesystem::path &file) const;
+    /// What is missing: the evidence, whose place the examiner may know, or only bytes in it.
+    enum class Missing { content, evidence };
     /// No bytes, but why there are none; the button that asks for the source file stays.
-    void showMissing(const QString &reason);
+    void showMissing(const QString &reason, Missing missing = Missing::content);
     void clear();
     /// The artefact file is wanted, not the cached content.
     bool wantsSource() const;
@@ -41,6 +43,8 @@ class HexPane final : public ViewerFrame {
 
   signals:
     void sourceToggled();
+    /// The examiner is about to say where the evidence lies now.
+    void evidenceWanted();
 
   protected:
     void openFind() override;
@@ -59,6 +63,7 @@ class HexPane final : public ViewerFrame {
     QComboBox *m_kind = nullptr;
     QLineEdit *m_offset = nullptr;
     QPushButton *m_source = nullptr;
+    QPushButton *m_evidence = nullptr; ///< there while the evidence is missing
     QLabel *m_place = nullptr;
     std::optional<std::uint64_t> m_matchAt; ///< of the last match in this file
 };

@@ -9,13 +9,14 @@
 
 namespace nv {
 
-QList<QTextEdit::ExtraSelection> hitSelections(QTextDocument &document, HitFinder *finder) {
+QList<QTextEdit::ExtraSelection> hitSelections(QTextDocument &document, HitFinder *finder, int from,
+                                               int length) {
     QList<QTextEdit::ExtraSelection> marks;
     if (finder == nullptr)
         return marks;
-    const QByteArray text = document.toPlainText().toUtf8();
+    const QByteArray text = document.toPlainText().mid(from, length).toUtf8();
     qsizetype byte = 0;
-    qsizetype letter = 0;
+    qsizetype letter = from;
     const auto letterAt = [&](std::size_t place) {
         const auto to = static_cast<qsizetype>(place);
         letter += QString::fromUtf8(text.constData() + byte, to - byte).size();

@@ -12,8 +12,10 @@ class QTextDocument;
 
 namespace nv {
 
-/// A mark for each hit in a box of text.
-QList<QTextEdit::ExtraSelection> hitSelections(QTextDocument &text, HitFinder *finder);
+/// A mark for each hit in a box of text, or in that part of it which begins at `from` and has
+/// `length` letters; -1 is the rest of it.
+QList<QTextEdit::ExtraSelection> hitSelections(QTextDocument &text, HitFinder *finder, int from = 0,
+                                               int length = -1);
 
 /// The hits in a box of text, whatever text the box comes to show.
 class HitMarks final : public HitViewer {

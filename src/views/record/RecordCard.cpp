@@ -110,7 +110,8 @@ class CardMaker {
         if (date.has())
             logFailureOf(m_source.log, kProcedure, [&] { addZoneDate(date); });
         if (const Date other = m_row.date("OtherDate"); other.has())
-            add(otherMeaning(), utcText(other));
+            if (const std::string meaning = otherMeaning(); !meaning.empty())
+                add(meaning, utcText(other));
     }
 
     /// Formats that keep no UTC are read as if they did.
@@ -129,9 +130,14 @@ class CardMaker {
                                           zoneName(m_source.zone), zoned.offset, zoned.code));
     }
 
+    /// Empty where nobody can say which date it is: it stands among all values then. Results of
+    /// another program have one of their own, whose field they call so.
     std::string otherMeaning() const {
-        std::string meaning = m_row.text("OtherDateMeaning");
-        return trim(meaning).empty() ? "Other date" : displayText(meaning, 40);
+        const std::string meaning = m_row.text("OtherDateMeaning");
+        if (!trim(meaning).empty() && meaning != "Other")
+            return displayText(meaning, 40);
+        const bool isOfResults = familyOf(m_row.text("CacheType")) == &families::netAnalysis;
+        return isOfResults ? "Secondary date" : "";
     }
 
     void addOrigin() {

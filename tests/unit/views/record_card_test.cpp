@@ -143,6 +143,19 @@ TEST_F(RecordCardTest, datesOfAnyAgeStandInTheZone) {
     EXPECT_EQ(card.line("Last modified"), "1997-01-01 00:00:00 UTC");
 }
 
+TEST_F(RecordCardTest, anotherDateStandsWithWhatItMeansOnly) {
+    const auto load = [this](const char *type, const char *meaning) {
+        return RecordCardTest::load(add({{"CacheType", type},
+                                         {"OtherDate", daysOf({2011, 2, 1, 20, 0, 0})},
+                                         {"OtherDateMeaning", meaning}}));
+    };
+    EXPECT_EQ(load("NetAnalysis", "Other").line("Secondary date"), "2011-02-01 20:00:00 UTC");
+    for (const char *meaning : {"", "Other"})
+        EXPECT_THAT(load("IE Cache", meaning).lines,
+                    testing::Not(testing::Contains(
+                        testing::Field(&CardLine::text, testing::HasSubstr("2011-02-01")))));
+}
+
 TEST_F(RecordCardTest, whatWasSearchedForIsTold) {
     const auto card =
         load(add({{"URL", "http://www.google.com/search?q=C+++AT&T+bomb"},
