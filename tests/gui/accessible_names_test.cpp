@@ -1,5 +1,6 @@
 #include "gui/Boxes.h"
 #include "gui/Desk.h"
+#include "ui/table/TableTab.h"
 
 #include <QAbstractButton>
 #include <QComboBox>
@@ -99,6 +100,7 @@ class AccessibleNamesTest : public QObject {
     void everyBoxOfTheOtherWindowsHasAName();
     void everyBoxOfTheChoiceOfAPartHasAName();
     void aComboBoxSaysItsNameAndItsValue();
+    void theTickAndTheIconOfARowAreSaid();
 
   private:
     std::unique_ptr<Desk> m_desk;
@@ -223,6 +225,30 @@ void AccessibleNamesTest::aComboBoxSaysItsNameAndItsValue() {
     QTRY_VERIFY(said->state().expanded);
     said->actionInterface()->doAction(QAccessibleActionInterface::showMenuAction());
     QTRY_VERIFY(!said->state().expanded);
+}
+
+/// The keys stand in the first column when the table opens.
+void AccessibleNamesTest::theTickAndTheIconOfARowAreSaid() {
+    auto &grid = child<TableTab>(*m_form, "TableTab").grid();
+    auto *table = QAccessible::queryAccessibleInterface(&grid)->tableInterface();
+    const auto cell = [&](UrlColumn column) {
+        return table->cellAt(0, UrlModel::sectionOf(column));
+    };
+    const auto headings = cell(UrlColumn::Tag)->tableCellInterface()->columnHeaderCells();
+    QCOMPARE(headings.size(), 1);
+    QCOMPARE(headings[0]->text(QAccessible::Name), QStringLiteral("Tick"));
+    QCOMPARE(cell(UrlColumn::Tag)->text(QAccessible::Name), QStringLiteral("Not ticked"));
+    QVERIFY(cell(UrlColumn::Tag)->state().checkable && !cell(UrlColumn::Tag)->state().checked);
+    grid.setCurrentIndex(grid.model()->index(0, UrlModel::sectionOf(UrlColumn::Tag)));
+    QTest::keyClick(&grid, Qt::Key_Space);
+    QCOMPARE(cell(UrlColumn::Tag)->text(QAccessible::Name), QStringLiteral("Ticked"));
+    QVERIFY(cell(UrlColumn::Tag)->state().checked);
+    QVERIFY(!cell(UrlColumn::Icon)->text(QAccessible::Name).isEmpty());
+    QVERIFY(!cell(UrlColumn::Host)->state().checkable);
+    // A click sets the tick once.
+    QTest::mouseClick(grid.viewport(), Qt::LeftButton, {},
+                      grid.visualRect(grid.currentIndex()).center());
+    QCOMPARE(cell(UrlColumn::Tag)->text(QAccessible::Name), QStringLiteral("Not ticked"));
 }
 
 } // namespace nv

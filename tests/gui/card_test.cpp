@@ -39,7 +39,6 @@ class CardTest : public QObject {
     void bytesAreShownWithoutAsking();
     void whereThereAreNoBytesItIsSaid();
     void valuesOfAMissingFileHaveNoBytes();
-    void anAnswerHasRoomForItsLines();
     void aTagLeavesWhatIsRead();
     void aNoteLeavesWhatIsRead();
     void rowsThatAreSortedLeaveWhatIsRead();
@@ -70,7 +69,11 @@ class CardTest : public QObject {
         QTRY_VERIFY(!list().findItems(name, Qt::MatchExactly).isEmpty());
         list().setCurrentItem(list().findItems(name, Qt::MatchExactly).first());
     }
-    QString answer() { return pane<QPlainTextEdit>("txtPropertyValue").toPlainText(); }
+    /// Empty while the card's words are shown.
+    QString answer() {
+        const auto &why = pane<QPlainTextEdit>("txtWhy");
+        return why.isVisible() ? why.toPlainText() : QString();
+    }
     std::string shownBytes() {
         const HexMatch chosen = grid().selection();
         const Bytes bytes = grid().source()->file().read(chosen.offset, chosen.length);
@@ -183,17 +186,6 @@ void CardTest::valuesOfAMissingFileHaveNoBytes() {
     QVERIFY(!bytes.isEnabled());
     QVERIFY2(bytes.toolTip().contains(QStringLiteral("source file isn't there")),
              qPrintable(bytes.toolTip()));
-}
-
-void CardTest::anAnswerHasRoomForItsLines() {
-    ask("ActionDateUTC");
-    const auto &whole = pane<QPlainTextEdit>("txtPropertyValue");
-    QVERIFY2(whole.width() > 450, qPrintable(QString::number(whole.width())));
-    QVERIFY2(whole.viewport()->height() >= 8 * whole.fontMetrics().lineSpacing(),
-             qPrintable(QString::number(whole.viewport()->height())));
-    const int words = pane<QWidget>("cardText").height();
-    choose(UrlId{1}, "URL");
-    QVERIFY(pane<QWidget>("cardText").height() > words);
 }
 
 void CardTest::aTagLeavesWhatIsRead() {
@@ -371,10 +363,10 @@ void CardTest::theCardScrollsToWhereTheKeysGo() {
         QVERIFY2(scroll.viewport()->rect().intersects(place), name);
     }
     ask("ActionDateUTC");
-    const auto &whole = pane<QWidget>("txtPropertyValue");
+    const auto &why = pane<QWidget>("txtWhy");
     QTRY_VERIFY(scroll.viewport()
                     ->rect()
-                    .intersected(QRect(whole.mapTo(scroll.viewport(), QPoint()), whole.size()))
+                    .intersected(QRect(why.mapTo(scroll.viewport(), QPoint()), why.size()))
                     .height() > 2 * card.fontMetrics().lineSpacing());
 }
 

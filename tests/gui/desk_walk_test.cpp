@@ -298,10 +298,10 @@ void DeskWalkTest::theCardSaysWhy() {
     QTRY_COMPARE(found().size(), 1);
     list.setCurrentItem(found().first());
     QTest::keyClick(&child<QPushButton>(*m_form, "btnWhy"), Qt::Key_Space);
-    const auto &whole = child<QPlainTextEdit>(*m_form, "txtPropertyValue");
-    QTRY_VERIFY2(whole.toPlainText().contains(QStringLiteral("Rule: ")),
-                 qPrintable(whole.toPlainText()));
-    QVERIFY(whole.toPlainText().contains(QStringLiteral("SHA-256"), Qt::CaseInsensitive));
+    const auto &answer = child<QPlainTextEdit>(*m_form, "txtWhy");
+    QTRY_VERIFY2(answer.toPlainText().contains(QStringLiteral("Rule: ")),
+                 qPrintable(answer.toPlainText()));
+    QVERIFY(answer.toPlainText().contains(QStringLiteral("SHA-256"), Qt::CaseInsensitive));
 }
 
 void DeskWalkTest::aPageIsRebuilt() {

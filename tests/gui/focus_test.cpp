@@ -1,3 +1,4 @@
+#include "app/project/RecentFiles.h"
 #include "gui/Desk.h"
 #include "platform/qt/PageGuard.h"
 #include "ui/frame/FocusRing.h"
@@ -32,6 +33,7 @@ class FocusTest : public QObject {
     void f6LeadsThroughTheAreas();
     void f6LeadsToWhatCanBeUsed();
     void f6LeadsThroughTheFirstPage();
+    void tabGoesDownTheFirstPage();
 
   private:
     QWidget *focus() { return m_form->focusWidget(); }
@@ -223,6 +225,22 @@ void FocusTest::f6LeadsToWhatCanBeUsed() {
 void FocusTest::f6LeadsThroughTheFirstPage() {
     trigger(*m_form, "actNextArea");
     QCOMPARE(focus()->objectName(), QStringLiteral("btnStepFolder"));
+}
+
+/// The steps on the left, then what stands beside them from above.
+void FocusTest::tabGoesDownTheFirstPage() {
+    storeFilenameINI(m_desk->program.settings, m_desk->folder.write("case.nvp", "x"));
+    m_form = std::make_unique<MainForm>(m_desk->program, m_desk->dialogs);
+    m_form->show();
+    m_form->activateWindow();
+    QVERIFY(QTest::qWaitForWindowActive(m_form.get()));
+    QStringList names;
+    for (int stop = 0; stop < 6; ++stop) {
+        names += focus()->objectName();
+        QTest::keyClick(focus(), Qt::Key_Tab);
+    }
+    QCOMPARE(names, QStringList({"btnStepFolder", "btnStepFiles", "btnRecent1", "btnForget1",
+                                 "btnWelcomeOpen", "btnWelcomeNew"}));
 }
 
 } // namespace nv

@@ -22,6 +22,7 @@ class SearchTest : public QObject {
     void cleanup() { m_on.reset(); }
 
     void lettersNarrowTheTableAsTheyAreTyped();
+    void halfAWordLeavesTheExaminersRow();
     void twoLettersAreTooFew();
     void enterLooksThroughPagesToo();
     void aWrongExpressionIsToldBesideTheBox();
@@ -70,6 +71,44 @@ void SearchTest::lettersNarrowTheTableAsTheyAreTyped() {
     m_on->box().clear();
     QTRY_COMPARE(m_on->rows(), m_on->all);
     QVERIFY(m_on->chips().isEmpty());
+}
+
+/// Half a word may be found in rows in the middle; the whole is found in all.
+void SearchTest::halfAWordLeavesTheExaminersRow() {
+    m_on->project().exec(
+        "WITH n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < 200) INSERT INTO URLs "
+        "(URL, Host, CacheType, ActionDateUTC) SELECT 'http://' || CASE i WHEN 100 THEN "
+        "'befriended' ELSE 'row' || i END || '.test/', 'row.test', 'IE Cache', 40730.5 + i FROM n");
+    trigger(m_on->form, "actRefresh");
+    m_on->form.activateWindow();
+    QVERIFY(QTest::qWaitForWindowActive(&m_on->form));
+    UrlGrid &grid = m_on->tab().grid();
+    const int all = m_on->rows();
+    for (const int row : {0, 150}) {
+        m_on->box().clear();
+        QTRY_COMPARE(m_on->rows(), all);
+        grid.setFocus();
+        grid.setCurrentUrl(m_on->tab().table()->idAt(static_cast<std::size_t>(row)));
+        const auto own = grid.currentUrl();
+        m_on->type(QStringLiteral("bef"));
+        QTRY_COMPARE(m_on->rows(), 1);
+        QVERIFY(grid.currentUrl() != own);
+        m_on->type(QStringLiteral("ore:2030-01-01"));
+        QTest::keyClick(&m_on->box(), Qt::Key_Return);
+        QTRY_VERIFY(m_on->rows() >= 200);
+        QCOMPARE(grid.currentUrl(), own);
+        QTRY_COMPARE(grid.rowAt(0) == 0, row == 0);
+    }
+    // Who goes to the rows takes the one that stands there.
+    m_on->box().clear();
+    m_on->type(QStringLiteral("befr"));
+    QTRY_COMPARE(m_on->rows(), 1);
+    const auto found = grid.currentUrl();
+    grid.setFocus();
+    m_on->box().selectAll();
+    m_on->type(QStringLiteral("test"));
+    QTRY_VERIFY(m_on->rows() >= 200);
+    QCOMPARE(grid.currentUrl(), found);
 }
 
 void SearchTest::twoLettersAreTooFew() {

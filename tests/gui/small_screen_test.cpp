@@ -1,10 +1,15 @@
 #include "app/project/RecentFiles.h"
+#include "db/marks/NamedTags.h"
 #include "db/project/StoredQueries.h"
 #include "gui/Desk.h"
+#include "ui/reports/ReportForm.h"
 #include "ui/table/TableTab.h"
 #include "ui/widgets/FlowLayout.h"
+#include "ui/widgets/FormScroll.h"
 #include "ui/window/WindowLayout.h"
 
+#include <QCheckBox>
+#include <QComboBox>
 #include <QCommandLinkButton>
 #include <QDialog>
 #include <QHeaderView>
@@ -12,6 +17,7 @@
 #include <QLineEdit>
 #include <QPushButton>
 #include <QScreen>
+#include <QScrollBar>
 #include <QTabWidget>
 #include <QTest>
 #include <QTimer>
@@ -31,7 +37,10 @@ class SmallScreenTest : public QObject {
     void theListOfTagsFitsBesideThePlaces();
     void theBoxesOverBytesAreWideEnough_data();
     void theBoxesOverBytesAreWideEnough();
+    void rowsAreReadUpToTheirAddress_data();
     void rowsAreReadUpToTheirAddress();
+    void theReportFormCutsNothing_data();
+    void theReportFormCutsNothing();
     void longNamesDontWidenIt();
     void aLongProjectNameLeavesTheStepsTheirRoom();
     void theStepsOfAnEmptyProjectFit();
@@ -158,10 +167,57 @@ void SmallScreenTest::dialogsFit() {
     QVERIFY(size.height() <= m_form->screen()->availableSize().height());
 }
 
-/// With the places beside it, there is no room for all columns at 1280 by 800.
+void SmallScreenTest::theReportFormCutsNothing_data() {
+    QTest::addColumn<int>("height");
+    QTest::newRow("as high as it wants") << 0;
+    QTest::newRow("in a low screen") << 420;
+}
+
+/// The tags of the project take a line of their own, and the words of some types two.
+void SmallScreenTest::theReportFormCutsNothing() {
+    QFETCH(int, height);
+    SQLite::Database &project = m_desk->program.state.projectDB.connection();
+    NamedTags(project).add({.tagID = 0, .name = "Seen", .color = {}, .position = 0, .note = {}});
+    trigger(*m_form, "actRefresh");
+    QStringList faults{QStringLiteral("no form came")};
+    whenShown<ReportForm>([height, &faults](ReportForm &form) {
+        faults.clear();
+        if (height > 0)
+            form.resize(form.width(), height);
+        auto &type = child<QComboBox>(form, "cbReportType");
+        for (int each = 0; each < type.count(); ++each) {
+            type.setCurrentIndex(each);
+            QTest::qWait(20);
+            for (const auto *box : form.findChildren<QCheckBox *>())
+                if (box->isVisible() && box->objectName().startsWith(u"chkInclude") &&
+                    box->height() < box->sizeHint().height())
+                    faults += QStringLiteral("%1 in %2").arg(box->objectName(), type.currentText());
+            if (const QString shots = qEnvironmentVariable("NV_SCREENSHOTS"); !shots.isEmpty())
+                form.grab().save(
+                    QStringLiteral("%1/report-%2-%3.png").arg(shots).arg(height).arg(each));
+        }
+        if (height > 0 &&
+            child<FormScroll>(form, "reportScroll").verticalScrollBar()->maximum() == 0)
+            faults += QStringLiteral("the rest can't be scrolled to");
+        form.reject();
+    });
+    trigger(*m_form, "actCreateReport");
+    QVERIFY2(faults.isEmpty(), qPrintable(faults.join(u'|')));
+}
+
+void SmallScreenTest::rowsAreReadUpToTheirAddress_data() {
+    QTest::addColumn<QSize>("size");
+    QTest::addColumn<int>("letters"); // that are read of each column
+    QTest::newRow("1280 by 800") << QSize(1280, 800) << 20;
+    QTest::newRow("960 by 540") << kRoom << 10;
+}
+
+/// With the places beside it, there is no room for all columns.
 void SmallScreenTest::rowsAreReadUpToTheirAddress() {
+    QFETCH(QSize, size);
+    QFETCH(int, letters);
     child<QAction>(*m_form, "actPlaces").setChecked(true);
-    m_form->resize(1280, 800);
+    m_form->resize(size);
     m_desk->program.state.projectDB.connection().exec(
         "UPDATE URLs SET URL = 'http://www.harbour-news.example/a/long/way/to/it.html', "
         "WebPageTitle = 'Tide tables of the harbour and of its moles', Host = "
@@ -178,8 +234,14 @@ void SmallScreenTest::rowsAreReadUpToTheirAddress() {
         const int section = UrlModel::sectionOf(column);
         const int right = header.sectionViewportPosition(section) + header.sectionSize(section);
         QVERIFY2(right <= room, qPrintable(QString::number(right)));
-        QVERIFY(header.sectionSize(section) >= 20 * grid.fontMetrics().averageCharWidth());
+        QVERIFY(header.sectionSize(section) >= letters * grid.fontMetrics().averageCharWidth());
     }
+    const QModelIndex date = grid.model()->index(0, UrlModel::sectionOf(UrlColumn::LocalDate));
+    QVERIFY2(header.sectionSize(date.column()) >
+                 grid.fontMetrics().horizontalAdvance(date.data().toString()),
+             "part of a date is another one");
+    if (const QString shots = qEnvironmentVariable("NV_SCREENSHOTS"); !shots.isEmpty())
+        m_form->grab().save(QStringLiteral("%1/rows-%2.png").arg(shots).arg(size.width()));
     QVERIFY(header.length() > room);
     const QVariant tip = grid.model()->headerData(UrlModel::sectionOf(UrlColumn::WebpageTitle),
                                                   Qt::Horizontal, Qt::ToolTipRole);

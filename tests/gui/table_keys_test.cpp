@@ -27,6 +27,7 @@ class TableKeysTest : public QObject {
     void aTagWidensItsColumn();
     void aRareValueWidensItsColumnOnceItIsSeen();
     void aWidthOfTheExaminersStays();
+    void hostsAndTitlesAreWholeBesideAFewLongAddresses();
     void controlLLeadsToTheChips();
     void withoutChipsControlLSaysSo();
     void chipsAreWholeWhereThereIsRoom();
@@ -188,6 +189,29 @@ void TableKeysTest::aWidthOfTheExaminersStays() {
     QApplication::processEvents();
     QVERIFY(needs(cell(kUnmeasured, UrlColumn::Browser)) > kByHand);
     QVERIFY(std::abs(width(UrlColumn::Browser) - kByHand) <= 1); // in twips
+}
+
+void TableKeysTest::hostsAndTitlesAreWholeBesideAFewLongAddresses() {
+    m_on->project().exec(
+        "UPDATE URLs SET Host = 'www.harbour-news.example', WebPageTitle = 'Lanternpost: Inbox "
+        "(12)', Browser = 'Internet Explorer', CacheType = 'IE CACHE', Person = 'mara', User = "
+        "'mara', Status = 'URL, typed', URL = 'http://www.harbour-news.example/story28.html' || "
+        "CASE WHEN URL_ID % 20 = 0 THEN '?' || hex(zeroblob(60)) ELSE '' END");
+    trigger(m_on->form, "actRefresh");
+    m_on->form.resize(3000, 900);
+    trigger(m_on->form, "actLayoutFit");
+    QTRY_COMPARE(header().length(), grid().viewport()->width());
+    // Room for all but the addresses of a few rows.
+    constexpr int kSpare = 40; // pixels
+    const int given = width(UrlColumn::Value) - needs(cell(0, UrlColumn::Value)) - kSpare;
+    QVERIFY2(given > 0, qPrintable(QString::number(given)));
+    const int wide = grid().viewport()->width();
+    m_on->form.resize(m_on->form.width() - given, 900);
+    QTRY_COMPARE(grid().viewport()->width(), wide - given);
+    QTRY_COMPARE(header().length(), wide - given);
+    for (const UrlColumn column : {UrlColumn::Host, UrlColumn::WebpageTitle, UrlColumn::Value})
+        QVERIFY2(width(column) >= needs(cell(0, column)),
+                 qPrintable(QString::number(width(column))));
 }
 
 void TableKeysTest::controlLLeadsToTheChips() {

@@ -192,6 +192,7 @@ void TimelineTest::aNarrowSummaryKeepsItsCounts() {
     QHelpEvent help(QEvent::ToolTip, {20, 8}, m_strip->mapToGlobal(QPoint(20, 8)));
     QApplication::sendEvent(m_strip.get(), &help);
     QTRY_VERIFY(QToolTip::text().contains(QStringLiteral("History:")));
+    QVERIFY(QToolTip::text().replace(QChar::Nbsp, u' ').contains(QStringLiteral("0 shows all")));
     QToolTip::hideText();
 }
 

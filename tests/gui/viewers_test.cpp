@@ -338,12 +338,10 @@ void ViewersTest::aPropertySaysWhyItIsSo() {
     QVERIFY(why.isEnabled());
     QVERIFY(bytes.isEnabled());
     QTest::mouseClick(&why, Qt::LeftButton);
-    auto &whole = pane<QPlainTextEdit>("txtPropertyValue");
-    QTRY_VERIFY(whole.toPlainText().contains(QStringLiteral("Rule: ")));
-    QVERIFY2(whole.toPlainText().contains(QStringLiteral("FILETIME")),
-             qPrintable(whole.toPlainText()));
-    const QList<int> sizes = pane<QSplitter>("propertiesSplitter").sizes();
-    QVERIFY(sizes.at(1) > sizes.at(0)); // the answer has lines to be read
+    auto &answer = pane<QPlainTextEdit>("txtWhy");
+    QTRY_VERIFY(answer.toPlainText().contains(QStringLiteral("Rule: ")));
+    QVERIFY2(answer.toPlainText().contains(QStringLiteral("FILETIME")),
+             qPrintable(answer.toPlainText()));
     QVERIFY(bytes.isEnabled());
     pane<QWidget>("btnViewerPin").setProperty("checked", false);
     QTest::mouseClick(&bytes, Qt::LeftButton);

@@ -39,6 +39,15 @@ QColor dimColour(const QPalette &palette) {
             mixed(text.blue(), ground.blue())};
 }
 
+/// What is read in a pane, beside the bars around it.
+QWidget *contentOf(const QWidget &pane) {
+    for (QWidget *each : pane.findChildren<QWidget *>())
+        if (each->isVisible() && each->isEnabled() &&
+            (qobject_cast<QAbstractScrollArea *>(each) || each->inherits("QWebEngineView")))
+            return each;
+    return nullptr;
+}
+
 } // namespace
 
 ViewerTabs::ViewerTabs(RunCommand run, std::function<bool()> isBusy, QWidget *parent)
@@ -191,18 +200,34 @@ void ViewerTabs::look() {
     m_viewed = m_id && m_look ? m_look(*m_id) : std::nullopt;
     const auto best = m_viewed ? bestViewer(*m_viewed) : std::nullopt;
     const bool readsCard = m_card != nullptr && currentWidget() == m_card;
-    if (best && !isPinned() && !readsCard)
-        bringUp(*best);
+    QWidget *pane = best && !isPinned() && !readsCard ? paneOf(*best) : nullptr;
+    if (pane == nullptr || indexOf(pane) < 0)
+        return;
+    m_choosing = true;
+    setCurrentWidget(pane);
+    m_choosing = false;
 }
 
-void ViewerTabs::bringUp(Viewer viewer) {
+QWidget *ViewerTabs::paneOf(Viewer viewer) const {
     const auto *const named = std::ranges::find(kViewers, viewer, &ViewerName::viewer);
     const QString name = toQt(named->pane);
-    m_choosing = true;
-    for (int place = 0; place < count(); ++place)
-        if (widget(place)->objectName() == name)
-            setCurrentIndex(place);
-    m_choosing = false;
+    const auto found = std::ranges::find_if(
+        m_panes, [&name](const Entry &entry) { return entry.widget->objectName() == name; });
+    return found == m_panes.end() ? nullptr : found->widget;
+}
+
+bool ViewerTabs::enterBest() {
+    const auto best = m_viewed ? bestViewer(*m_viewed) : std::nullopt;
+    QWidget *pane = best ? paneOf(*best) : nullptr;
+    if (pane == nullptr)
+        return false;
+    if (indexOf(pane) >= 0)
+        showOnce(*pane);
+    showFront(); // there is nothing to go to before
+    pane->activateWindow();
+    if (QWidget *content = contentOf(*pane))
+        content->setFocus(Qt::ShortcutFocusReason);
+    return true;
 }
 
 void ViewerTabs::showOnce(QWidget &pane) {

@@ -51,6 +51,9 @@ class ViewerTabs final : public QTabWidget {
 
     /// Brings it to the front until another record asks for another pane.
     void showOnce(QWidget &pane);
+    /// The same for the pane that shows the record's content best, and leads the keys into it.
+    /// False where the record has no content.
+    bool enterBest();
 
     bool isPinned() const;
     void setPinned(bool pinned);
@@ -84,7 +87,7 @@ class ViewerTabs final : public QTabWidget {
     void markTabs();
     void markTab(int place, bool isDim, const QString &tip);
     void markViewer(int place, Viewer viewer);
-    void bringUp(Viewer viewer);
+    QWidget *paneOf(Viewer viewer) const;
     /// Comes after the click or key that chose the record is over: a pane may run a task, which
     /// locks the grid that the click is in.
     void showFront();

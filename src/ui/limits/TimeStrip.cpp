@@ -1,6 +1,7 @@
 #include "ui/limits/TimeStrip.h"
 
 #include "platform/qt/ChartPainter.h"
+#include "views/timeline/MidOfEvents.h"
 #include "views/timeline/TimelineChart.h"
 
 #include <QHelpEvent>
@@ -48,10 +49,12 @@ void TimeStrip::setEvents(TimedEvents events, const QString &zone) {
     m_events = std::move(events);
     m_zone = zone;
     const TimeSpan whole = wholeSpan(m_events);
-    if (whole != m_whole)
+    if (whole != m_whole) {
         m_shown = whole;
+        m_cursor.reset();
+        m_aim.reset();
+    }
     m_whole = whole;
-    m_cursor.reset();
     count();
 }
 
@@ -83,7 +86,24 @@ std::size_t TimeStrip::barAt(int x) const {
     return ChartPainter(m_chart, area(), palette()).barAt(x);
 }
 
+/// Where its events are: most of a long bar may be empty.
+std::int64_t TimeStrip::midOfBar(std::size_t bar) const {
+    return midOf(m_events, m_bars.spanOf(bar, bar + 1));
+}
+
+std::optional<std::size_t> TimeStrip::shownBarOf(std::int64_t second) const {
+    if (!m_bars.spanOf(0, m_bars.count).holds(second))
+        return std::nullopt;
+    return static_cast<std::size_t>((slotOf(second, m_bars.unit) - m_bars.first) / m_bars.step);
+}
+
+/// The bars of the keyboard are those that have the time which they had.
 void TimeStrip::count() {
+    const auto midOfKnown = [this](std::size_t bar) {
+        return bar < m_bars.count ? std::optional(midOfBar(bar)) : std::nullopt;
+    };
+    const auto cursor = m_cursor ? midOfKnown(*m_cursor) : std::nullopt;
+    const auto anchor = m_cursor ? midOfKnown(m_anchor) : std::nullopt;
     const int width = std::max(area().width(), kPixelsPerBar);
     const TimeUnit unit = m_unit.value_or(unitFor(m_shown, kLeastBars));
     m_bars = barsOf(m_events, unit, m_shown, static_cast<std::size_t>(width / kPixelsPerBar));
@@ -91,9 +111,10 @@ void TimeStrip::count() {
         m_bars.hours.clear();
     m_chart =
         chartOf(m_events, m_bars, static_cast<std::size_t>(std::max(1, width / kPixelsPerLabel)));
-    if (m_cursor && *m_cursor >= m_bars.count)
-        m_cursor.reset();
-    setAccessibleDescription(summary());
+    m_cursor = cursor ? shownBarOf(*cursor) : std::nullopt;
+    if (m_cursor)
+        m_anchor = (anchor ? shownBarOf(*anchor) : std::nullopt).value_or(*m_cursor);
+    setAccessibleDescription(m_cursor ? textOf(*m_cursor) : summary());
     update();
 }
 
@@ -110,16 +131,31 @@ void TimeStrip::showSpan(TimeSpan span) {
     if (span == m_shown)
         return;
     m_shown = span;
-    m_cursor.reset();
     count();
 }
 
-/// The second `around` stays where it is.
-void TimeStrip::zoom(double factor, std::int64_t around) {
-    const auto scaled = [&](std::int64_t second) {
-        return around + std::llround(static_cast<double>(second - around) / factor);
-    };
-    showSpan({scaled(m_shown.begin), scaled(m_shown.end)});
+/// The second `around` is at x afterwards. Bars are of whole days or hours, so what is drawn may be
+/// a little longer than the span.
+void TimeStrip::zoom(double factor, std::int64_t around, int x) {
+    const double before = static_cast<double>(x - area().left()) / std::max(1, area().width());
+    const auto length = static_cast<double>(m_shown.end - m_shown.begin) / factor;
+    const std::int64_t begin = around - std::llround(length * std::clamp(before, 0.0, 1.0));
+    showSpan({begin, begin + std::llround(length)});
+    const auto now = shownBarOf(around);
+    if (now && *now != barAt(x)) {
+        const std::int64_t off =
+            m_bars.spanOf(*now, *now).begin - m_bars.spanOf(barAt(x), barAt(x)).begin;
+        showSpan({m_shown.begin + off, m_shown.end + off});
+    }
+}
+
+/// Around the keyboard's bar, or else the chosen time.
+void TimeStrip::zoomByKeys(double factor) {
+    const std::int64_t around = m_cursor   ? midOfBar(*m_cursor)
+                                : m_chosen ? midOf(m_events, *m_chosen)
+                                           : midOfBar(m_bars.count / 2);
+    const std::size_t bar = shownBarOf(around).value_or(m_bars.count / 2);
+    zoom(factor, around, (leftOf(bar) + leftOf(bar + 1)) / 2);
 }
 
 void TimeStrip::pan(double part) {
@@ -135,7 +171,8 @@ void TimeStrip::drawSummary(QPainter &painter) const {
         left -= roomOf(name);
     const int line = kMargin + metrics.ascent();
     const int room = left - 2 * kMargin;
-    painter.drawText(QPoint(kMargin, line), m_cursor ? textIn(*m_cursor, room) : summaryIn(room));
+    painter.drawText(QPoint(kMargin, line),
+                     m_cursor && hasFocus() ? textIn(*m_cursor, room) : summaryIn(room));
     std::size_t part = 0;
     for (const QString &name : legend.names) {
         painter.fillRect(left, kMargin, metrics.ascent(), metrics.ascent(),
@@ -238,6 +275,8 @@ void TimeStrip::mouseReleaseEvent(QMouseEvent *event) {
         return;
     m_dragged.reset();
     choose(m_anchor, m_cursor.emplace(barAt(event->position().toPoint().x())));
+    if (m_chosen)
+        m_cursor.reset(); // one bar of several would be told of
 }
 
 /// All of the time, and nothing chosen.
@@ -252,23 +291,27 @@ void TimeStrip::wheelEvent(QWheelEvent *event) {
     if (m_bars.count == 0 || turned == 0)
         return event->ignore();
     event->accept();
-    if (event->modifiers().testFlag(Qt::ShiftModifier) || event->angleDelta().y() == 0)
+    if (event->modifiers().testFlag(Qt::ShiftModifier) || event->angleDelta().y() == 0) {
+        m_aim.reset();
         return pan(turned > 0 ? -0.2 : 0.2);
-    const std::size_t bar = barAt(event->position().toPoint().x());
-    const TimeSpan span = m_bars.spanOf(bar, bar + 1);
-    zoom(turned > 0 ? kZoom : 1 / kZoom, span.begin + (span.end - span.begin) / 2);
+    }
+    const int x = event->position().toPoint().x();
+    if (!m_aim || m_aim->x != x || !shownBarOf(m_aim->second))
+        m_aim = Aim{x, midOfBar(barAt(x))};
+    zoom(turned > 0 ? kZoom : 1 / kZoom, m_aim->second, x);
 }
 
 void TimeStrip::step(int bars, bool extends) {
     const auto last = static_cast<std::int64_t>(m_bars.count) - 1;
     if (last < 0)
         return;
-    const std::int64_t from =
-        m_cursor ? static_cast<std::int64_t>(*m_cursor) : (bars > 0 ? -1 : last + 1);
-    if (m_cursor && (from + bars < 0 || from + bars > last))
-        pan(bars > 0 ? 0.2 : -0.2); // which moves the cursor's bar away
+    const auto from = [&] {
+        return m_cursor ? static_cast<std::int64_t>(*m_cursor) : (bars > 0 ? -1 : last + 1);
+    };
+    if (m_cursor && (from() + bars < 0 || from() + bars > last))
+        pan(bars > 0 ? 0.2 : -0.2);
     m_cursor = static_cast<std::size_t>(
-        std::clamp<std::int64_t>(from + bars, 0, static_cast<std::int64_t>(m_bars.count) - 1));
+        std::clamp<std::int64_t>(from() + bars, 0, static_cast<std::int64_t>(m_bars.count) - 1));
     if (!extends)
         m_anchor = *m_cursor;
     else
@@ -303,12 +346,12 @@ bool TimeStrip::isStepKey(QKeyEvent &event) {
 void TimeStrip::keyPressEvent(QKeyEvent *event) {
     if (m_bars.count == 0 || isStepKey(*event))
         return;
-    const std::size_t bar = m_cursor.value_or(m_bars.count / 2);
-    const std::int64_t around = m_bars.spanOf(bar, bar + 1).begin;
     if (event->key() == Qt::Key_Plus)
-        zoom(kZoom, around);
+        zoomByKeys(kZoom);
     else if (event->key() == Qt::Key_Minus)
-        zoom(1 / kZoom, around);
+        zoomByKeys(1 / kZoom);
+    else if (event->key() == Qt::Key_0)
+        showSpan(m_whole);
     else if (event->key() == Qt::Key_Escape)
         clear();
     else if ((event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter ||

@@ -14,8 +14,8 @@ class QPainter;
 namespace nv {
 
 /// When the rows of the table happened, as bars by the clock of the project's zone. A drag or the
-/// keys choose a span, the wheel and "+" and "-" zoom, arrows step from bar to bar, Enter takes the
-/// chosen bars, Escape lets go of them.
+/// keys choose a span, the wheel and "+" and "-" zoom, "0" shows all of the time, arrows step from
+/// bar to bar, Enter takes the chosen bars, Escape lets go of them.
 class TimeStrip final : public QWidget {
     Q_OBJECT
 
@@ -86,7 +86,10 @@ class TimeStrip final : public QWidget {
     QString firstThatFits(const QStringList &texts, int pixels) const;
     void count();
     void showSpan(TimeSpan span);
-    void zoom(double factor, std::int64_t around);
+    std::int64_t midOfBar(std::size_t bar) const;
+    std::optional<std::size_t> shownBarOf(std::int64_t second) const;
+    void zoom(double factor, std::int64_t around, int x);
+    void zoomByKeys(double factor);
     void pan(double part);
     bool isStepKey(QKeyEvent &event);
     void step(int bars, bool extends);
@@ -108,6 +111,12 @@ class TimeStrip final : public QWidget {
     std::optional<std::size_t> m_cursor;  ///< bar of the keyboard
     std::size_t m_anchor = 0;             ///< where the choice began
     std::optional<std::size_t> m_dragged; ///< the bar under a drag
+    /// What the wheel zooms to as long as the pointer stays where it is.
+    struct Aim {
+        int x = 0; ///< pixels
+        std::int64_t second = 0;
+    };
+    std::optional<Aim> m_aim;
 };
 
 } // namespace nv

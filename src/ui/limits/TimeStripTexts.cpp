@@ -137,7 +137,8 @@ TimeStrip::Legend TimeStrip::legend() const {
 QString TimeStrip::tipAt(const QPoint &place) const {
     if (m_bars.count == 0 || area().contains(place))
         return m_bars.count == 0 ? QString() : textOf(barAt(place.x()));
-    return place.y() < area().top() ? tr("%1\n%2").arg(summary(), legendText()).trimmed()
+    return place.y() < area().top() ? tr("%1\n%2\nThe wheel, + and - zoom; 0 shows all of the time")
+                                          .arg(summary(), legendText())
                                     : QString();
 }
 

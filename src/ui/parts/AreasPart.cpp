@@ -58,11 +58,10 @@ AreasPart::AreasPart(Workbench &bench, QMainWindow &window) : m_bench(bench), m_
 }
 
 void AreasPart::findAreas() {
-    for (const AreaNames &names : kAreas) {
-        auto *panel = m_window.findChild<QWidget *>(QLatin1String(names.panel));
-        if (panel)
+    // The steps stand in two places: on the first page, and where a project is empty.
+    for (const AreaNames &names : kAreas)
+        for (auto *panel : m_window.findChildren<QWidget *>(QLatin1String(names.panel)))
             m_areas.push_back({panel, panel->findChild<QWidget *>(QLatin1String(names.first))});
-    }
     m_places.emplace_back(m_bench.dataTabs->tabBar());
     for (const Area &area : m_areas) {
         // They are newer than the button after them. The toolkit's own order is left alone: the

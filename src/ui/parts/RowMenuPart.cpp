@@ -33,6 +33,8 @@ RowMenuPart::RowMenuPart(Workbench &bench)
     UrlGrid &grid = bench.table->grid();
     grid.setContextMenuPolicy(Qt::CustomContextMenu);
     connect(&grid, &QWidget::customContextMenuRequested, this, &RowMenuPart::open);
+    // A pane may run a task, which locks the grid that has the key.
+    connect(&grid, &UrlGrid::pageWanted, this, &RowMenuPart::enterPage, Qt::QueuedConnection);
     connect(&grid, &QAbstractItemView::doubleClicked, this,
             [this](const QModelIndex &cell) { openCell(UrlModel::columnOf(cell.column())); });
 }
@@ -102,6 +104,14 @@ void RowMenuPart::openCell(UrlColumn column) {
         showPane("LinksPane");
     else if (column == UrlColumn::Rebuilt && table().cell(row(), column) == "Yes")
         showPane("BrowserPane");
+}
+
+void RowMenuPart::enterPage() {
+    if (!m_bench.table->grid().currentUrl())
+        return;
+    m_bench.actions.viewers->setChecked(true);
+    if (!m_bench.viewers->enterBest())
+        m_bench.showNotice(tr("No page to show: this record has no cached content"));
 }
 
 void RowMenuPart::addOfHost(QMenu &menu) {

@@ -6,7 +6,7 @@ class QMenu;
 
 namespace nv {
 
-/// The pop-up menu of the table's rows, and what a double click on some cells does.
+/// The pop-up menu of the table's rows, and what Enter and a double click on some cells do.
 class RowMenuPart final : public QObject {
     Q_OBJECT
 
@@ -20,6 +20,7 @@ class RowMenuPart final : public QObject {
     void addOfHost(QMenu &menu);
     void addViewers(QMenu &menu);
     void openCell(UrlColumn column);
+    void enterPage();
     void showPane(const char *name) const;
     UrlTable &table() const { return *m_bench.table->table(); }
     std::size_t row() const;

@@ -3,8 +3,10 @@
 #include "app/messages/ReportMessages.h"
 #include "base/DisplayText.h"
 #include "platform/qt/QtText.h"
+#include "platform/qt/WithinScreen.h"
 #include "reports/report/ReportFolder.h"
 #include "ui/reports/CaseReportBox.h"
+#include "ui/widgets/FormScroll.h"
 
 #include <QBoxLayout>
 #include <QCheckBox>
@@ -31,6 +33,7 @@ namespace nv {
 namespace {
 
 constexpr QSize kPreview(160, 60);
+constexpr int kWidth = 780; ///< pixels, in which the words of each type have two lines
 constexpr std::array kWidths = {0, 300, 400, 500, 600, 800}; ///< pixels; 0 for any
 
 template <class Widget>
@@ -60,24 +63,28 @@ ReportForm::ReportForm(const ReportWriter &report, Rows rows, Examiner &examiner
     : QDialog(parent), m_rows(std::move(rows)), m_examiner(examiner) {
     setObjectName(QStringLiteral("ReportForm"));
     setWindowTitle(tr("Create Report"));
-    auto *column = new QVBoxLayout(this);
-    auto *form = new QFormLayout;
+    auto *page = new QWidget;
+    auto *form = new QFormLayout(page);
     form->setFieldGrowthPolicy(QFormLayout::AllNonFixedFieldsGrow);
     addWhat(*form);
     addTexts(*form);
     addPictures(*form);
     addContents(*form);
-    column->addLayout(form);
-    column->addStretch(1);
+    auto *column = new QVBoxLayout(this);
+    column->setContentsMargins(0, 0, 0, 0);
+    auto *scroll = new FormScroll(*page, kWidth);
+    scroll->setObjectName(QStringLiteral("reportScroll"));
+    column->addWidget(scroll, 1);
     column->addWidget(newButtons());
-    resize(640, sizeHint().height());
     show(report);
     if (m_named && !m_rows.chosenTags.empty())
         m_named->setChecked(true);
+    resizeWithinScreen(*this, sizeHint());
 }
 
 QWidget *ReportForm::newButtons() {
     auto *buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel);
+    buttons->setContentsMargins(9, 0, 9, 9);
     buttons->button(QDialogButtonBox::Ok)->setText(tr("Okay"));
     auto *publish = buttons->addButton(tr("Create and Publis&h..."), QDialogButtonBox::ActionRole);
     publish->setObjectName(QStringLiteral("btnCreateAndPublish"));

@@ -10,7 +10,7 @@
 
 #include <algorithm>
 #include <cmath>
-#include <numeric>
+#include <utility>
 
 namespace nv {
 
@@ -27,24 +27,43 @@ double fontScale(const QWidget &widget) {
 
 /// In average characters.
 struct Bounds {
-    int least = 0; ///< 0: the column doesn't give way
+    int least = 0; ///< 0: the column doesn't give way while others can
     int most = 0;
-    int turn = 0; ///< in which it gives way: an address tells more than the host that it holds
+    int scarce = 0; ///< what can be told from others by so much, where there is no room for more
 };
-constexpr int kTurns = 2;
 
 Bounds boundsOf(UrlColumn column) {
     switch (column) {
     case UrlColumn::Value:
     case UrlColumn::RawValue:
-        return {24, 90, 1};
+        return {24, 90, 16};
     case UrlColumn::WebpageTitle:
-        return {20, 46};
+        return {20, 46, 10};
     case UrlColumn::Host:
-        return {22, 34};
+        return {22, 34, 10};
     default:
-        return {0, 60};
+        return {0, 60, 8};
     }
+}
+
+bool isAddress(UrlColumn column) {
+    return column == UrlColumn::Value || column == UrlColumn::RawValue;
+}
+
+/// A date or a number that is cut is another one.
+bool isText(UrlColumn column) {
+    const CellRule rule = factsOf(column).rule;
+    return rule == CellRule::Text || rule == CellRule::Type;
+}
+
+/// Of cells: most are no wider than that.
+int usualOf(std::vector<int> widths) {
+    constexpr std::ptrdiff_t kOfTen = 8;
+    if (widths.empty())
+        return 0;
+    const auto usual = widths.begin() + (std::ssize(widths) - 1) * kOfTen / 10;
+    std::ranges::nth_element(widths, usual);
+    return *usual;
 }
 
 /// The first screen, and some rows from each quarter of the list.
@@ -96,6 +115,13 @@ int mostOf(UrlColumn column, const QTableView &grid) {
     return boundsOf(column).most * grid.fontMetrics().averageCharWidth();
 }
 
+std::vector<int> cellWidths(const UrlModel &model, UrlColumn column, const QTableView &grid) {
+    std::vector<int> widths;
+    for (const int row : rowsToMeasure(model.rowCount()))
+        widths.push_back(cellWidth(grid, model.index(row, UrlModel::sectionOf(column))));
+    return widths;
+}
+
 /// All of its cells are as wide as each other.
 bool hasOneWidth(UrlColumn column) {
     return column == UrlColumn::Tag || column == UrlColumn::Icon;
@@ -117,15 +143,18 @@ int ColumnFit::wanted(const UrlModel &model, UrlColumn column, const QTableView 
     if (hasOneWidth(column))
         return model.rowCount() > 0 ? std::max(width, drawnWidth(grid, model.index(0, section)))
                                     : width;
-    for (const int row : rowsToMeasure(model.rowCount()))
-        width = std::max(width, cellWidth(grid, model.index(row, section)));
+    for (const int each : cellWidths(model, column, grid))
+        width = std::max(width, each);
     return std::min(width, mostOf(column, grid));
 }
 
 void ColumnFit::measure(const UrlModel &model, const TableLayout &layout, const QTableView &grid) {
-    for (const UrlColumn column : layout.shownColumns())
+    for (const UrlColumn column : layout.shownColumns()) {
         if (layout.isFitted(column))
             m_wanted.at(indexOf(column)) = wanted(model, column, grid);
+        if (layout.isFitted(column) && boundsOf(column).least > 0)
+            m_usual.at(indexOf(column)) = usualOf(cellWidths(model, column, grid));
+    }
     m_measured = true;
 }
 
@@ -164,32 +193,54 @@ bool ColumnFit::yields(const TableLayout &layout, UrlColumn column) const {
     return layout.isFitted(column) && m_measured;
 }
 
-int ColumnFit::spare(const TableLayout &layout, UrlColumn column, const QTableView &grid) const {
-    const int least = boundsOf(column).least * grid.fontMetrics().averageCharWidth();
-    return yields(layout, column) && least > 0 ? std::max(0, m_wanted.at(indexOf(column)) - least)
-                                               : 0;
+std::optional<int> ColumnFit::kept(const TableLayout &layout, UrlColumn column, Turn turn,
+                                   const QTableView &grid) const {
+    if (!yields(layout, column) || !isText(column))
+        return std::nullopt;
+    const Bounds bounds = boundsOf(column);
+    const int letter = grid.fontMetrics().averageCharWidth();
+    const int least = bounds.least * letter;
+    const int usual = std::max(least, m_usual.at(indexOf(column)));
+    switch (turn) {
+    case Turn::longAddresses:
+        return isAddress(column) ? std::optional(usual) : std::nullopt;
+    case Turn::longTitles:
+        return column == UrlColumn::WebpageTitle ? std::optional(usual) : std::nullopt;
+    case Turn::titlesAndHosts:
+        return least > 0 && !isAddress(column) ? std::optional(least) : std::nullopt;
+    case Turn::addresses:
+        return isAddress(column) ? std::optional(least) : std::nullopt;
+    case Turn::allTexts:
+        return bounds.scarce * letter;
+    }
+    return std::nullopt;
 }
 
-bool ColumnFit::cutTo(int room, std::span<const UrlColumn> columns, const TableLayout &layout,
-                      const QTableView &grid, Widths &widths) const {
+bool ColumnFit::cutTo(int room, std::span<const UrlColumn> columns, Turn last,
+                      const TableLayout &layout, const QTableView &grid, Widths &widths) const {
+    Widths cut = widths;
     int excess = -room;
-    std::array<int, kTurns> yielding{}; // pixels that columns could do without
-    for (const UrlColumn column : columns) {
-        excess += widths.at(indexOf(column));
-        yielding.at(std::size_t(boundsOf(column).turn)) += spare(layout, column, grid);
-    }
-    if (excess > std::accumulate(yielding.begin(), yielding.end(), 0))
-        return false;
-    for (int turn = 0; turn < kTurns && excess > 0; ++turn) {
-        const int all = yielding.at(std::size_t(turn));
-        if (all == 0)
-            continue;
-        const double share = std::min(1.0, double(excess) / all);
+    for (const UrlColumn column : columns)
+        excess += cut.at(indexOf(column));
+    for (const Turn turn : {Turn::longAddresses, Turn::longTitles, Turn::titlesAndHosts,
+                            Turn::addresses, Turn::allTexts}) {
+        if (excess <= 0 || turn > last)
+            break;
+        std::vector<std::pair<UrlColumn, int>> spares; // pixels that a column can do without
+        int all = 0;
         for (const UrlColumn column : columns)
-            if (boundsOf(column).turn == turn)
-                widths.at(indexOf(column)) -= int(std::ceil(spare(layout, column, grid) * share));
+            if (const auto width = kept(layout, column, turn, grid)) {
+                spares.emplace_back(column, std::max(0, cut.at(indexOf(column)) - *width));
+                all += spares.back().second;
+            }
+        const double share = all == 0 ? 0 : std::min(1.0, double(excess) / all);
+        for (const auto &[column, spare] : spares)
+            cut.at(indexOf(column)) -= int(std::ceil(spare * share));
         excess -= all;
     }
+    if (excess > 0)
+        return false;
+    widths = cut;
     return true;
 }
 
@@ -198,21 +249,25 @@ bool ColumnFit::cutTo(int room, std::span<const UrlColumn> columns, const TableL
 ColumnFit::Widths ColumnFit::widths(const TableLayout &layout, const QTableView &grid,
                                     int room) const {
     Widths widths{};
-    int total = 0;
     const std::vector<UrlColumn> shown = layout.shownColumns();
-    for (const UrlColumn column : shown) {
+    for (const UrlColumn column : shown)
         widths.at(indexOf(column)) = yields(layout, column)
                                          ? m_wanted.at(indexOf(column))
                                          : pixels(layout.widthTwips(column), grid);
-        total += widths.at(indexOf(column));
-    }
     const auto address = std::ranges::find(shown, UrlColumn::Value);
     const bool hasAddress = address != shown.end();
     const bool hasHostBefore = std::find(shown.begin(), address, UrlColumn::Host) != address;
-    if (total > room && !cutTo(room, shown, layout, grid, widths) && hasAddress && hasHostBefore)
-        static_cast<void>(cutTo(room, {shown.begin(), address + 1}, layout, grid, widths));
-    if (total < room && hasAddress && yields(layout, UrlColumn::Value))
-        widths.at(indexOf(UrlColumn::Value)) += room - total;
+    const auto cut = [&](std::span<const UrlColumn> columns, Turn last) {
+        return cutTo(room, columns, last, layout, grid, widths);
+    };
+    if (!cut(shown, Turn::addresses) && hasAddress && hasHostBefore &&
+        !cut({shown.begin(), address + 1}, Turn::addresses))
+        static_cast<void>(cut({shown.begin(), address + 1}, Turn::allTexts));
+    int rest = room;
+    for (const UrlColumn column : shown)
+        rest -= widths.at(indexOf(column));
+    if (rest > 0 && hasAddress && yields(layout, UrlColumn::Value))
+        widths.at(indexOf(UrlColumn::Value)) += rest;
     return widths;
 }
 

@@ -3,7 +3,9 @@
 #include "views/table/TableLayout.h"
 
 #include <array>
+#include <optional>
 #include <span>
+#include <vector>
 
 class QTableView;
 
@@ -12,8 +14,8 @@ namespace nv {
 class UrlModel;
 
 /// How wide columns have to be for what they hold: measured on rows from all over the list, shared
-/// out over the room that there is. Addresses, titles and hosts give way when it is scarce, and
-/// addresses get what is left.
+/// out over the room that there is. Where it is scarce, long addresses and titles give way first,
+/// then titles and hosts, then all addresses, and at last other texts; addresses get what is left.
 class ColumnFit {
   public:
     /// Looks at a few screens of rows.
@@ -33,16 +35,22 @@ class ColumnFit {
     static int twips(int pixels, const QTableView &grid);
 
   private:
+    /// What gives way, one after the other.
+    enum class Turn { longAddresses, longTitles, titlesAndHosts, addresses, allTexts };
+
     bool yields(const TableLayout &layout, UrlColumn column) const;
-    int spare(const TableLayout &layout, UrlColumn column, const QTableView &grid) const;
-    /// Makes the columns as much narrower as they have to be; false, and nothing is changed, where
-    /// they don't fit even then.
-    bool cutTo(int room, std::span<const UrlColumn> columns, const TableLayout &layout,
+    /// The width that a column keeps in a turn; nothing where it doesn't give way in it.
+    std::optional<int> kept(const TableLayout &layout, UrlColumn column, Turn turn,
+                            const QTableView &grid) const;
+    /// Makes the columns as much narrower as they have to be, with no turn after `last`; false, and
+    /// nothing is changed, where they don't fit even then.
+    bool cutTo(int room, std::span<const UrlColumn> columns, Turn last, const TableLayout &layout,
                const QTableView &grid, Widths &widths) const;
     int wanted(const UrlModel &model, UrlColumn column, const QTableView &grid) const;
 
     bool m_measured = false;
-    std::array<int, kTableColumnCount> m_wanted{};
+    Widths m_wanted{};
+    Widths m_usual{}; ///< of columns that give way: what most of their cells want
 };
 
 } // namespace nv

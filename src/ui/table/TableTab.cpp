@@ -4,19 +4,17 @@
 #include "base/Trap.h"
 #include "db/sql/ReadOnlyConnection.h"
 #include "platform/qt/QtText.h"
-#include "ui/table/ColumnsForm.h"
 #include "ui/table/EmptyPage.h"
 #include "ui/table/GridText.h"
 #include "ui/table/LayoutBar.h"
 #include "ui/table/QueryBox.h"
 #include "ui/widgets/FindBar.h"
 
+#include <QApplication>
 #include <QBoxLayout>
 #include <QClipboard>
-#include <QGuiApplication>
 #include <QLabel>
 #include <QLineEdit>
-#include <QMenu>
 #include <QStackedWidget>
 
 #include <algorithm>
@@ -98,6 +96,10 @@ void TableTab::connectParts() {
     connect(m_grid, &UrlGrid::tagFlipRequested, this, &TableTab::flipTags);
     connect(m_grid, &UrlGrid::headerMenuRequested, this, &TableTab::showHeaderMenu);
     connect(m_grid, &UrlGrid::currentUrlChanged, this, &TableTab::currentUrlChanged);
+    connect(qApp, &QApplication::focusChanged, this, [this](QWidget *, const QWidget *now) {
+        if (now == m_grid)
+            m_standIn.reset(); // who goes to the rows takes the one that stands there
+    });
     connect(m_empty, &EmptyPage::showAllRequested, this, &TableTab::showAllRequested);
     connect(m_empty, &EmptyPage::filtersRequested, this, &TableTab::filtersRequested);
     connect(m_find, &FindBar::nextRequested, this, &TableTab::findNext);
@@ -147,6 +149,7 @@ void TableTab::closeProject() {
     m_table.reset();
     m_project = nullptr;
     m_log = nullptr;
+    m_own.reset();
     m_ticks = {};
     m_empty->showState(EmptyState::NotLoaded);
     m_pages->setCurrentWidget(m_empty);
@@ -210,10 +213,19 @@ void TableTab::loadURLs() {
     emit rowsLoaded();
 }
 
+/// Half a word finds other rows than the whole, and one of them becomes the current one for a
+/// moment: the examiner's own is gone back to.
+std::optional<UrlGrid::Spot> TableTab::ownSpot(Narrowed which) const {
+    const auto current = m_grid->currentSpot();
+    const bool isStandIn = !current || current->id == m_standIn;
+    return isStandIn && m_own && which != Narrowed::last ? m_own : current;
+}
+
 void TableTab::narrow(Narrowed which) {
     if (!m_table)
         return;
     const auto current = m_grid->currentSpot();
+    const auto own = ownSpot(which);
     LoadResult result = LoadResult::Failed;
     const auto work = [&](TaskMonitor &task) { result = m_table->narrow(task); };
     Unwatched nobody;
@@ -223,7 +235,9 @@ void TableTab::narrow(Narrowed which) {
         work(nobody);
     if (result == LoadResult::Failed)
         return m_examiner.tell(loadFailure(m_table->failure()));
-    showRows(current);
+    showRows(own);
+    m_own = which == Narrowed::last ? std::nullopt : own;
+    m_standIn = own && m_grid->currentUrl() == own->id ? std::nullopt : m_grid->currentUrl();
     if (which == Narrowed::interim)
         return emit statusChanged();
     countTagged();
@@ -258,6 +272,7 @@ LoadResult TableTab::reload(const std::function<LoadResult(TaskMonitor &)> &work
     m_runTask({}, [&](TaskMonitor &task) { result = work(task); });
     m_sort = m_table->sort;
     showRows(current);
+    m_own.reset();
     m_ticks.forget();
     countTagged();
     emit currentUrlChanged();
@@ -323,14 +338,14 @@ void TableTab::flipTags() {
 
 void TableTab::copyCell() {
     if (m_table)
-        QGuiApplication::clipboard()->setText(GridText(*m_grid, *m_table).currentCell());
+        QApplication::clipboard()->setText(GridText(*m_grid, *m_table).currentCell());
 }
 
 void TableTab::copyRows() {
     m_runTask({"COPYING URLS", "", "", ""}, [this](TaskMonitor &task) {
         const auto text = m_table ? GridText(*m_grid, *m_table).selectedRows(task) : QString();
         if (text)
-            QGuiApplication::clipboard()->setText(*text);
+            QApplication::clipboard()->setText(*text);
     });
 }
 
@@ -363,34 +378,6 @@ void TableTab::findNext() {
     m_find->showResult(failure ? toQt(*failure) : findText(result));
     if (!failure && result.end == FindEnd::found)
         m_grid->setCurrentIndex(m_grid->cellOf(result));
-}
-
-void TableTab::showColumnsForm() {
-    ColumnsForm form(m_grid->tableLayout(), m_layouts->book().defaults(), window());
-    if (form.exec() == QDialog::Accepted)
-        m_grid->setTableLayout(form.tableLayout());
-}
-
-void TableTab::showHeaderMenu(UrlColumn column, const QPoint &place) {
-    QMenu menu(this);
-    menu.setObjectName(QStringLiteral("headerMenu"));
-    QAction *ascending = menu.addAction(
-        tr("Sort &Ascending"), this, [=, this] { sortByColumn(column, SortDirection::Ascending); });
-    QAction *descending = menu.addAction(tr("Sort &Descending"), this, [=, this] {
-        sortByColumn(column, SortDirection::Descending);
-    });
-    QAction *asQueried = menu.addAction(tr("In the &Query's Order"), this, &TableTab::forgetSort);
-    asQueried->setObjectName(QStringLiteral("actForgetSort"));
-    ascending->setEnabled(m_table && isSortable(column));
-    descending->setEnabled(ascending->isEnabled());
-    asQueried->setEnabled(m_sort.has_value());
-    menu.addSeparator();
-    menu.addAction(tr("&Fit to What It Holds"), this, [=, this] { m_grid->fitColumn(column); });
-    menu.addAction(tr("&Hide \"%1\"").arg(columnTitle(column)), this,
-                   [=, this] { m_grid->hideColumn(column); });
-    menu.addAction(tr("&Columns..."), this, &TableTab::showColumnsForm);
-    emit headerMenuComesUp(menu, column);
-    menu.exec(place);
 }
 
 } // namespace nv

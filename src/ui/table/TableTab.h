@@ -123,6 +123,7 @@ class TableTab final : public QWidget {
     /// Runs a load or a sort and shows what came of it, with the same record as the current one.
     LoadResult reload(const std::function<LoadResult(TaskMonitor &)> &work);
     void showRows(const std::optional<UrlGrid::Spot> &current);
+    std::optional<UrlGrid::Spot> ownSpot(Narrowed which) const;
     void showHeaderMenu(UrlColumn column, const QPoint &place);
     void takeLayout();
     void forgetSort();
@@ -145,7 +146,9 @@ class TableTab final : public QWidget {
     EmptyPage *m_empty = nullptr;
     FindBar *m_find = nullptr;
     LayoutBar *m_layouts = nullptr;
-    std::optional<ColumnSort> m_sort; ///< the examiner's, whatever query is shown
+    std::optional<ColumnSort> m_sort;   ///< the examiner's, whatever query is shown
+    std::optional<UrlGrid::Spot> m_own; ///< the row from before letters that are being typed
+    std::optional<UrlId> m_standIn;     ///< the current one that nobody has chosen
     QueryBox *m_queries = nullptr;
     QLineEdit *m_host = nullptr;
     QString m_knownHost; ///< as it was set or told last

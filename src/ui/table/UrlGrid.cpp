@@ -328,6 +328,9 @@ void UrlGrid::clickCell(const QModelIndex &cell) {
 void UrlGrid::keyPressEvent(QKeyEvent *event) {
     if (event->key() == Qt::Key_Space && event->modifiers() == Qt::NoModifier)
         emit tagFlipRequested();
+    else if ((event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) &&
+             (event->modifiers() & ~Qt::KeypadModifier) == 0 && currentIndex().isValid())
+        emit pageWanted();
     else if (const int digit = event->key() - Qt::Key_0;
              digit >= 1 && digit <= 9 && (event->modifiers() & ~Qt::KeypadModifier) == 0)
         emit tagKeyPressed(digit);

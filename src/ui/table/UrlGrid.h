@@ -61,6 +61,8 @@ class UrlGrid final : public PinnedGrid {
     void currentUrlChanged();
     /// A click or the space key asks for another tick.
     void tagFlipRequested();
+    /// Enter was pressed on a row.
+    void pageWanted();
     /// A digit from 1 on was pressed.
     void tagKeyPressed(int digit);
     void headerMenuRequested(nv::UrlColumn column, const QPoint &globalPlace);

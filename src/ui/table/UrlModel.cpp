@@ -93,6 +93,15 @@ QString UrlModel::tipText(std::size_t place, UrlColumn column) const {
                    : text;
 }
 
+/// What a screen reader says of what is drawn.
+QString UrlModel::spokenText(std::size_t place, UrlColumn column) const {
+    if (column == UrlColumn::Tag)
+        return m_table->isTagged(place) ? tr("Ticked") : tr("Not ticked");
+    if (column == UrlColumn::Icon)
+        return toQt(familyName(iconFamily(m_table->iconKey(place)))).replace(u'-', u' ');
+    return cellText(place, column);
+}
+
 bool UrlModel::isRebuilt(std::size_t place, UrlColumn column) const {
     return column == UrlColumn::Rebuilt && m_table->cell(place, column) == "Yes";
 }
@@ -106,6 +115,8 @@ QVariant UrlModel::data(const QModelIndex &index, int role) const {
     case Qt::DisplayRole:
         return column == UrlColumn::Tag || column == UrlColumn::Icon ? QString()
                                                                      : cellText(place, column);
+    case Qt::AccessibleTextRole:
+        return spokenText(place, column);
     case Qt::ToolTipRole:
         // Tooltips guess whether they are rich text: evidence is escaped, so that it never is.
         return Qt::convertFromPlainText(tipText(place, column));
@@ -128,6 +139,13 @@ QVariant UrlModel::data(const QModelIndex &index, int role) const {
     }
 }
 
+/// Clicks and keys set the tick by the grid, which knows the other chosen rows: nothing is stored
+/// through the model.
+Qt::ItemFlags UrlModel::flags(const QModelIndex &index) const {
+    const Qt::ItemFlags flags = QAbstractTableModel::flags(index);
+    return columnOf(index.column()) == UrlColumn::Tag ? flags | Qt::ItemIsUserCheckable : flags;
+}
+
 QVariant UrlModel::headerData(int section, Qt::Orientation orientation, int role) const {
     if (orientation != Qt::Horizontal)
         return {};
@@ -139,6 +157,8 @@ QVariant UrlModel::headerData(int section, Qt::Orientation orientation, int role
             headerData(section, orientation, Qt::DisplayRole).toString().simplified());
     if (role == Qt::DecorationRole && column == UrlColumn::Tag)
         return icon("tag");
+    if (role == Qt::AccessibleTextRole && column == UrlColumn::Tag)
+        return tr("Tick");
     if (role == Qt::TextAlignmentRole)
         return QVariant::fromValue(Qt::AlignVCenter | Qt::AlignLeft);
     return {};

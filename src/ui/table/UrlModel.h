@@ -32,6 +32,7 @@ class UrlModel final : public QAbstractTableModel {
     int columnCount(const QModelIndex &parent = {}) const override;
     QVariant data(const QModelIndex &index, int role) const override;
     QVariant headerData(int section, Qt::Orientation orientation, int role) const override;
+    Qt::ItemFlags flags(const QModelIndex &index) const override;
 
     static UrlColumn columnOf(int section) { return static_cast<UrlColumn>(section); }
     static int sectionOf(UrlColumn column) { return static_cast<int>(column); }
@@ -41,6 +42,7 @@ class UrlModel final : public QAbstractTableModel {
     bool isRebuilt(std::size_t place, UrlColumn column) const;
     QString tagTip(std::size_t place) const;
     QString tipText(std::size_t place, UrlColumn column) const;
+    QString spokenText(std::size_t place, UrlColumn column) const;
 
     UrlTable *m_table = nullptr;
     int m_rows = 0;

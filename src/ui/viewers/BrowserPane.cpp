@@ -98,6 +98,7 @@ void BrowserPane::startEngine() {
     m_profile = std::make_unique<GuardedProfile>();
     m_view = new QWebEngineView;
     m_view->setObjectName(QStringLiteral("browserView"));
+    m_view->setAccessibleName(tr("Page"));
     // Its menu saves pages and opens windows.
     m_view->setContextMenuPolicy(Qt::NoContextMenu);
     auto *page = new ViewedPage(*m_profile, m_view);

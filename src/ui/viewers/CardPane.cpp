@@ -11,7 +11,9 @@
 #include <QEvent>
 #include <QPlainTextEdit>
 #include <QScrollArea>
+#include <QScrollBar>
 #include <QSplitter>
+#include <QStackedWidget>
 #include <QTextBlock>
 #include <QTextCursor>
 #include <QTextEdit>
@@ -30,7 +32,6 @@ constexpr int kLabelLetters = 24;          ///< room for the labels
 constexpr int kLeastLines = 17;            ///< of words, list and text: of fewer none can be read
 constexpr int kMostWordLines = 40;         ///< that are shown without a scroll bar of their own
 constexpr int kListLines = 12;             ///< of list and text below them
-constexpr int kWordsBesideAnswer = 4;      ///< lines
 
 /// Texts of evidence are inserted as they are: nothing in them is markup, and nothing a link.
 class CardWriter {
@@ -102,12 +103,21 @@ CardPane::CardPane(Load load, PropertiesPane &properties, QWidget *parent)
     m_text->setWordWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
     m_text->setFrameShape(QFrame::NoFrame);
     m_text->setPlaceholderText(tr("Choose a row to see its card."));
-    m_text->setMinimumHeight(2 * fontMetrics().height());
     m_text->installEventFilter(this);
+    m_answer = new QPlainTextEdit;
+    m_answer->setObjectName(QStringLiteral("txtWhy"));
+    m_answer->setAccessibleName(tr("Why the value is as it is"));
+    m_answer->setReadOnly(true);
+    m_answer->setTabChangesFocus(true);
+    m_answer->setFrameShape(QFrame::NoFrame);
+    m_words = new QStackedWidget;
+    m_words->setMinimumHeight(2 * fontMetrics().height());
+    m_words->addWidget(m_text);
+    m_words->addWidget(m_answer);
     m_halves = new QSplitter(Qt::Vertical);
     m_halves->setObjectName(QStringLiteral("cardSplitter"));
     m_halves->setChildrenCollapsible(false);
-    m_halves->addWidget(m_text);
+    m_halves->addWidget(m_words);
     m_halves->addWidget(&properties);
     m_halves->setStretchFactor(0, 3);
     m_halves->setStretchFactor(1, 2);
@@ -125,8 +135,7 @@ CardPane::CardPane(Load load, PropertiesPane &properties, QWidget *parent)
     column->setContentsMargins(0, 0, 0, 0);
     column->setSpacing(0);
     column->addWidget(m_scroll, 1);
-    connect(&properties, &PropertiesPane::answered, this, &CardPane::makeRoom);
-    connect(m_halves, &QSplitter::splitterMoved, this, [this] { m_sizesBefore.clear(); });
+    connect(&properties, &PropertiesPane::answered, this, &CardPane::showAnswer);
     connect(qApp, &QApplication::focusChanged, this,
             [this](QWidget *, QWidget *now) { follow(now); });
 }
@@ -151,8 +160,8 @@ void CardPane::fitWords() {
     const int line = fontMetrics().lineSpacing();
     const int least = 2 * fontMetrics().height();
     const int whole = static_cast<int>(std::ceil(m_text->document()->size().height())) + 2;
-    m_text->setMinimumHeight(isLow ? std::clamp(whole, least, kMostWordLines * line) : least);
-    m_halves->setMinimumHeight(isLow ? m_text->minimumHeight() + kListLines * line
+    m_words->setMinimumHeight(isLow ? std::clamp(whole, least, kMostWordLines * line) : least);
+    m_halves->setMinimumHeight(isLow ? m_words->minimumHeight() + kListLines * line
                                      : kLeastLines * line);
 }
 
@@ -167,21 +176,12 @@ void CardPane::follow(QWidget *focus) {
         m_scroll->ensureWidgetVisible(focus, 0, 0);
 }
 
-/// The words step back for an answer, which has many lines, until another value is chosen.
-void CardPane::makeRoom(bool isAnswered) {
-    if (!isAnswered) {
-        if (!m_sizesBefore.isEmpty())
-            m_halves->setSizes(std::exchange(m_sizesBefore, {}));
-        return;
-    }
-    const QList<int> sizes = m_halves->sizes();
-    const int all = sizes.value(0) + sizes.value(1);
-    const int kept = kWordsBesideAnswer * fontMetrics().lineSpacing();
-    if (sizes.value(0) > kept && m_sizesBefore.isEmpty()) {
-        m_sizesBefore = sizes;
-        m_halves->setSizes({kept, all - kept});
-    }
-    m_scroll->ensureWidgetVisible(&m_properties.wholeText(), 0, 0);
+/// The list below keeps its place, and with it the value that was asked about.
+void CardPane::showAnswer(const QString &why) {
+    m_answer->setPlainText(why);
+    m_words->setCurrentWidget(why.isEmpty() ? static_cast<QWidget *>(m_text) : m_answer);
+    if (!why.isEmpty())
+        m_scroll->verticalScrollBar()->setValue(0); // of a low card, whose words are above
 }
 
 void CardPane::showRecord(UrlId id) {

@@ -3,15 +3,16 @@
 #include "ui/viewers/RecordPane.h"
 #include "views/record/RecordCard.h"
 
-#include <QList>
 #include <QWidget>
 
 #include <functional>
 #include <memory>
 #include <optional>
 
+class QPlainTextEdit;
 class QScrollArea;
 class QSplitter;
+class QStackedWidget;
 class QTextEdit;
 
 namespace nv {
@@ -19,8 +20,9 @@ namespace nv {
 class HitFinder;
 class PropertiesPane;
 
-/// The card of a record: what is asked first, in words; below it all values. Where there is little
-/// height it scrolls as one, below the line with the buttons.
+/// The card of a record: what is asked first, in words; below it all values. Why a value is as it
+/// is stands in place of the words, so that nothing moves. Where there is little height the card
+/// scrolls as one, below the line with the buttons.
 class CardPane final : public QWidget, public RecordPane {
     Q_OBJECT
 
@@ -44,15 +46,16 @@ class CardPane final : public QWidget, public RecordPane {
     void mark();
     void arrange();
     void fitWords();
-    void makeRoom(bool isAnswered);
+    void showAnswer(const QString &why);
     void follow(QWidget *focus);
 
     Load m_load;
     PropertiesPane &m_properties;
     QTextEdit *m_text = nullptr;
+    QPlainTextEdit *m_answer = nullptr;
+    QStackedWidget *m_words = nullptr; ///< the text, or the answer
     QScrollArea *m_scroll = nullptr;
     QSplitter *m_halves = nullptr; ///< the words and the list
-    QList<int> m_sizesBefore;      ///< of them, before an answer was given room
     UrlId m_id = UrlId::none;
     std::optional<RecordCard> m_card;
     std::shared_ptr<HitFinder> m_finder;

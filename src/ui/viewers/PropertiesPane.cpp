@@ -63,20 +63,19 @@ PropertiesPane::PropertiesPane(std::function<std::vector<Property>(UrlId)> load,
     setObjectName(QStringLiteral("PropertiesPane"));
     m_bar = newBar(); // first: the keys go through it before they go through the list
     m_list = newList();
-    m_splitter = new QSplitter(Qt::Vertical);
-    m_splitter->setObjectName(QStringLiteral("propertiesSplitter"));
-    m_splitter->addWidget(m_list);
     m_whole = newWholeText();
-    m_splitter->addWidget(m_whole);
-    m_splitter->setStretchFactor(0, 4);
-    m_splitter->setStretchFactor(1, 1);
-    m_splitter->setSizes({400, 60});
-    connect(m_splitter, &QSplitter::splitterMoved, this, [this] { m_sizesBefore.clear(); });
+    auto *splitter = new QSplitter(Qt::Vertical);
+    splitter->setObjectName(QStringLiteral("propertiesSplitter"));
+    splitter->addWidget(m_list);
+    splitter->addWidget(m_whole);
+    splitter->setStretchFactor(0, 4);
+    splitter->setStretchFactor(1, 1);
+    splitter->setSizes({400, 60});
     auto *column = new QVBoxLayout(this);
     column->setContentsMargins(0, 0, 0, 0);
     column->setSpacing(0);
     column->addWidget(m_bar);
-    column->addWidget(m_splitter, 1);
+    column->addWidget(splitter, 1);
     connect(m_list, &QTreeWidget::currentItemChanged, this, &PropertiesPane::showChosen);
 }
 
@@ -85,7 +84,9 @@ void PropertiesPane::addQuestions(QHBoxLayout &row) {
     m_why->setObjectName(QStringLiteral("btnWhy"));
     m_why->setAccessibleName(tr("Why has the property this value?"));
     m_why->setToolTip(tr("Where the value comes from: file, place, the number as it lies, the rule "
-                         "that made it. The evidence is read again"));
+                         "that made it. The evidence is read again. The answer stands in place of "
+                         "the card, until the button is pressed again or another value is chosen"));
+    m_why->setCheckable(true);
     m_bytes = new QPushButton(tr("&Bytes"));
     m_bytes->setObjectName(QStringLiteral("btnBytes"));
     m_bytes->setAccessibleName(tr("Show the bytes of the value"));
@@ -93,7 +94,7 @@ void PropertiesPane::addQuestions(QHBoxLayout &row) {
         button->setEnabled(false);
         row.addWidget(button);
     }
-    connect(m_why, &QPushButton::clicked, this, [this] { emit whyWanted(m_chosen); });
+    connect(m_why, &QPushButton::clicked, this, &PropertiesPane::askWhy);
     connect(m_bytes, &QPushButton::clicked, this, [this] { emit bytesWanted(m_chosen); });
 }
 
@@ -109,10 +110,26 @@ void PropertiesPane::showWhy(const QString &why) {
     const auto place = chosenPlace();
     if (!place || *place >= m_shown.size())
         return;
-    m_answer = Answer{m_chosen, listedValue(*place), why};
-    showChosen();
-    m_whole->moveCursor(QTextCursor::Start);
-    makeRoom();
+    constexpr std::size_t kMostValue = 200; // characters; all of it stands below
+    m_answer = Answer{m_chosen, listedValue(*place)};
+    m_why->setChecked(true);
+    const QString value = shownSigns(toQt(displayText(m_answer->value, kMostValue)));
+    emit answered(QStringLiteral("%1: %2\n%3").arg(m_chosen, value, why));
+}
+
+void PropertiesPane::askWhy() {
+    const bool isAsked = !m_answer;
+    dropAnswer();
+    m_why->setChecked(false); // until the answer is there
+    if (isAsked)
+        emit whyWanted(m_chosen);
+}
+
+void PropertiesPane::dropAnswer() {
+    if (!std::exchange(m_answer, std::nullopt))
+        return;
+    m_why->setChecked(false);
+    emit answered({});
 }
 
 void PropertiesPane::checkBytes() {
@@ -125,24 +142,6 @@ void PropertiesPane::checkBytes() {
                             : tr("No bytes to show: %1").arg(none);
     m_bytes->setToolTip(tip);
     m_bytes->setAccessibleDescription(tip);
-}
-
-/// An answer has ten lines: until another value is chosen it has most of the pane.
-void PropertiesPane::makeRoom() {
-    emit answered(true);
-    const QList<int> sizes = m_splitter->sizes();
-    const int all = sizes.value(0) + sizes.value(1);
-    const int wanted = all * 7 / 10;
-    if (sizes.value(1) >= wanted)
-        return;
-    m_sizesBefore = sizes;
-    m_splitter->setSizes({all - wanted, wanted});
-}
-
-void PropertiesPane::giveRoomBack() {
-    if (!m_sizesBefore.isEmpty())
-        m_splitter->setSizes(std::exchange(m_sizesBefore, {}));
-    emit answered(false);
 }
 
 QWidget *PropertiesPane::newBar() {
@@ -176,7 +175,7 @@ void PropertiesPane::showRecord(UrlId id) {
     if (isSame && properties == m_properties)
         return checkBytes();
     if (!isSame)
-        m_answer.reset();
+        dropAnswer();
     m_properties = std::move(properties);
     const int top = m_list->verticalScrollBar()->value();
     fill();
@@ -236,7 +235,7 @@ void PropertiesPane::markListed(const std::vector<std::size_t> &hits) {
 
 void PropertiesPane::clear() {
     m_id = UrlId::none;
-    m_answer.reset();
+    dropAnswer();
     m_properties.clear();
     fill();
 }
@@ -250,14 +249,10 @@ void PropertiesPane::showChosen() {
         m_chosen = item->text(0);
     const bool isAnswered =
         isChosen && m_answer && m_answer->name == m_chosen && m_answer->value == listedValue(place);
-    if (!isAnswered && (m_answer || !m_sizesBefore.isEmpty())) {
-        m_answer.reset();
-        giveRoomBack();
-    }
+    if (!isAnswered)
+        dropAnswer();
     checkBytes();
-    QString text = isChosen ? shownLines(listedValue(place)) : QString();
-    if (isAnswered)
-        text += QStringLiteral("\n\n") + m_answer->why;
+    const QString text = isChosen ? shownLines(listedValue(place)) : QString();
     if (text != m_whole->toPlainText()) // what is read stays where it is
         m_whole->setPlainText(text);
 }

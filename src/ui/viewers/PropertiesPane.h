@@ -3,7 +3,6 @@
 #include "ui/viewers/RecordPane.h"
 #include "views/record/Properties.h"
 
-#include <QList>
 #include <QWidget>
 
 #include <functional>
@@ -15,7 +14,6 @@ class QLabel;
 class QLineEdit;
 class QPlainTextEdit;
 class QPushButton;
-class QSplitter;
 class QTreeWidget;
 
 namespace nv {
@@ -39,7 +37,7 @@ class PropertiesPane final : public QWidget, public RecordPane {
     void showRecord(UrlId id) override;
     void clear() override;
     bool showsMarks() const override { return true; }
-    /// Below the chosen property's text: where it comes from.
+    /// Where the chosen property's value comes from: it is told by answered().
     void showWhy(const QString &why);
     /// Asks anew whether the chosen property has bytes.
     void checkBytes();
@@ -67,19 +65,18 @@ class PropertiesPane final : public QWidget, public RecordPane {
     void whyWanted(const QString &field);
     /// Its bytes are wanted.
     void bytesWanted(const QString &field);
-    /// An answer stands below the value, or is gone: it takes room.
-    void answered(bool isThere);
+    /// Why the chosen value is as it is; an empty text: that isn't asked any more.
+    void answered(const QString &why);
 
   private:
-    /// The last answer, and what it is about.
+    /// What the last answer is about.
     struct Answer {
         QString name;
         std::string value;
-        QString why;
     };
 
-    void makeRoom();
-    void giveRoomBack();
+    void askWhy();
+    void dropAnswer();
     QWidget *newBar();
     void addQuestions(QHBoxLayout &row);
     void fill();
@@ -91,8 +88,6 @@ class PropertiesPane final : public QWidget, public RecordPane {
     QWidget *m_bar = nullptr;
     QTreeWidget *m_list = nullptr;
     QPlainTextEdit *m_whole = nullptr;
-    QSplitter *m_splitter = nullptr;
-    QList<int> m_sizesBefore; ///< of the splitter, before room was made for an answer
     QPushButton *m_why = nullptr;
     QPushButton *m_bytes = nullptr;
     QLineEdit *m_filter = nullptr;

@@ -127,9 +127,12 @@ std::vector<TimeChart::Gap> gapsIn(const TimedEvents &events, const TimeBars &ba
         return (slot + (up ? bars.step - 1 : 0)) / bars.step;
     };
     for (const DayGap &gap : gapsOf(events, bars.spanOf(0, bars.count), 1)) {
-        const std::int64_t first = barOf(startOf(gap.first, TimeUnit::day), true);
-        const std::int64_t end = barOf(startOf(gap.last + 1, TimeUnit::day), false);
-        if (first < end && end <= static_cast<std::int64_t>(bars.count))
+        // Bars of hours may begin and end within the days of a gap.
+        const std::int64_t first =
+            std::max<std::int64_t>(0, barOf(startOf(gap.first, TimeUnit::day), true));
+        const std::int64_t end = std::min(barOf(startOf(gap.last + 1, TimeUnit::day), false),
+                                          static_cast<std::int64_t>(bars.count));
+        if (first < end)
             gaps.push_back({static_cast<std::size_t>(first), static_cast<std::size_t>(end - 1)});
     }
     return gaps;

@@ -1,6 +1,7 @@
 #include "platform/posix/ChartFile.h"
 #include "time/ExactZone.h"
 #include "unit/views/MadeProject.h"
+#include "views/timeline/MidOfEvents.h"
 #include "views/timeline/TimelineChart.h"
 
 #include <gmock/gmock.h>
@@ -221,6 +222,24 @@ TEST_F(TimelineTest, marksDaysWithoutEvents) {
     EXPECT_EQ(chartOf(loaded, hours, 10).gaps[0], (TimeChart::Gap{35, 58}));
     const TimeBars pairs = barsOf(loaded, TimeUnit::day, wholeSpan(loaded), 4);
     EXPECT_THAT(chartOf(loaded, pairs, 10).gaps, ElementsAre(TimeChart::Gap{2, 2}));
+    const TimeSpan withinGap{startOf(first + 4, TimeUnit::day) + 6 * 3600,
+                             startOf(first + 6, TimeUnit::day) + 11 * 3600};
+    for (const std::size_t most : {1000U, 20U}) { // of an hour, and of three
+        const TimeBars empty = barsOf(loaded, TimeUnit::hour, withinGap, most);
+        EXPECT_THAT(chartOf(loaded, empty, 10).gaps,
+                    ElementsAre(TimeChart::Gap{0, empty.count - 1}));
+    }
+}
+
+TEST_F(TimelineTest, theMidOfASpanIsWhereItsEventsAre) {
+    add({2011, 3, 1, 12, 0, 0});
+    for (int event = 0; event < 5; ++event)
+        add({2011, 3, 30, 20, 0, event});
+    const TimedEvents loaded = events();
+    const TimeSpan march{startOf(slotOf(loaded.seconds[0], TimeUnit::month), TimeUnit::month),
+                         startOf(slotOf(loaded.seconds[0], TimeUnit::month) + 1, TimeUnit::month)};
+    EXPECT_EQ(slotText(slotOf(midOf(loaded, march), TimeUnit::day), TimeUnit::day), "2011-03-30");
+    EXPECT_EQ(midOf(loaded, {100, 200}), 150);
 }
 
 TEST_F(TimelineTest, barsAreNoMoreThanThereIsRoomFor) {
