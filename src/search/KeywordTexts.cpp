@@ -3,6 +3,7 @@
 #include "search/ExpressionOptions.h"
 
 #include <algorithm>
+#include <limits>
 #include <map>
 #include <re2/set.h>
 #include <utility>
@@ -94,20 +95,23 @@ TextSpan KeywordTexts::originOf(std::size_t at, std::size_t end) const {
     return {from, m_folded.origin(end) - from};
 }
 
-std::uint32_t KeywordTexts::count(std::uint32_t term, const TextSpan &where) {
+bool KeywordTexts::count(std::uint32_t term, const TextSpan &where, std::uint32_t most) {
     std::uint32_t &place = m_placeOf[term];
     if (place == 0) {
         m_found.push_back({term, 0, where});
         place = static_cast<std::uint32_t>(m_found.size());
     }
-    return ++m_found[place - 1].hits;
+    std::uint32_t &hits = m_found[place - 1].hits;
+    const bool fits = hits < most;
+    hits += fits ? 1 : 0;
+    return fits;
 }
 
 /// `at` and `end` are bytes of the folded text.
 void KeywordTexts::note(std::uint32_t term, std::size_t at, std::size_t end) {
     if (!m_isWholeWord[term] ||
         (!isWithinWord(m_folded.text(), at) && !isWithinWord(m_folded.text(), end)))
-        count(term, originOf(at, end));
+        count(term, originOf(at, end), std::numeric_limits<std::uint32_t>::max());
 }
 
 void KeywordTexts::addExpressions(std::string_view text, const TextSpan &value) {
@@ -119,7 +123,7 @@ void KeywordTexts::addExpressions(std::string_view text, const TextSpan &value) 
         const std::uint32_t term = m_expressions.term(number);
         for (auto span = expression.firstIn(piece); span;
              span = expression.firstIn(piece, span->at + span->length))
-            if (count(term, {value.at + span->at, span->length}) >= kMostOfExpression)
+            if (!count(term, {value.at + span->at, span->length}, kMostOfExpression))
                 break;
     }
 }

@@ -67,8 +67,8 @@ class KeywordTexts {
     struct FoldedTerms;
     KeywordTexts(const KeywordList &list, FoldedTerms &&plain);
     void addExpressions(std::string_view text, const TextSpan &value);
-    /// How often the term was found with this place.
-    std::uint32_t count(std::uint32_t term, const TextSpan &where);
+    /// False when it was found so often before.
+    bool count(std::uint32_t term, const TextSpan &where, std::uint32_t most);
     void note(std::uint32_t term, std::size_t at, std::size_t end);
     TextSpan originOf(std::size_t at, std::size_t end) const;
 

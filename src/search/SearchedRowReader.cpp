@@ -50,22 +50,30 @@ void assignText(std::string &into, const SQLite::Column &column) {
     into.assign(bytes, static_cast<std::size_t>(column.getBytes()));
 }
 
-/// The terms of a row, a line each.
+/// The terms of a row, a line each, and none that its address or another one has.
 class Terms {
   public:
-    explicit Terms(SearchedRow &row) : m_text(row.at(SearchField::terms)), m_spans(row.termSpans) {
+    explicit Terms(SearchedRow &row)
+        : m_address(row.at(SearchField::address)), m_text(row.at(SearchField::terms)),
+          m_spans(row.termSpans) {
         m_text.clear();
         m_spans.clear();
     }
     void add(std::string_view term) {
+        if (has(m_address, term) || has(m_text, term))
+            return;
         if (!m_text.empty())
             m_text.push_back('\n');
         m_spans.push_back({m_text.size(), term.size()});
         m_text.append(term);
     }
-    bool has(std::string_view text) const { return m_text.find(text) != std::string::npos; }
 
   private:
+    static bool has(const std::string &text, std::string_view part) {
+        return text.find(part) != std::string::npos;
+    }
+
+    const std::string &m_address;
     std::string &m_text;
     std::vector<TextSpan> &m_spans;
 };
@@ -85,15 +93,10 @@ std::string parametersIn(const std::string &address) {
     return at == std::string::npos ? std::string() : address.substr(at + 1);
 }
 
-/// Names and values of an address with its escapes, a line each that doesn't stand in it without.
-void addParameters(Terms &terms, std::string_view parameters, const std::string &address) {
-    while (!parameters.empty()) {
-        const std::string_view piece = takeParameter(parameters);
-        if (piece.find_first_of("+%") == std::string_view::npos)
-            continue;
-        if (const std::string text = parameterText(piece); address.find(text) == std::string::npos)
-            terms.add(text);
-    }
+/// Names and values of an address with its escapes.
+void addParameters(Terms &terms, std::string_view parameters) {
+    while (!parameters.empty())
+        addDecoded(terms, takeParameter(parameters), "+%");
 }
 
 /// What the artefact says beside the address: schemes, partitions, users. `raw` is the part of it
@@ -109,16 +112,8 @@ void addBesideAddress(Terms &terms, std::string_view stored, std::optional<std::
 /// Facts keep addresses with their escapes.
 void addDecodedFacts(Terms &terms, const SearchedRow &row) {
     const std::string_view facts = row.at(SearchField::facts);
-    for (const TextSpan &span : row.factSpans) {
-        const std::string_view fact = facts.substr(span.at, span.length);
-        if (fact.find('%') == std::string_view::npos)
-            continue;
-        const std::string decoded = percentDecode(fact);
-        const bool isKnown = decoded == fact || terms.has(decoded) ||
-                             row.at(SearchField::address).find(decoded) != std::string::npos;
-        if (!isKnown)
-            terms.add(decoded);
-    }
+    for (const TextSpan &span : row.factSpans)
+        addDecoded(terms, facts.substr(span.at, span.length), "%");
 }
 
 /// What the address, or the value of a cookie or a form, and the address before it say to people,
@@ -132,14 +127,14 @@ void addTerms(SearchedRow &row, const std::string &parameters, std::string_view 
         terms.add(*host);
     addDecoded(terms, address, "%");
     const bool isOfAddress = address.find(parameters) != std::string::npos;
-    if (!isOfAddress && stored.find(parameters) == std::string_view::npos)
+    if (stored.find(parameters) == std::string_view::npos)
         terms.add(parameters);
     const auto raw = rawAddressOf(address, stored);
     addBesideAddress(terms, stored, raw);
     const auto parts = raw ? roughAddress(*raw) : std::nullopt;
     if (parts) {
-        addParameters(terms, parts->query, address);
-        addParameters(terms, parts->fragment, address);
+        addParameters(terms, parts->query);
+        addParameters(terms, parts->fragment);
     }
     if (!parts || !isOfAddress)
         addDecoded(terms, parameters.empty() ? parametersIn(address) : parameters, "+%");
