@@ -1,5 +1,6 @@
 #include "search/FoldedText.h"
 
+#include "base/Text.h"
 #include "markup/Utf8.h"
 
 #include <unicode/normalizer2.h>
@@ -37,6 +38,26 @@ bool isAccent(UChar32 character) {
     return character >= kFirst && character <= kLast;
 }
 
+constexpr UChar32 kDottedCapital = 0x130;
+constexpr UChar32 kDotlessSmall = 0x131;
+constexpr UChar32 kDotAbove = 0x307;
+
+/// Turkish has an "i" with its dot and one without, each in both cases: all four are one letter
+/// here, since whoever looks for a name doesn't know by which rules it was written.
+UChar32 foldedLetter(UChar32 character) {
+    const bool isTurkish = character == kDottedCapital || character == kDotlessSmall;
+    return isTurkish ? UChar32{'i'} : u_foldCase(character, U_FOLD_CASE_DEFAULT);
+}
+
+/// Whether those letters, or a dot of its own as lower case makes it of the capital one, may stand
+/// in a text: the index folds all others as this program does.
+bool hasTurkishLetters(std::string_view text) {
+    for (const std::string_view each : {"\u0130", "\u0131", "\u0307"})
+        if (text.find(each) != std::string_view::npos)
+            return true;
+    return false;
+}
+
 UChar32 plainLetter(UChar32 character) {
     UErrorCode error = U_ZERO_ERROR;
     const icu::Normalizer2 *form = icu::Normalizer2::getNFDInstance(error);
@@ -57,11 +78,11 @@ UChar32 asCompared(UChar32 character) {
         std::vector<UChar32> letters;
         letters.reserve(kTold);
         for (UChar32 each = 0; each < kTold; ++each)
-            letters.push_back(u_foldCase(plainLetter(each), U_FOLD_CASE_DEFAULT));
+            letters.push_back(foldedLetter(plainLetter(each)));
         return letters;
     }();
     return character < kTold ? told[static_cast<std::size_t>(character)]
-                             : u_foldCase(plainLetter(character), U_FOLD_CASE_DEFAULT);
+                             : foldedLetter(plainLetter(character));
 }
 
 void appendOfWord(std::string &word, UChar32 character) {
@@ -115,7 +136,10 @@ void FoldedText::foldLetters(std::string_view text) {
     m_origin.reserve(text.size() + 1);
     for (std::size_t at = 0; at < text.size();) {
         const std::size_t from = at;
-        append(m_text, u_foldCase(characterAt(text, at), U_FOLD_CASE_DEFAULT));
+        const UChar32 character = characterAt(text, at);
+        if (character == kDotAbove && m_text.ends_with('i'))
+            continue;
+        append(m_text, foldedLetter(character));
         m_origin.resize(m_text.size(), static_cast<std::uint32_t>(from));
     }
     m_origin.push_back(static_cast<std::uint32_t>(text.size()));
@@ -127,24 +151,48 @@ std::string foldedCase(std::string_view text) {
     return folded.text();
 }
 
-std::vector<std::string> codedForms(std::string_view text) {
-    std::vector<std::string> forms{foldedCase(text)};
+namespace {
+
+void addForms(std::vector<std::string> &forms, std::string_view text) {
+    const auto add = [&forms](std::string form) {
+        if (std::ranges::find(forms, form) == forms.end())
+            forms.push_back(std::move(form));
+    };
+    add(foldedCase(text));
     if (isAscii(text))
-        return forms;
+        return;
     UErrorCode error = U_ZERO_ERROR;
     for (const icu::Normalizer2 *form :
          {icu::Normalizer2::getNFCInstance(error), icu::Normalizer2::getNFDInstance(error)}) {
         if (U_FAILURE(error))
-            return forms;
+            return;
         const auto coded =
             icu::UnicodeString::fromUTF8({text.data(), static_cast<int>(text.size())});
         std::string other;
         form->normalize(coded, error).toUTF8String(other);
-        other = foldedCase(other);
-        if (U_SUCCESS(error) && std::ranges::find(forms, other) == forms.end())
-            forms.push_back(std::move(other));
+        if (U_SUCCESS(error))
+            add(foldedCase(other));
     }
+}
+
+} // namespace
+
+std::vector<std::string> codedForms(std::string_view text) {
+    std::vector<std::string> forms;
+    addForms(forms, text);
+    if (text.find('%') == std::string_view::npos)
+        return forms;
+    // Signs alone ("%2F") would stand in every address.
+    if (const std::string decoded = percentDecode(text); decoded != text && hasLetters(decoded))
+        addForms(forms, decoded);
     return forms;
+}
+
+const std::string &partText(const std::string &text, std::string &buffer) {
+    if (!hasTurkishLetters(text))
+        return text;
+    buffer = foldedCase(text);
+    return buffer;
 }
 
 bool isWordCharacter(std::int32_t character) {

@@ -28,8 +28,9 @@ class FoldedText {
 };
 
 std::string foldedCase(std::string_view text);
-/// The same of each way in which letters with marks can be coded, "é" as one or as two: as the text
-/// has it, composed, taken apart; each once. Names of files of some systems are taken apart.
+/// The same of each way in which a text can be coded, each once: letters with marks as the text has
+/// them, composed, taken apart, as names of files of some systems are; and all of these of what the
+/// text says when its escapes ("%C3%BC") are undone, where it says a letter or a digit then.
 std::vector<std::string> codedForms(std::string_view text);
 
 /// A letter, a digit or what else words are made of, but none of a script without spaces.
@@ -61,6 +62,9 @@ bool hasLetters(std::string_view text);
 /// Whether it can't be looked for by words: it has letters of a script that writes them without
 /// spaces or with endings, such as Chinese, Thai, Korean, or it has none at all.
 bool isWithoutWords(std::string_view text);
+/// The text as its parts are indexed: the text itself, or it lies in `buffer`, all letters in one
+/// case, where it has such as the index doesn't fold as this does.
+const std::string &partText(const std::string &text, std::string &buffer);
 /// The text as its words are indexed: in one case, without accents, and with blanks for letters of
 /// those scripts. It is the text itself where that makes no difference to the index, or lies in
 /// `buffer`.

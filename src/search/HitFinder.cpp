@@ -63,8 +63,13 @@ std::vector<std::string> HitFinder::formsOf(const SearchedRow &row) {
     for (const SearchClause &clause : m_match.query().clauses)
         if (clause.kind == ClauseKind::text && !clause.isExcluded)
             forms.add(clause.text);
-    for (const std::string &text : row.texts)
-        forms.addMarked(text, marksIn(text));
+    for (std::size_t at = 0; at < kSearchFields; ++at) {
+        const auto field = static_cast<SearchField>(at);
+        for (const TextSpan &value : row.valuesOf(field)) {
+            const std::string_view text(row.at(field).data() + value.at, value.length);
+            forms.addMarked(text, marksIn(text));
+        }
+    }
     return forms.take();
 }
 

@@ -23,7 +23,7 @@ constexpr std::uint64_t kFormAt = 60;
 constexpr std::uint64_t kIdAt = 68;
 constexpr std::uint32_t kApplicationId = 0x4E565331; // "NVS1"
 /// Another number makes each index anew: count it up when what is indexed changes.
-constexpr std::uint32_t kForm = 2;
+constexpr std::uint32_t kForm = 3;
 /// Texts that are gathered before they are written as a piece of the index.
 constexpr int kHashBytes = 64 << 20;
 /// So many pieces lie side by side before they are made one, which takes a third of the making; a

@@ -142,7 +142,7 @@ void IndexFill::insert(const SearchedRow &row, std::uint64_t print) {
     const std::int64_t doc = docOf(row.id, m_round);
     joinValues(row, m_joined);
     m_brief.bind(1, doc);
-    bindText(m_brief, 2, m_joined);
+    bindText(m_brief, 2, partText(m_joined, m_folded));
     m_brief.exec();
     m_brief.reset();
     const std::string &page = row.at(SearchField::page);
@@ -176,8 +176,8 @@ void IndexFill::insertParts(const SearchedRow &row, std::int32_t round) {
     if (!m_parts || (page.empty() && headers.empty()))
         return;
     m_parts->bind(1, docOf(row.id, round));
-    bindText(*m_parts, 2, page);
-    bindText(*m_parts, 3, headers);
+    bindText(*m_parts, 2, partText(page, m_pageWords));
+    bindText(*m_parts, 3, partText(headers, m_headerWords));
     m_parts->exec();
     m_parts->reset();
 }

@@ -59,7 +59,8 @@ class IndexFill {
     std::int32_t m_lastKnown = std::numeric_limits<std::int32_t>::min(); ///< of those read so far
     bool m_knowsAll = false;
     std::string m_joined;
-    std::string m_pageWords; ///< room for wordText()
+    std::string m_folded;    ///< room for partText()
+    std::string m_pageWords; ///< room for wordText(), and for partText() then
     std::string m_headerWords;
     SQLite::Statement m_knownRows;
     SQLite::Statement m_brief;

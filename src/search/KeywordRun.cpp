@@ -13,12 +13,17 @@ namespace {
 class RowCounts {
   public:
     explicit RowCounts(KeywordFound &found, std::size_t terms, std::size_t mostHits)
-        : m_found(found), m_last(terms, 0), m_mostHits(mostHits) {
+        : m_found(found), m_last(terms, 0), m_inAddress(terms, 0), m_mostHits(mostHits) {
         found.rows.assign(terms, 0);
         found.times.assign(terms, 0);
     }
 
+    /// What stands in the address stands in the raw one again, and is no second hit.
     void add(std::int32_t row, SearchField field, const TermInText &term) {
+        if (field == SearchField::address)
+            m_inAddress[term.term] = row;
+        if (field == SearchField::rawAddress && m_inAddress[term.term] == row)
+            return;
         if (m_last[term.term] != row) {
             m_last[term.term] = row;
             ++m_found.rows[term.term];
@@ -32,7 +37,8 @@ class RowCounts {
 
   private:
     KeywordFound &m_found;
-    std::vector<std::int32_t> m_last; ///< the row of each term that was counted last
+    std::vector<std::int32_t> m_last;      ///< the row of each term that was counted last
+    std::vector<std::int32_t> m_inAddress; ///< the same of those in its address
     std::size_t m_mostHits;
 };
 
@@ -45,12 +51,16 @@ KeywordFound findKeywords(SQLite::Database &project, KeywordTexts &terms, TaskMo
     SearchedRowReader reader(project);
     while (!found.isCancelled && reader.next()) {
         ++found.rowsLooked;
+        const SearchedRow &row = reader.row();
         bool isFound = false;
-        for (std::size_t field = 0; field < kSearchFields; ++field)
-            for (const TermInText &term : terms.in(reader.row().texts.at(field))) {
-                counts.add(reader.row().id, static_cast<SearchField>(field), term);
+        for (std::size_t at = 0; at < kSearchFields; ++at) {
+            const auto field = static_cast<SearchField>(at);
+            const std::vector<TextSpan> values = row.valuesOf(field);
+            for (const TermInText &term : terms.in(row.at(field), values)) {
+                counts.add(row.id, field, term);
                 isFound = true;
             }
+        }
         found.rowsFound += isFound ? 1 : 0;
         found.isCancelled = !task.advance(reader.fraction());
     }

@@ -3,6 +3,7 @@
 #include "search/ExpressionOptions.h"
 
 #include <algorithm>
+#include <limits>
 #include <map>
 #include <re2/set.h>
 #include <utility>
@@ -94,36 +95,41 @@ TextSpan KeywordTexts::originOf(std::size_t at, std::size_t end) const {
     return {from, m_folded.origin(end) - from};
 }
 
-/// `at` and `end` are bytes of the folded text.
-void KeywordTexts::note(std::uint32_t term, std::size_t at, std::size_t end) {
-    if (m_isWholeWord[term] &&
-        (isWithinWord(m_folded.text(), at) || isWithinWord(m_folded.text(), end)))
-        return;
+bool KeywordTexts::count(std::uint32_t term, const TextSpan &where, std::uint32_t most) {
     std::uint32_t &place = m_placeOf[term];
     if (place == 0) {
-        m_found.push_back({term, 0, originOf(at, end)});
+        m_found.push_back({term, 0, where});
         place = static_cast<std::uint32_t>(m_found.size());
     }
-    ++m_found[place - 1].hits;
+    std::uint32_t &hits = m_found[place - 1].hits;
+    const bool fits = hits < most;
+    hits += fits ? 1 : 0;
+    return fits;
 }
 
-void KeywordTexts::addExpressions(std::string_view text) {
-    m_expressions.matching(text, m_places);
+/// `at` and `end` are bytes of the folded text.
+void KeywordTexts::note(std::uint32_t term, std::size_t at, std::size_t end) {
+    if (!m_isWholeWord[term] ||
+        (!isWithinWord(m_folded.text(), at) && !isWithinWord(m_folded.text(), end)))
+        count(term, originOf(at, end), std::numeric_limits<std::uint32_t>::max());
+}
+
+void KeywordTexts::addExpressions(std::string_view text, const TextSpan &value) {
+    const std::string_view piece = text.substr(value.at, value.length);
+    m_expressions.matching(piece, m_places);
     for (const int place : m_places) {
         const auto number = static_cast<std::size_t>(place);
         const Expression &expression = m_expressions.expression(number);
-        TermInText found{m_expressions.term(number), 0, {}};
-        for (auto span = expression.firstIn(text); span && found.hits < kMostOfExpression;
-             span = expression.firstIn(text, span->at + span->length)) {
-            if (found.hits++ == 0)
-                found.first = *span;
-        }
-        if (found.hits > 0)
-            m_found.push_back(found);
+        const std::uint32_t term = m_expressions.term(number);
+        for (auto span = expression.firstIn(piece); span;
+             span = expression.firstIn(piece, span->at + span->length))
+            if (!count(term, {value.at + span->at, span->length}, kMostOfExpression))
+                break;
     }
 }
 
-const std::vector<TermInText> &KeywordTexts::in(std::string_view text) {
+const std::vector<TermInText> &KeywordTexts::in(std::string_view text,
+                                                std::span<const TextSpan> values) {
     m_found.clear();
     if (!m_terms.empty()) {
         m_folded.fold(text);
@@ -131,11 +137,12 @@ const std::vector<TermInText> &KeywordTexts::in(std::string_view text) {
             for (const std::uint32_t term : m_terms[plain])
                 note(term, end - m_lengths[plain], end);
         });
-        for (const TermInText &found : m_found)
-            m_placeOf[found.term] = 0;
     }
     if (!m_expressions.empty())
-        addExpressions(text);
+        for (const TextSpan &value : values)
+            addExpressions(text, value);
+    for (const TermInText &found : m_found)
+        m_placeOf[found.term] = 0;
     return m_found;
 }
 

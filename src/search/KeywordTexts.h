@@ -9,6 +9,7 @@
 #include <cstdint>
 #include <memory>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -58,13 +59,16 @@ class KeywordTexts {
     /// The terms of the list.
     std::size_t count() const { return m_isWholeWord.size(); }
 
-    /// Those that are in the text, in no order. Good until the next call.
-    const std::vector<TermInText> &in(std::string_view text);
+    /// Those that are in the text, in no order. Good until the next call. Expressions are looked
+    /// for in each of its values.
+    const std::vector<TermInText> &in(std::string_view text, std::span<const TextSpan> values);
 
   private:
     struct FoldedTerms;
     KeywordTexts(const KeywordList &list, FoldedTerms &&plain);
-    void addExpressions(std::string_view text);
+    void addExpressions(std::string_view text, const TextSpan &value);
+    /// False when it was found so often before.
+    bool count(std::uint32_t term, const TextSpan &where, std::uint32_t most);
     void note(std::uint32_t term, std::size_t at, std::size_t end);
     TextSpan originOf(std::size_t at, std::size_t end) const;
 

@@ -75,12 +75,11 @@ void walkWords(const std::vector<std::string> &words, bool anyEnd, std::string_v
 } // namespace
 
 std::optional<TextSpan> findWords(const std::vector<std::string> &words, bool anyEnd,
-                                  std::string_view text, std::size_t from) {
+                                  std::string_view text) {
     std::optional<TextSpan> found;
     walkWords(words, anyEnd, text, [&](const TextSpan &span) {
-        if (span.at >= from)
-            found = span;
-        return !found;
+        found = span;
+        return false;
     });
     return found;
 }
@@ -91,6 +90,19 @@ RowMatch::RowMatch(SearchQuery query, SearchScope scope)
     for (const SearchClause &clause : m_query.clauses)
         m_sought.push_back({codedForms(clause.text), wordsOf(clause.text)});
 }
+
+namespace {
+
+/// "^" and "$" hold for each of the values.
+std::optional<TextSpan> findExpression(const Expression &expression, std::string_view text,
+                                       const std::vector<TextSpan> &values) {
+    for (const TextSpan &value : values)
+        if (const auto found = expression.firstIn(text.substr(value.at, value.length)))
+            return TextSpan{value.at + found->at, found->length};
+    return std::nullopt;
+}
+
+} // namespace
 
 std::optional<TextSpan> RowMatch::findPart(const Sought &sought, std::string_view text) {
     m_folded.fold(text);
@@ -107,20 +119,18 @@ std::optional<TextSpan> RowMatch::findPart(const Sought &sought, std::string_vie
     return TextSpan{from, m_folded.origin(end) - from};
 }
 
-std::optional<TextSpan> RowMatch::find(std::size_t clause, SearchField field, std::string_view text,
-                                       std::size_t from) {
+std::optional<TextSpan> RowMatch::find(std::size_t clause, SearchField field,
+                                       const SearchedRow &row) {
     const SearchClause &asked = m_query.clauses.at(clause);
     const Sought &sought = m_sought.at(clause);
-    if (text.size() <= from)
+    const std::string &text = row.at(field);
+    if (text.empty())
         return std::nullopt;
     if (asked.expression)
-        return asked.expression->firstIn(text, from);
+        return findExpression(*asked.expression, text, row.valuesOf(field));
     if (static_cast<std::size_t>(field) >= kWholeValues && !asked.anyPart)
-        return findWords(sought.words, asked.anyEnd, text, from);
-    auto found = findPart(sought, text.substr(from));
-    if (found)
-        found->at += from;
-    return found;
+        return findWords(sought.words, asked.anyEnd, text);
+    return findPart(sought, text);
 }
 
 bool RowMatch::meetsClause(std::size_t clause, const SearchedRow &row) {
@@ -145,7 +155,7 @@ bool RowMatch::meetsClause(std::size_t clause, const SearchedRow &row) {
     }
     const std::size_t fields = m_scope == SearchScope::all ? kSearchFields : kWholeValues;
     for (std::size_t at = 0; at < fields; ++at)
-        if (find(clause, static_cast<SearchField>(at), row.texts.at(at), 0))
+        if (find(clause, static_cast<SearchField>(at), row))
             return true;
     return false;
 }
@@ -167,7 +177,7 @@ std::optional<FieldMark> RowMatch::firstMark(const SearchedRow &row) {
     for (std::size_t clause = 0; clause < m_query.clauses.size(); ++clause)
         for (std::size_t at = 0; at < fields && isMarked(clause); ++at) {
             const auto field = static_cast<SearchField>(at);
-            if (const auto span = find(clause, field, row.texts.at(at), 0))
+            if (const auto span = find(clause, field, row))
                 return FieldMark{field, *span};
         }
     return std::nullopt;

@@ -54,8 +54,7 @@ class RowMatch {
         std::vector<std::string> words; ///< none for one that has only signs
     };
 
-    std::optional<TextSpan> find(std::size_t clause, SearchField field, std::string_view text,
-                                 std::size_t from);
+    std::optional<TextSpan> find(std::size_t clause, SearchField field, const SearchedRow &row);
     std::optional<TextSpan> findPart(const Sought &sought, std::string_view text);
     bool isMarked(std::size_t clause) const;
     void gather(std::size_t clause, std::string_view text, std::size_t most,
@@ -68,10 +67,10 @@ class RowMatch {
     FoldedText m_folded;
 };
 
-/// The first place from the left, beginning at byte `from` or later, at which these words follow
-/// each other; of the last one its beginning is enough with `anyEnd`.
+/// The first place from the left at which these words follow each other; of the last one its
+/// beginning is enough with `anyEnd`.
 std::optional<TextSpan> findWords(const std::vector<std::string> &words, bool anyEnd,
-                                  std::string_view text, std::size_t from = 0);
+                                  std::string_view text);
 
 /// What before: and after: mean: a second earlier than the one asked for, or that one and later.
 /// Without a date a row is neither.

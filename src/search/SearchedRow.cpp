@@ -8,7 +8,8 @@ namespace nv {
 namespace {
 
 constexpr std::array<std::string_view, kSearchFields> kFieldWords = {
-    "Address", "Title", "Host", "User", "Notes", "Referrer", "Terms", "Facts", "Page", "Headers"};
+    "Address",  "Raw address", "Title", "Host", "User",   "Notes",
+    "Referrer", "Terms",       "Facts", "Page", "Headers"};
 
 /// Takes eight bytes at a time: pages are long, and each of a project's is read at an update.
 class Print {
@@ -45,11 +46,23 @@ std::string_view fieldWord(SearchField field) {
     return kFieldWords.at(static_cast<std::size_t>(field));
 }
 
+std::vector<TextSpan> SearchedRow::valuesOf(SearchField field) const {
+    if (field == SearchField::terms)
+        return termSpans;
+    if (field == SearchField::facts)
+        return factSpans;
+    return {{0, at(field).size()}};
+}
+
 void joinValues(const SearchedRow &row, std::string &into) {
     into.clear();
-    for (std::size_t field = 0; field < kWholeValues; ++field)
-        if (const std::string &text = row.texts.at(field); !text.empty())
+    const bool isTwice =
+        row.at(SearchField::rawAddress).find(row.at(SearchField::address)) != std::string::npos;
+    for (std::size_t field = 0; field < kWholeValues; ++field) {
+        const bool isLeftOut = isTwice && static_cast<SearchField>(field) == SearchField::address;
+        if (const std::string &text = row.texts.at(field); !text.empty() && !isLeftOut)
             into.append(text).push_back('\n');
+    }
 }
 
 std::uint64_t printOf(const SearchedRow &row) {

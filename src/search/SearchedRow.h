@@ -1,5 +1,6 @@
 #pragma once
 
+#include "search/Expression.h"
 #include "time/Date.h"
 
 #include <array>
@@ -7,6 +8,7 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace nv {
 
@@ -14,6 +16,7 @@ namespace nv {
 /// part of a word is found in them; pages and headers are looked through by words.
 enum class SearchField : std::uint8_t {
     address,
+    rawAddress, ///< as the artefact has it; empty where it is the address
     title,
     host,
     user,
@@ -24,7 +27,7 @@ enum class SearchField : std::uint8_t {
     page,
     headers,
 };
-inline constexpr std::size_t kSearchFields = 10;
+inline constexpr std::size_t kSearchFields = 11;
 inline constexpr std::size_t kWholeValues = static_cast<std::size_t>(SearchField::page);
 
 /// "Address", "Title", ...
@@ -34,6 +37,9 @@ std::string_view fieldWord(SearchField field);
 struct SearchedRow {
     std::int32_t id = 0;
     std::array<std::string, kSearchFields> texts; ///< by SearchField
+    /// Where the values lie in the text of a field that holds several.
+    std::vector<TextSpan> termSpans;
+    std::vector<TextSpan> factSpans;
     std::string browser;
     std::string cacheType;
     Date actionDateUTC;
@@ -42,9 +48,12 @@ struct SearchedRow {
     const std::string &at(SearchField field) const {
         return texts.at(static_cast<std::size_t>(field));
     }
+    /// The values of a field: what "^" and "$" of an expression hold for.
+    std::vector<TextSpan> valuesOf(SearchField field) const;
 };
 
-/// All values of a row, a line each.
+/// All values of a row, a line each. The address is left out where the raw one holds it: whatever
+/// is found in it is found there.
 void joinValues(const SearchedRow &row, std::string &into);
 
 /// What all of it comes to: rows that differ have another one, but for one in 2 to the 64.

@@ -50,19 +50,41 @@ void assignText(std::string &into, const SQLite::Column &column) {
     into.assign(bytes, static_cast<std::size_t>(column.getBytes()));
 }
 
-void addLine(std::string &lines, std::string_view line) {
-    if (!lines.empty())
-        lines.push_back('\n');
-    lines.append(line);
-}
+/// The terms of a row, a line each, and none that its address or another one has.
+class Terms {
+  public:
+    explicit Terms(SearchedRow &row)
+        : m_address(row.at(SearchField::address)), m_text(row.at(SearchField::terms)),
+          m_spans(row.termSpans) {
+        m_text.clear();
+        m_spans.clear();
+    }
+    void add(std::string_view term) {
+        if (has(m_address, term) || has(m_text, term))
+            return;
+        if (!m_text.empty())
+            m_text.push_back('\n');
+        m_spans.push_back({m_text.size(), term.size()});
+        m_text.append(term);
+    }
 
-void addDecoded(std::string &terms, const std::string &text, std::string_view coded) {
-    if (text.find_first_of(coded) == std::string::npos)
+  private:
+    static bool has(const std::string &text, std::string_view part) {
+        return text.find(part) != std::string::npos;
+    }
+
+    const std::string &m_address;
+    std::string &m_text;
+    std::vector<TextSpan> &m_spans;
+};
+
+void addDecoded(Terms &terms, std::string_view text, std::string_view coded) {
+    if (text.find_first_of(coded) == std::string_view::npos)
         return;
     const bool isForm = coded.find('+') != std::string_view::npos;
     if (const std::string decoded = isForm ? parameterText(text) : percentDecode(text);
         decoded != text)
-        addLine(terms, decoded);
+        terms.add(decoded);
 }
 
 /// What forms and scripts put into an address, where "+" stands for a blank.
@@ -71,15 +93,27 @@ std::string parametersIn(const std::string &address) {
     return at == std::string::npos ? std::string() : address.substr(at + 1);
 }
 
-/// Names and values of an address with its escapes, a line each that doesn't stand in it without.
-void addParameters(std::string &terms, std::string_view parameters, const std::string &address) {
-    while (!parameters.empty()) {
-        const std::string_view piece = takeParameter(parameters);
-        if (piece.find_first_of("+%") == std::string_view::npos)
-            continue;
-        if (const std::string text = parameterText(piece); address.find(text) == std::string::npos)
-            addLine(terms, text);
-    }
+/// Names and values of an address with its escapes.
+void addParameters(Terms &terms, std::string_view parameters) {
+    while (!parameters.empty())
+        addDecoded(terms, takeParameter(parameters), "+%");
+}
+
+/// What the artefact says beside the address: schemes, partitions, users. `raw` is the part of it
+/// that gives the address, which says nothing more without its escapes.
+void addBesideAddress(Terms &terms, std::string_view stored, std::optional<std::string_view> raw) {
+    if (!raw)
+        return addDecoded(terms, stored, "%");
+    const auto at = static_cast<std::size_t>(raw->data() - stored.data());
+    addDecoded(terms, stored.substr(0, at), "%");
+    addDecoded(terms, stored.substr(at + raw->size()), "%");
+}
+
+/// Facts keep addresses with their escapes.
+void addDecodedFacts(Terms &terms, const SearchedRow &row) {
+    const std::string_view facts = row.at(SearchField::facts);
+    for (const TextSpan &span : row.factSpans)
+        addDecoded(terms, facts.substr(span.at, span.length), "%");
 }
 
 /// What the address, or the value of a cookie or a form, and the address before it say to people,
@@ -88,24 +122,25 @@ void addParameters(std::string &terms, std::string_view parameters, const std::s
 void addTerms(SearchedRow &row, const std::string &parameters, std::string_view stored) {
     const std::string &address = row.at(SearchField::address);
     const std::string &referrer = row.at(SearchField::referrer);
-    std::string &terms = row.at(SearchField::terms);
-    terms.clear();
+    Terms terms(row);
     if (const auto host = readableDomain(row.at(SearchField::host)))
-        addLine(terms, *host);
+        terms.add(*host);
     addDecoded(terms, address, "%");
     const bool isOfAddress = address.find(parameters) != std::string::npos;
-    if (!isOfAddress)
-        addLine(terms, parameters);
+    if (stored.find(parameters) == std::string_view::npos)
+        terms.add(parameters);
     const auto raw = rawAddressOf(address, stored);
+    addBesideAddress(terms, stored, raw);
     const auto parts = raw ? roughAddress(*raw) : std::nullopt;
     if (parts) {
-        addParameters(terms, parts->query, address);
-        addParameters(terms, parts->fragment, address);
+        addParameters(terms, parts->query);
+        addParameters(terms, parts->fragment);
     }
     if (!parts || !isOfAddress)
         addDecoded(terms, parameters.empty() ? parametersIn(address) : parameters, "+%");
     addDecoded(terms, referrer, "%");
     addDecoded(terms, parametersIn(referrer), "+%");
+    addDecodedFacts(terms, row);
 }
 
 FactValue valueIn(const SQLite::Column &column) {
@@ -136,28 +171,37 @@ bool FactLines::step() {
     return m_hasRow;
 }
 
-void FactLines::addLine(std::string &lines) {
-    const std::string text =
-        factText(RecordFact{{}, valueIn(m_rows->getColumn(1)), valueIn(m_rows->getColumn(2))});
-    if (!text.empty())
-        nv::addLine(lines, text);
+/// The value and what it was in the artefact are values of their own.
+void FactLines::addLine(SearchedRow &row) {
+    const RecordFact fact{{}, valueIn(m_rows->getColumn(1)), valueIn(m_rows->getColumn(2))};
+    const std::string text = factText(fact);
+    if (text.empty())
+        return;
+    std::string &lines = row.at(SearchField::facts);
+    if (!lines.empty())
+        lines.push_back('\n');
+    row.factSpans.push_back({lines.size(), factText(fact.value).size()});
+    lines.append(text);
+    if (const std::size_t raw = factText(fact.raw).size(); raw > 0)
+        row.factSpans.push_back({lines.size() - 1 - raw, raw}); // before its "]"
 }
 
-bool FactLines::of(std::int32_t id, std::string &lines) {
+bool FactLines::fill(SearchedRow &row) {
     constexpr std::int64_t kNear = 64;
-    lines.clear();
+    row.at(SearchField::facts).clear();
+    row.factSpans.clear();
     if (!m_rows)
         return true;
-    if (m_asked < 0 || m_isDamaged || id <= m_asked || (m_hasRow && id - m_id > kNear)) {
+    if (m_asked < 0 || m_isDamaged || row.id <= m_asked || (m_hasRow && row.id - m_id > kNear)) {
         m_rows->tryReset();
-        m_rows->bind(1, id);
+        m_rows->bind(1, row.id);
         step();
     }
-    m_asked = id;
-    while (m_hasRow && m_id < id)
+    m_asked = row.id;
+    while (m_hasRow && m_id < row.id)
         step();
-    while (m_hasRow && m_id == id) {
-        addLine(lines);
+    while (m_hasRow && m_id == row.id) {
+        addLine(row);
         step();
     }
     return !m_isDamaged;
@@ -216,9 +260,10 @@ void SearchedRowReader::take() {
     assignText(m_row.browser, m_rows.getColumn(at++));
     assignText(m_row.at(SearchField::page), m_rows.getColumn(at++));
     assignText(m_row.at(SearchField::headers), m_rows.getColumn(at++));
-    addTerms(m_row, parameters, stored);
-    if (!m_facts.of(m_row.id, m_row.at(SearchField::facts)))
+    if (!m_facts.fill(m_row))
         m_unread.insert(m_row.id);
+    m_row.at(SearchField::rawAddress) = stored == m_row.at(SearchField::address) ? "" : stored;
+    addTerms(m_row, parameters, stored);
 }
 
 } // namespace nv

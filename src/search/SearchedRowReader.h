@@ -24,13 +24,13 @@ enum class RowTexts : std::uint8_t { all, values };
 class FactLines {
   public:
     explicit FactLines(SQLite::Database &project);
-    /// A line for each fact of the row, but for those that tell where the record lies: the name of
-    /// a table is no finding. False when they can't be read.
-    bool of(std::int32_t id, std::string &lines);
+    /// Gives the row a line for each of its facts, but for those that tell where the record lies:
+    /// the name of a table is no finding. False when they can't be read.
+    bool fill(SearchedRow &row);
 
   private:
     bool step();
-    void addLine(std::string &lines);
+    void addLine(SearchedRow &row);
 
     std::optional<SQLite::Statement> m_rows; ///< none in a project of an earlier build
     bool m_hasRow = false;

@@ -43,6 +43,32 @@ class SearchCliTest : public CliCase {
     fs::path index() const { return project + ".search"; }
 };
 
+/// Addresses of warrants and lists of threats have their escapes.
+class RawAddressCliTest : public CliCase {
+  protected:
+    RawAddressCliTest() {
+        IndexDat cache;
+        cache.folder("ABCDEFGH");
+        addCached(cache, "http://h.example/a%20b?to=http%3A%2F%2Fq.example", "a[1].htm", "x");
+        addCached(cache, "http://h.example/plain", "b[1].htm", "x");
+        import(cache);
+    }
+};
+
+TEST_F(RawAddressCliTest, searchesAndListsFindTheAddressOfTheArtefact) {
+    const auto search = [this](const std::string &text) {
+        return cli({"search", project, text, "--format", "tsv"}).out;
+    };
+    const std::string whole = "http://h.example/a%20b?to=http%3A%2F%2Fq.example";
+    EXPECT_THAT(search(whole), HasSubstr("\tAddress\thttp://h.example/a b?to=http://q.example\t"));
+    EXPECT_THAT(search("%3A%2F"), HasSubstr("\tRaw address\t" + whole + "\t"));
+    EXPECT_THAT(search("/http%3A%2F/"), HasSubstr("\tRaw address\t"));
+    const fs::path list = folder.write("terms.txt", whole + "\nto=http%3A\n%2Fq\n");
+    EXPECT_EQ(cli({"keywords", project, list.string(), "--format", "tsv"}).out,
+              "Term\tRows\tHits\tLine\n" + whole +
+                  "\t1\t1\t1\nto=http%3A\t1\t1\t2\n%2Fq\t1\t1\t3\n");
+}
+
 TEST_F(SearchCliTest, findsRowsAndSaysWhereTheTextStands) {
     const CliResult first = search("dover", {"--format", "tsv"});
     EXPECT_EQ(first.exit, 0) << first.err;

@@ -7,6 +7,7 @@
 #include "search/Search.h"
 #include "search/SearchFailure.h"
 
+#include <array>
 #include <cstdint>
 #include <cstdlib>
 #include <optional>
@@ -50,7 +51,8 @@ void look(std::string_view lines, std::string_view text) {
     try {
         const nv::KeywordList list = nv::parseKeywords(lines, "list");
         nv::KeywordTexts terms(list);
-        for (const nv::TermInText &found : terms.in(text))
+        const std::array<nv::TextSpan, 1> whole = {{{0, text.size()}}};
+        for (const nv::TermInText &found : terms.in(text, whole))
             require(found.term < list.terms.size() && found.hits > 0 &&
                     isWithin(found.first, text));
     } catch (const nv::SearchFailure &) { // the same

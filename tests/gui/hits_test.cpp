@@ -43,6 +43,7 @@ class HitsTest : public QObject {
     void theTextPaneCountsToo();
     void valuesOfTheCardAreMarkedAndGoneThrough();
     void wordsOfTheCardItselfAreNotMarked();
+    void theRawAddressIsTold();
     void theWayLeadsOnToTheNextRow();
 
   private:
@@ -247,6 +248,23 @@ void HitsTest::valuesOfTheCardAreMarkedAndGoneThrough() {
     search(QStringLiteral("host:host"));
     QTRY_VERIFY(whole.extraSelections().isEmpty());
     QVERIFY(child<QTextEdit>(*m_form, "cardText").extraSelections().isEmpty());
+}
+
+/// The address of a row is cleaned up: a scheme that it lost stands in the raw one.
+void HitsTest::theRawAddressIsTold() {
+    grid().setCurrentUrl(UrlId{2}); // so that the card of the first row is made then
+    m_desk->program.state.projectDB.connection().exec(
+        "UPDATE URLs SET URLRawValue = 'view-source:' || URL WHERE URL_ID = 1");
+    search(QStringLiteral("view-source"));
+    QTRY_COMPARE(grid().model()->rowCount(), 1);
+    grid().setCurrentUrl(UrlId{1});
+    const auto &snippet = child<QLabel>(*m_form, "labSnippet");
+    QTRY_VERIFY2(snippet.text().startsWith(QStringLiteral("<b>Raw address:</b> ")),
+                 qPrintable(snippet.text()));
+    const auto &card = child<QTextEdit>(*m_form, "cardText");
+    QTRY_VERIFY2(card.toPlainText().contains(QStringLiteral("view-source:http://host/tide.html")),
+                 qPrintable(card.toPlainText()));
+    QTRY_VERIFY(!card.extraSelections().isEmpty());
 }
 
 void HitsTest::theWayLeadsOnToTheNextRow() {

@@ -100,10 +100,11 @@ class KmlExport final : public TextExport {
         const Date date = cells.actionDate(place);
         const std::string title = textAt(cells, place, UrlColumn::WebpageTitle);
         const std::string url = textAt(cells, place, UrlColumn::Value);
-        text() += fmt::format("<Placemark>\n<name>{}</name>\n<description>{}</description>\n",
-                              xmlText(title.empty() ? url : title),
-                              xmlText(fmt::format("{} | row {} | {}", eventMessage(cells, place),
-                                                  textAt(cells, place, UrlColumn::Id), from)));
+        text() +=
+            fmt::format("<Placemark>\n<name>{}</name>\n<description>{}</description>\n",
+                        xmlText(title.empty() ? url : title),
+                        xmlText(fmt::format("{} | row {} | {}", messageWithRawAddress(cells, place),
+                                            textAt(cells, place, UrlColumn::Id), from)));
         if (date.has())
             text() += fmt::format("<TimeStamp><when>{}</when></TimeStamp>\n", isoUtc(date));
         text() += fmt::format("<Point><coordinates>{:.7f},{:.7f}</coordinates></Point>\n"

@@ -19,7 +19,7 @@ namespace {
 
 using C = UrlColumn;
 
-constexpr std::array<UrlColumn, 24> kColumns = {
+constexpr std::array<UrlColumn, 25> kColumns = {
     C::Id,
     C::Tag,
     C::Action,
@@ -33,6 +33,7 @@ constexpr std::array<UrlColumn, 24> kColumns = {
     C::Visits,
     C::CacheType,
     C::Value,
+    C::RawValue,
     C::User,
     C::MimeType,
     C::Host,
@@ -269,6 +270,16 @@ std::string eventMessage(ExportCells &cells, std::size_t place) {
             words += (words.empty() ? "" : " ") + word;
     }
     return words;
+}
+
+std::string rawAddressAt(ExportCells &cells, std::size_t place) {
+    std::string raw = textAt(cells, place, C::RawValue);
+    return raw == textAt(cells, place, C::Value) ? std::string() : raw;
+}
+
+std::string messageWithRawAddress(ExportCells &cells, std::size_t place) {
+    const std::string raw = rawAddressAt(cells, place);
+    return eventMessage(cells, place) + (raw.empty() ? "" : fmt::format(" [{}]", raw));
 }
 
 std::string dataTypeOf(const std::string &cacheType) {

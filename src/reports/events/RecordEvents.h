@@ -32,6 +32,11 @@ std::vector<RecordEvent> eventsOf(ExportCells &cells, std::size_t place, const F
 
 /// What the record is, in a line: kind, action, address, title.
 std::string eventMessage(ExportCells &cells, std::size_t place);
+/// The address as the artefact has it; empty where it is the one of the row. That one is cleaned
+/// up: without escapes, and of some schemes only a part.
+std::string rawAddressAt(ExportCells &cells, std::size_t place);
+/// The message, and behind it that address in brackets: for forms without a field for it.
+std::string messageWithRawAddress(ExportCells &cells, std::size_t place);
 /// "norvelane:chrome:visit": of the record's kind.
 std::string dataTypeOf(const std::string &cacheType);
 /// The examiner's marks on the row: "tagged" for the tick, then its tags by name.

@@ -66,7 +66,8 @@ class BodyExport final : public EventLines {
         return secondsOf(event.microseconds) > 0;
     }
     std::string lineOf(ExportCells &cells, std::size_t place, const RecordEvent &event) override {
-        const std::string name = fmt::format("{} ({})", eventMessage(cells, place), event.meaning);
+        const std::string name =
+            fmt::format("{} ({})", messageWithRawAddress(cells, place), event.meaning);
         std::string line = fmt::format("0|{}|{}|0|0|0|{}", field(name, '|', "%7C"),
                                        textAt(cells, place, UrlColumn::Id),
                                        sizeOf(textAt(cells, place, UrlColumn::CacheFileSize)));
@@ -103,16 +104,17 @@ class L2tExport final : public EventLines {
         std::string tags;
         for (const std::string &tag : tagsOf(cells, place))
             tags += (tags.empty() ? "" : " ") + tag;
+        const std::string raw = field(rawAddressAt(cells, place), ',', " ");
         return fmt::format(
             "{:02}/{:02}/{:04},{:02}:{:02}:{:02},UTC,{},WEBHIST,{},{},{},-,{},{},2,{},{},{},{},"
-            "URL_ID: {}; host: {}; visits: {}; offset: {}\n",
+            "URL_ID: {}; host: {}; visits: {}; offset: {}{}\n",
             time.month, time.day, time.year, time.hour, time.minute, time.second, macb,
             column(UrlColumn::CacheType), field(event.meaning, ',', " "), column(UrlColumn::User),
             column(UrlColumn::Value), orNone(field(eventMessage(cells, place), ',', " ")),
             column(UrlColumn::SourceHistoryFile), textAt(cells, place, UrlColumn::Id),
             orNone(field(tags, ',', " ")), dataTypeOf(textAt(cells, place, UrlColumn::CacheType)),
             textAt(cells, place, UrlColumn::Id), column(UrlColumn::Host), column(UrlColumn::Visits),
-            column(UrlColumn::MapFileOffset));
+            column(UrlColumn::MapFileOffset), raw.empty() ? "" : "; url_raw: " + raw);
     }
     static std::string orNone(std::string text) { return text.empty() ? "-" : text; }
 };

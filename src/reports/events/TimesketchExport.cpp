@@ -21,8 +21,9 @@ constexpr std::array<std::string_view, 8> kHead = {"message",        "datetime",
                                                    "source_long",    "tag"};
 
 /// What else an event tells; a project of an earlier build has no last three.
-constexpr std::array<UrlColumn, 15> kTold = {UrlColumn::Id,
+constexpr std::array<UrlColumn, 16> kTold = {UrlColumn::Id,
                                              UrlColumn::Value,
+                                             UrlColumn::RawValue,
                                              UrlColumn::Host,
                                              UrlColumn::WebpageTitle,
                                              UrlColumn::Visits,
@@ -85,10 +86,16 @@ class TimesketchExport : public TextExport {
         told.tags = tagsOf(cells, place);
         told.cells.reserve(m_told.size());
         for (const UrlColumn column : m_told)
-            told.cells.push_back(cells.machine(place, column));
+            told.cells.push_back(toldCell(cells, place, column));
         for (const RecordEvent &event : events)
             appendEvent(event, told);
         job().counts.events += static_cast<std::int64_t>(events.size());
+    }
+
+    static Cell toldCell(ExportCells &cells, std::size_t place, UrlColumn column) {
+        const bool saysNothing =
+            column == UrlColumn::RawValue && rawAddressAt(cells, place).empty();
+        return saysNothing ? Cell() : cells.machine(place, column);
     }
 
     std::span<const UrlColumn> m_told;

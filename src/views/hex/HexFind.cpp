@@ -52,6 +52,11 @@ HexNeedle::Unit unitOf(UChar32 character, Encoding encoding, LetterCase letters)
     if (letters == LetterCase::ignored) {
         add(u_tolower(character));
         add(u_toupper(character));
+        // The Turkish letters count as "i", as in searches.
+        if (u_toupper(u_tolower(character)) == U'I') {
+            add(UChar32{0x130});
+            add(UChar32{0x131});
+        }
     }
     return unit;
 }

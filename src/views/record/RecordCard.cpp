@@ -67,6 +67,7 @@ class CardMaker {
     RecordCard card() {
         m_card.address = m_row.text("URL");
         m_card.title = title();
+        add("Raw address", rawAddress());
         addDates();
         addOrigin();
         add("Kind", kind());
@@ -95,6 +96,13 @@ class CardMaker {
             if (std::string text = m_row.text(column); !trim(text).empty())
                 return text;
         return std::string(wordOf(groupOf(m_row.text("CacheType"))));
+    }
+
+    /// Where it says more than the address with its escapes: that one is cleaned up, and of some
+    /// schemes only a part.
+    std::string rawAddress() const {
+        std::string raw = m_row.text("URLRawValue");
+        return raw == m_card.address || percentDecode(raw) == m_card.address ? std::string() : raw;
     }
 
     std::string utcText(Date date) const {

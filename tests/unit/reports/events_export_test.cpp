@@ -259,6 +259,36 @@ TEST_F(EventsExportTest, linesOfLog2timelineHaveSeventeenFields) {
     EXPECT_TRUE(list[3].starts_with("01/02/2008,03:04:05,UTC,...B,")) << list[3];
 }
 
+/// The address of the row is cleaned up: of some schemes only a part is left.
+TEST_F(EventsExportTest, theAddressOfTheArtefactIsToldWhereItDiffers) {
+    const auto rawOfFirst = [this] { return events().at(0).at("url_raw"); };
+    project.db().exec("UPDATE URLs SET URLRawValue = URL WHERE URL_ID = 1");
+    table.refreshRows();
+    EXPECT_TRUE(rawOfFirst().is_null());
+    EXPECT_THAT(lines(ExportFormat::l2tcsv)[1], Not(HasSubstr("url_raw")));
+    EXPECT_THAT(lines(ExportFormat::body)[0], Not(HasSubstr("[")));
+    project.db().exec("UPDATE URLs SET URL = 'a.example', "
+                      "URLRawValue = 'mailto:ann@a.example?a,%20|b' WHERE URL_ID = 1");
+    table.refreshRows();
+    EXPECT_EQ(rawOfFirst(), "mailto:ann@a.example?a,%20|b");
+    EXPECT_EQ(events().at(0).at("url"), "a.example");
+    const auto rows = csvRows(written(ExportFormat::timesketchCsv));
+    EXPECT_EQ(rows[0][10], "url_raw");
+    EXPECT_EQ(rows[1][10], "mailto:ann@a.example?a,%20|b");
+    const std::string line = lines(ExportFormat::l2tcsv)[1];
+    EXPECT_TRUE(line.ends_with("; url_raw: mailto:ann@a.example?a %20|b")) << line;
+    EXPECT_THAT(split(line, ','), SizeIs(17));
+    EXPECT_THAT(lines(ExportFormat::body)[0],
+                HasSubstr("lines [mailto:ann@a.example?a,%20%7Cb] (Visited)|1|"));
+}
+
+TEST_F(EventsExportTest, aPlaceTellsTheAddressOfTheArtefactToo) {
+    project.db().exec("UPDATE URLs SET URL = 'geo:54.32,10.13', "
+                      "URLRawValue = 'view-source:geo:54.32,10.13' WHERE URL_ID = 1");
+    table.refreshRows();
+    EXPECT_THAT(written(ExportFormat::kml), HasSubstr("[view-source:geo:54.32,10.13] | row 1 | "));
+}
+
 TEST_F(EventsExportTest, localTimeIsSaidToBeNone) {
     project.db().exec("UPDATE URLs SET CacheType = 'IE Weekly' WHERE URL_ID = 1");
     table.refreshRows();

@@ -5,6 +5,7 @@
 #include "search/KeywordTexts.h"
 #include "search/SearchFailure.h"
 
+#include <array>
 #include <fstream>
 #include <random>
 #include <sys/stat.h>
@@ -139,7 +140,8 @@ std::vector<std::string> inText(const std::string &list, const std::string &text
     const KeywordList terms = parseKeywords(list, "list");
     KeywordTexts texts(terms);
     std::vector<std::string> lines;
-    for (const TermInText &found : texts.in(text))
+    const std::array<TextSpan, 1> whole = {{{0, text.size()}}};
+    for (const TermInText &found : texts.in(text, whole))
         lines.push_back(fmt::format("{} {} at {}+{}", terms.terms[found.term].text, found.hits,
                                     found.first.at, found.first.length));
     std::ranges::sort(lines);

@@ -88,6 +88,9 @@ TEST_F(HexTest, caseCanBeIgnored) {
     EXPECT_EQ(findText("..Pass", "pASS"), std::nullopt);
     EXPECT_EQ(findText("..Pass", "pASS", LetterCase::ignored), 2U);
     EXPECT_EQ(findText("..CAF\xC3\x89", "café", LetterCase::ignored), 2U);
+    EXPECT_EQ(findText("..\xC4\xB0stanbul", "istanbul", LetterCase::ignored), 2U);
+    EXPECT_EQ(findText("..\xC4\xB1ss\xC4\xB1z", "ISSIZ", LetterCase::ignored), 2U);
+    EXPECT_EQ(findText("..\xC4\xB0stanbul", "istanbul", LetterCase::exact), std::nullopt);
     EXPECT_EQ(findText("\x14\x04\x10\x04"s, "да", LetterCase::ignored), 0U);
 }
 

@@ -163,6 +163,17 @@ TEST_F(RecordCardTest, whatWasSearchedForIsTold) {
     EXPECT_EQ(card.line("Searched for"), "C++ AT&T bomb");
 }
 
+TEST_F(RecordCardTest, theAddressOfTheArtefactIsToldWhereItSaysMore) {
+    const auto rawOf = [this](const std::string &url, const std::string &raw) {
+        return load(add({{"URL", url}, {"URLRawValue", raw}})).line("Raw address");
+    };
+    EXPECT_EQ(rawOf("ann.example", "mailto:ann@ann.example"), "mailto:ann@ann.example");
+    EXPECT_EQ(rawOf("http://a/", "view-source:http://a/"), "view-source:http://a/");
+    EXPECT_EQ(rawOf("http://a/b c", "http://a/b%20c"), "") << "only its escapes are undone";
+    EXPECT_EQ(rawOf("http://a/", "http://a/"), "");
+    EXPECT_EQ(rawOf("http://a/", ""), "");
+}
+
 TEST_F(RecordCardTest, anEmptyRowHasAKindAndNoDate) {
     const RecordCard card = load(add({}));
     EXPECT_EQ(card.title, "Record");
