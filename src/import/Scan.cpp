@@ -226,6 +226,7 @@ class Scan {
     void takeFile(const fs::path &file, Asked asked, double fraction) {
         Candidate candidate = candidateOf(file, m_evidence);
         candidate.verifySignatures = m_job.verifyFileSignatures;
+        candidate.unread = &m_result.gaps.unreadable;
         const auto formats = asked == Asked::byName
                                  ? std::vector(m_formats.begin(), m_formats.end())
                                  : formatsFor(textOf(file.filename()));

@@ -14,6 +14,7 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace nv {
 
@@ -76,6 +77,7 @@ struct Candidate {
     std::string extension;
     ByteView head; ///< the first limits::kHeadBytes; empty when contents aren't verified
     bool verifySignatures = true;
+    const std::vector<UnreadPlace> *unread = nullptr; ///< what the scan couldn't read so far
 };
 
 class BodyTarget;

@@ -65,6 +65,18 @@ ReadResult ChromeBlockCache::readCache() {
     return readCache([this](const ChromeEntry &entry) { entries.add(entry); });
 }
 
+ReadResult ChromeBlockCache::readWithoutIndex(const TakeFurther &take, const std::string &lack) {
+    ReadResult result{ReadState::cutShort, lack, 0, {}};
+    trapped(m_log, Severity::Serious, kProcedure, kContactSupport, [&] {
+        ChromeChains chains;
+        RecordTrap trap(m_log, kProcedure, textOf(indexPath));
+        if (!ChromeFurther(*this, m_blocks, chains).runWithoutIndex(take, m_task, trap, result))
+            result.state = ReadState::cancelled;
+        result.notReached += trap.failed();
+    });
+    return result;
+}
+
 std::optional<ChromeAddressMap> ChromeBlockCache::getAddressMap(std::uint32_t addressWord) {
     if (addressWord == 0)
         return std::nullopt;

@@ -44,6 +44,9 @@ class ChromeBlockCache {
     /// The same, and then what makes no classic record: entries behind the first of a slot, and
     /// those without a header, and what no slot leads to. All are complete().
     ReadResult readCache(const TakeEntry &take, const TakeFurther &takeFurther);
+    /// Of a cache whose index can't be had, as `lack` says: entries at the start of every block of
+    /// the files that hold them.
+    ReadResult readWithoutIndex(const TakeFurther &take, const std::string &lack);
     /// Keeps them in `Entries`, which takes memory for all of them.
     ReadResult readCache();
 

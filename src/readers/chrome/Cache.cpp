@@ -11,6 +11,7 @@
 #include "readers/FactDate.h"
 #include "readers/HttpHeaders.h"
 #include "readers/chrome/BlockCache.h"
+#include "readers/chrome/CacheFurther.h"
 #include "readers/chrome/Kinds.h"
 #include "readers/chrome/LaterCache.h"
 #include "readers/sqlite/HistoryRow.h"
@@ -119,12 +120,26 @@ UrlRecord furtherRecord(ChromeFurtherEntry &found, const ReadContext &ctx) {
     return record;
 }
 
+/// A cache may have been found by its second block file.
+std::filesystem::path indexOf(const ReadContext &ctx) {
+    const std::filesystem::path &file = ctx.file.fullPath;
+    if (!toLower(textOf(file.filename())).starts_with("data_"))
+        return file;
+    return ctx.evidence.find(file.parent_path(), "index").value_or(file);
+}
+
 /// Nothing when it is a cache of the first layout.
 std::optional<ReadResult> readAsLater(ReadContext &ctx) {
     const ReadResult unread{
         ReadState::failed, "could not be read: " + textOf(ctx.file.fullPath), 0, {}};
     return trapped(ctx.log, Severity::Serious, "ChromiumBlockCache.read()", kContactSupport,
                    std::optional(unread), [&ctx] { return parseLaterBlockCache(ctx); });
+}
+
+bool holdsFirstEntries(const ReadContext &ctx) {
+    return trapped(
+        ctx.log, Severity::Serious, "ParserClass.ParseChromeCache()", kContactSupport, false,
+        [&ctx] { return hasFirstEntries(ctx.evidence, ctx.file.fullPath.parent_path()); });
 }
 
 } // namespace
@@ -148,9 +163,10 @@ UrlRecord parseChromeCacheURL(const ChromeEntry &entry, const ReadContext &ctx) 
 }
 
 ReadResult parseChromeCache(ReadContext &ctx) {
-    if (const auto later = ctx.classicOnly ? std::nullopt : readAsLater(ctx))
+    const auto later = ctx.classicOnly ? std::nullopt : readAsLater(ctx);
+    if (later && later->state != ReadState::failed)
         return *later;
-    ChromeBlockCache cache(ctx.file.fullPath, ctx.evidence, ctx.log, ctx.task);
+    ChromeBlockCache cache(indexOf(ctx), ctx.evidence, ctx.log, ctx.task);
     std::int64_t count = 0;
     const auto save = [&](UrlRecord &record) {
         ctx.sink.save(record);
@@ -165,16 +181,17 @@ ReadResult parseChromeCache(ReadContext &ctx) {
             save(record);
         };
     // Records leave as they are found: a hostile index may lead to more of them than memory holds.
-    const ReadResult result = cache.readCache(
-        [&](const ChromeEntry &entry) {
-            UrlRecord record = parseChromeCacheURL(entry, ctx);
-            if (!ctx.classicOnly) {
-                addFacts(record, entry);
-                addAnswerFacts(record, entry);
-            }
-            save(record);
-        },
-        takeFurther);
+    const auto take = [&](const ChromeEntry &entry) {
+        UrlRecord record = parseChromeCacheURL(entry, ctx);
+        if (!ctx.classicOnly) {
+            addFacts(record, entry);
+            addAnswerFacts(record, entry);
+        }
+        save(record);
+    };
+    ReadResult result = later ? *later : cache.readCache(take, takeFurther);
+    if (result.state == ReadState::failed && takeFurther && holdsFirstEntries(ctx))
+        result = cache.readWithoutIndex(takeFurther, result.reason);
     ctx.task.describe({"PARSING GOOGLE CHROME CACHE",
                        fmt::format("A total of {} URLs were found.", count),
                        textOf(ctx.file.fullPath), "chromeCache-32.gif"});

@@ -1,4 +1,4 @@
-// block cache  = "index": magic ... without "data_0" | "data_1": magic ... without "index"
+// block cache  = "index": magic ... without "data_0" | "data_1": magic ... without such an "index"
 // Simple cache = "index": magic ... | <16 hex>_0, _1, _s: magic ...   beside "index-dir"
 // SQL cache    = "index": "SQLCacheTruncate" ... | "sqldb0", "sqldb1" ...: tables resources, blobs
 
@@ -13,6 +13,8 @@
 #include "readers/chrome/SimpleCache.h"
 #include "readers/chrome/SqlCache.h"
 #include "readers/sqlite/SchemaTables.h"
+
+#include <algorithm>
 
 namespace nv {
 
@@ -39,15 +41,29 @@ bool isSimpleCache(const Candidate &file) {
            (file.verifySignatures || hasBeside(file, "index-dir"));
 }
 
+/// Neither it nor the index that it leads to is taken then.
+bool hasUnreadFirst(const Candidate &file, const std::filesystem::path &first) {
+    return file.unread &&
+           std::ranges::find(*file.unread, first, &UnreadPlace::path) != file.unread->end();
+}
+
 /// With its first block file it is found by that one. Entries lie in the second, and can be found
-/// there without an index.
+/// there with no index, with one that can't be read, or with something else of its name.
 bool isPartOfBlockCache(const Candidate &file) {
     if (!file.verifySignatures)
         return false;
-    const bool isIndex = file.name == "index" && beginsWith(file, kBlockMagic);
-    const bool isBlockFile = file.name == "data_1" && beginsWith(file, kBlockFileMagic);
-    return (isIndex && !file.evidence->find(ownFolder(file), "data_0")) ||
-           (isBlockFile && !file.evidence->find(ownFolder(file), "index"));
+    const auto first = file.evidence->find(ownFolder(file), "data_0");
+    if (file.name == "index")
+        return beginsWith(file, kBlockMagic) && !first;
+    if (file.name != "data_1" || !beginsWith(file, kBlockFileMagic))
+        return false;
+    if (first && hasUnreadFirst(file, *first))
+        return true;
+    const auto index = file.evidence->find(ownFolder(file), "index");
+    if (first || !index)
+        return !index;
+    const Bytes head = file.evidence->head(*index, kBlockMagic.size());
+    return ByteView(head).raw() != kBlockMagic;
 }
 
 bool isSqlCache(const Candidate &file) {

@@ -61,6 +61,12 @@ std::uint64_t blocksOf(ByteView bytes) {
     return (ChromeEntry::kKeyAt + length + 1 + kBlock - 1) / kBlock;
 }
 
+std::uint64_t blocksIn(const EvidenceFile &file) {
+    if (file.size() <= ChromeDataFile::kSize)
+        return 0;
+    return std::min((file.size() - ChromeDataFile::kSize) / kBlock, kBlocksOfFile);
+}
+
 /// Whether the browser has the block in use, by the map in the file's head.
 bool isAllocated(const EvidenceFile &file, std::uint64_t block) {
     const Bytes bits = file.read(kMapAt + block / 8, 1);
@@ -69,6 +75,18 @@ bool isAllocated(const EvidenceFile &file, std::uint64_t block) {
 }
 
 } // namespace
+
+bool hasFirstEntries(const Evidence &evidence, const std::filesystem::path &folder) {
+    ChromeBlockFiles blocks(evidence, folder);
+    const EvidenceFile *file = blocks.file(1);
+    for (std::uint64_t block = 0; file && block < blocksIn(*file); ++block) {
+        const Bytes bytes =
+            file->read(ChromeDataFile::kSize + block * kBlock, kMostBlocks * kBlock);
+        if (bytes.size() >= kBlock && hasAddresses(ByteView(bytes)) && hasKey(ByteView(bytes)))
+            return true;
+    }
+    return false;
+}
 
 void ChromeFurther::complete(ChromeEntry &entry, const ChromeChainPlace &place,
                              ReadResult &result) {
@@ -99,6 +117,12 @@ bool ChromeFurther::run(const Words &behind, std::uint32_t slots, const Take &ta
         return false;
     if (slots != 0)
         takeBehind(behind, slots, take, trap, result);
+    return walkFiles(take, task, trap, result);
+}
+
+bool ChromeFurther::runWithoutIndex(const Take &take, TaskMonitor &task, RecordTrap &trap,
+                                    ReadResult &result) {
+    m_hasIndex = false;
     return walkFiles(take, task, trap, result);
 }
 
@@ -195,10 +219,7 @@ bool ChromeFurther::walkFile(std::uint8_t number, const Take &take,
                              const std::function<bool(double)> &advance, RecordTrap &trap,
                              ReadResult &result) {
     const EvidenceFile *file = m_blocks.file(number);
-    if (!file || file->size() <= ChromeDataFile::kSize)
-        return true;
-    const std::uint64_t count =
-        std::min((file->size() - ChromeDataFile::kSize) / kBlock, kBlocksOfFile);
+    const std::uint64_t count = file ? blocksIn(*file) : 0;
     for (std::uint64_t first = 0; first < count; first += kPart / kBlock) {
         if (!advance(static_cast<double>(first) / static_cast<double>(count)))
             return false;
@@ -240,13 +261,13 @@ void ChromeFurther::tryBlock(const ChromeAddressMap &map, const Take &take, Read
         return;
     }
     const EvidenceFile &file = *m_blocks.file(map.dataBlockFileNumber);
-    takeRemnant(whole,
-                fmt::format("block {} of data_{} (0x{:X}), which no slot or chain leads to, {} by "
-                            "the file's map of blocks",
-                            map.startingBlockNumber, map.dataBlockFileNumber,
-                            map.dataBlockFileOffset,
-                            isAllocated(file, map.startingBlockNumber) ? "in use" : "free"),
-                take, result);
+    takeRemnant(
+        whole,
+        fmt::format("block {} of data_{} (0x{:X}), {}, {} by the file's map of blocks",
+                    map.startingBlockNumber, map.dataBlockFileNumber, map.dataBlockFileOffset,
+                    m_hasIndex ? "which no slot or chain leads to" : "found without the index",
+                    isAllocated(file, map.startingBlockNumber) ? "in use" : "free"),
+        take, result);
 }
 
 void ChromeFurther::takeRemnant(const ChromeAddressMap &map, std::string foundHow, const Take &take,

@@ -6,6 +6,7 @@
 #include "readers/chrome/CacheChains.h"
 
 #include <cstdint>
+#include <filesystem>
 #include <functional>
 #include <set>
 #include <string>
@@ -14,6 +15,9 @@
 #include <vector>
 
 namespace nv {
+
+/// Whether the first file with entries holds one of the first layout. Throws EvidenceFailure.
+bool hasFirstEntries(const Evidence &evidence, const std::filesystem::path &folder);
 
 /// What a walk through an index finds beyond the classic records. First come entries that the index
 /// lists: those without a header and those behind others. Then come remnants: what no slot and no
@@ -39,6 +43,8 @@ class ChromeFurther {
         m_headless.push_back({entry.address, slot});
     }
 
+    /// What run() finds where there is no index. False when cancelled.
+    bool runWithoutIndex(const Take &take, TaskMonitor &task, RecordTrap &trap, ReadResult &result);
     /// `behind` are addresses after the last of the `slots` that the index counts. False when
     /// cancelled.
     bool run(const Words &behind, std::uint32_t slots, const Take &take, TaskMonitor &task,
@@ -69,6 +75,7 @@ class ChromeFurther {
     ChromeOwnedBlocks m_owned;
     Words m_headless;
     std::set<std::uint8_t> m_files = {1}; ///< with entries
+    bool m_hasIndex = true;
 };
 
 } // namespace nv

@@ -9,6 +9,7 @@
 #include "readers/EvidenceGaps.h"
 #include "readers/Limits.h"
 #include "readers/chrome/CacheBlocks.h"
+#include "readers/chrome/CacheFurther.h"
 #include "readers/chrome/LaterEntry.h"
 #include "readers/chrome/LaterPieces.h"
 #include "readers/chrome/LaterRows.h"
@@ -55,17 +56,18 @@ struct OpenedIndex {
 /// What it says of itself may be damaged. One that can't be trusted costs a cache nothing but what
 /// it leads to.
 OpenedIndex openedIndex(const ReadContext &ctx) {
-    const fs::path &file = ctx.file.fullPath;
+    const fs::path folder = ctx.file.fullPath.parent_path();
+    const auto file = isIndex(ctx.file.fullPath) ? std::optional(ctx.file.fullPath)
+                                                 : ctx.evidence.find(folder, "index");
     OpenedIndex opened;
-    if (!isIndex(file)) {
-        opened.lack = textOf(file.parent_path() / "index") + ": the index is missing";
-        opened.told = OpenedIndex::Told::later;
+    if (!file) {
+        opened.lack = textOf(folder / "index") + ": the index is missing";
         return opened;
     }
     KeptMessage failure;
     trapped(failure, Severity::Serious, kProcedure, "", [&] {
         tellingGaps(ctx.log, [&] {
-            LaterIndexFile index(ctx.evidence.open(file));
+            LaterIndexFile index(ctx.evidence.open(*file));
             if (index.isLater())
                 opened.told = OpenedIndex::Told::later;
             else if (index.isOfFirstVersions())
@@ -74,7 +76,7 @@ OpenedIndex openedIndex(const ReadContext &ctx) {
             if (opened.lack.empty())
                 opened.trusted.emplace(std::move(index));
             else
-                opened.lack = textOf(file) + ": " + opened.lack;
+                opened.lack = textOf(*file) + ": " + opened.lack;
         });
     });
     opened.isUnread = !failure.text.empty();
@@ -267,9 +269,10 @@ class LaterReading {
         const std::string_view inPiece =
             (entry.flags & LaterEntry::sparseChild) != 0 ? ", a piece of a larger one" : "";
         dropWhatIsOwned(entry);
-        save(entry, fmt::format("block {} of data_{} (0x{:X}), which no chain leads to{}",
-                                map.startingBlockNumber, map.dataBlockFileNumber,
-                                map.dataBlockFileOffset, inPiece));
+        save(entry,
+             fmt::format("block {} of data_{} (0x{:X}), {}{}", map.startingBlockNumber,
+                         map.dataBlockFileNumber, map.dataBlockFileOffset,
+                         m_index ? "which no chain leads to" : "found without the index", inPiece));
     }
 
     /// Parents first: these say which pieces are theirs.
@@ -343,17 +346,20 @@ class LaterReading {
 } // namespace
 
 std::optional<ReadResult> parseLaterBlockCache(ReadContext &ctx) {
+    const fs::path folder = ctx.file.fullPath.parent_path();
+    const bool isByIndex = isIndex(ctx.file.fullPath);
     OpenedIndex index = openedIndex(ctx);
     if (index.told == OpenedIndex::Told::first)
         return std::nullopt;
-    // Then the entries tell.
-    if (index.told == OpenedIndex::Told::nothing &&
-        !hasLaterEntries(ctx.evidence, ctx.file.fullPath.parent_path())) {
-        if (!index.isUnread)
+    // Where the index doesn't tell, the entries do.
+    if (index.told != OpenedIndex::Told::later && !hasLaterEntries(ctx.evidence, folder)) {
+        if (isByIndex && !index.isUnread)
             return std::nullopt;
-        ctx.log.write(
-            {index.lack, std::string(kProcedure), Severity::Serious, std::string(kContactSupport)});
-        return ReadResult{ReadState::failed, index.lack, 0, {}};
+        if (isByIndex || hasFirstEntries(ctx.evidence, folder)) {
+            ctx.log.write({index.lack, std::string(kProcedure), Severity::Serious,
+                           std::string(kContactSupport)});
+            return ReadResult{ReadState::failed, index.lack, 0, {}};
+        }
     }
     return LaterReading(ctx, std::move(index)).read();
 }
