@@ -249,6 +249,7 @@ Walk keepByColumn(SQLite::Database &project, const ColumnLimit &limit, TaskMonit
                   RowIds &ids) {
     ValueTest test(limit);
     RowIds out;
+    out.reserve(ids.size()); // as it grows it would take up to thrice the room
     const auto look = [&](std::int32_t id, std::string_view value) {
         if (!test.meets(value))
             out.push_back(id);

@@ -2,6 +2,7 @@
 
 #include "base/NoLog.h"
 #include "base/Trap.h"
+#include "search/IdBits.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>
 #include <fmt/format.h>
@@ -34,6 +35,18 @@ RowIds tickedRows(SQLite::Database &project) {
     return ticked;
 }
 
+/// How many of `ids` are ticked. Of millions a bit each is asked.
+std::int64_t countShown(const RowIds &ticked, const RowIds &ids) {
+    if (ticked.empty())
+        return 0;
+    const IdRange range{ticked.front(), ticked.back()};
+    if (range.isWideFor(ticked.size()))
+        return std::ranges::count_if(
+            ids, [&](std::int32_t id) { return std::ranges::binary_search(ticked, id); });
+    const IdBits bits(ticked, range);
+    return std::ranges::count_if(ids, [&](std::int32_t id) { return bits.has(id); });
+}
+
 } // namespace
 
 IndexState ensureTickIndex(SQLite::Database &project, TaskMonitor &task) {
@@ -45,8 +58,7 @@ void TickCount::count(SQLite::Database &project, const RowIds &ids) {
     if (!m_ticked)
         m_ticked = tickedRows(project);
     m_all = static_cast<std::int64_t>(m_ticked->size());
-    m_shown = std::ranges::count_if(
-        ids, [this](std::int32_t id) { return std::ranges::binary_search(*m_ticked, id); });
+    m_shown = countShown(*m_ticked, ids);
 }
 
 void TickCount::note(bool tagged, bool isShown) {

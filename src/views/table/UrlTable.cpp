@@ -168,10 +168,12 @@ Walk UrlTable::limit(TaskMonitor &task, Found &rows) {
 Walk UrlTable::limitColumns(TaskMonitor &task, Found &rows) {
     if (byColumn.empty())
         return Walk::Finished;
-    if (rows.ofColumns)
+    if (rows.ofColumns && rows.columnsMet == byColumn.size()) {
         rows.ids = *rows.ofColumns;
-    if (rows.columnsMet == byColumn.size())
         return Walk::Finished;
+    }
+    if (rows.ofColumns)
+        rows.ids = std::move(*rows.ofColumns);
     for (std::size_t at = rows.columnsMet; at < byColumn.size(); ++at)
         if (keepByColumn(m_project, byColumn[at], task, rows.ids) == Walk::Cancelled)
             return Walk::Cancelled;

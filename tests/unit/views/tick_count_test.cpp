@@ -50,6 +50,14 @@ TEST(TickCount, readsTheSameByItsIndex) {
             "= 1; INSERT INTO URLs (URL_ID, Tagged) VALUES (9, 1); DELETE FROM URLs WHERE URL_ID = "
             "3");
     EXPECT_EQ(counted(), std::pair(std::int64_t{2}, std::int64_t{1}));
+    db.exec("INSERT INTO URLs (URL_ID, Tagged) VALUES (2000, 1)"); // far from the others
+    {
+        TickCount ticks;
+        ticks.count(db, {2000, 1999, 9, 8});
+        EXPECT_EQ(ticks.all(), 3);
+        EXPECT_EQ(ticks.shown(), 2);
+    }
+    db.exec("DELETE FROM URLs WHERE URL_ID = 2000");
     for (const char *other : {"URLs(Tagged) WHERE Tagged = 5", "URLs(Notes)"}) {
         db.exec(fmt::format("DROP INDEX URLTickIndex; CREATE INDEX URLTickIndex ON {}", other));
         EXPECT_EQ(counted(), std::pair(std::int64_t{2}, std::int64_t{1})) << other;
