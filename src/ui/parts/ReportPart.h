@@ -1,6 +1,9 @@
 #pragma once
 
+#include "reports/case/Redaction.h"
+#include "ui/parts/ProjectLook.h"
 #include "ui/parts/Workbench.h"
+#include "ui/reports/RedactionForm.h"
 
 #include <filesystem>
 #include <optional>
@@ -9,6 +12,7 @@
 namespace nv {
 
 class ReportTools;
+class ReportWriter;
 
 /// The commands Create Report and Publish Report.
 class ReportPart final : public QObject {
@@ -23,6 +27,7 @@ class ReportPart final : public QObject {
         std::filesystem::path project;
         std::filesystem::path page;
         int type = 0;           ///< as the settings have it
+        RedactionRules unmet;   ///< redactions that nothing in it fits
         bool isSettled = false; ///< published, or the examiner lets it go
     };
 
@@ -37,7 +42,10 @@ class ReportPart final : public QObject {
     bool chooseOptions(ReportTools &tools, RowIds &ids);
     void tellOf(const ReportTools &tools, bool finished);
     void showLarge();
-    void showReport(const std::filesystem::path &page);
+    void showReport(const ReportWriter &report);
+    RedactionAdviser adviser();
+    /// False when the examiner thinks better of it.
+    bool mayShowAll(int type) const;
     void tellOfFailures();
     void withdrawReport();
     /// That of the type which was made last.
@@ -49,6 +57,7 @@ class ReportPart final : public QObject {
     void openFolder() const;
 
     Workbench &m_bench;
+    ProjectLook m_look;       ///< for what redactions fit
     bool m_publishes = false; ///< the report in hand, once it is made
     std::vector<Made> m_made; ///< in their order; a page is there once
 };
