@@ -10,6 +10,7 @@ enum class Exit {
     damagedEvidence = 2, ///< an artefact was not read, or not to its end; the rest is there
     rowsNotRead = 2,     ///< rows of the project could not be read; the others are there
     nothingDone = 2,     ///< of a rebuild: no page could be rebuilt; of a template: not each
+    notAllRedacted = 2,  ///< of a report: nothing in it fits one of the redactions
     differs = 2,         ///< of an upgrade: the project has not the schema of this build
     projectUnusable = 3, ///< the project can't be opened or written
     interrupted = 130,

@@ -32,7 +32,7 @@ Json jsonOf(const std::vector<FoundNode> &nodes, const HistoryFiles &files) {
     Json all = Json::array();
     for (const FoundNode &node : nodes) {
         Json one = {{"level", toLower(wordOf(node.term.field))},
-                    {"name", node.term.value},
+                    {"name", placeValue(node.term)},
                     {"files", node.files},
                     {"not_read_yet", node.notRead},
                     {"bytes", node.bytes}};

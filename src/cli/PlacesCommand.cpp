@@ -30,7 +30,7 @@ class PlacesText {
                 m_writer.row({std::string(2 * level, ' ') + placeName(node.term),
                               wordOf(node.term.field), node.records});
             else
-                m_writer.row({node.term.value, wordOf(node.term.field), node.records, level});
+                m_writer.row({placeValue(node.term), wordOf(node.term.field), node.records, level});
             write(node.children, level + 1);
         }
     }

@@ -12,7 +12,7 @@
 #include "cli/ReportedRows.h"
 #include "cli/Session.h"
 #include "cli/SharedArguments.h"
-#include "reports/case/RedactedHosts.h"
+#include "reports/case/RedactionNotes.h"
 #include "reports/pages/PictureKind.h"
 #include "reports/report/PublishReport.h"
 
@@ -160,8 +160,10 @@ void setCaseOptions(Session &session, ReportWriter &report, const Arguments &arg
     if (options.redactions.size() > kMostRedactions)
         throw UsageError(fmt::format("at most {} redactions were expected", kMostRedactions));
     logFailureOf(session.program.log, kProcedure, [&] {
-        SQLite::Database &project = session.program.state.projectDB.connection();
-        for (const std::string &note : notesOnHosts(project, options.redactions))
+        std::vector<std::string> notes; // what values fit, the report itself tells
+        notesOnRedactions(session.program.state.projectDB.connection(), options.redactions,
+                          NotedThings::names, session.task, notes);
+        for (const std::string &note : notes)
             session.err << printable(note) << '\n';
     });
     options.content = contentText(arguments.rows);
@@ -173,6 +175,7 @@ struct Made {
     std::size_t files = 0;
     std::int64_t rows = 0;
     std::size_t unread = 0; ///< rows of the project, cached files, pages that lack parts
+    bool isRedacted = true; ///< by each rule
 };
 
 /// Nothing when it was cancelled.
@@ -197,6 +200,9 @@ std::optional<Made> make(Session &session, const Arguments &arguments, const Row
         return std::nullopt;
     for (const std::string &note : notesOf(tools.report))
         session.err << note << '\n';
+    if (!tools.report.unmetRedactions.empty())
+        session.err << printable(unmetText(tools.report.unmetRedactions))
+                    << ": look for another spelling before you hand it over\n";
     fs::create_directories(arguments.out);
     removePublished(arguments.out);
     SubTask publishing(session.task, kMaking, 1);
@@ -209,7 +215,8 @@ std::optional<Made> make(Session &session, const Arguments &arguments, const Row
     notePublish(session.program, index, published);
     return Made{index, published.files, rowsReported(session.program.state.projectDB.connection()),
                 tools.report.recordsFailed + tools.report.filesFailed +
-                    tools.report.pagesIncomplete};
+                    tools.report.pagesIncomplete,
+                tools.report.unmetRedactions.empty()};
 }
 
 Exit run(Session &session, const Arguments &arguments) {
@@ -234,6 +241,8 @@ Exit run(Session &session, const Arguments &arguments) {
     closeProject(program);
     if (!made)
         return Exit::interrupted;
+    if (!made->isRedacted)
+        return Exit::notAllRedacted;
     return made->unread > 0 ? Exit::rowsNotRead : Exit::ok;
 }
 

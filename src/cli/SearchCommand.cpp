@@ -63,6 +63,8 @@ void writeCounts(Session &session, const Arguments &arguments, const FoundCounts
 Exit tell(Session &session, const Arguments &arguments, const SearchFound &found) {
     if (found.isCancelled || interrupted)
         return Exit::interrupted;
+    if (const std::string zone = zoneOfSearch(session.program, arguments.text); !zone.empty())
+        session.err << fmt::format("before: and after: go by the clock of {}\n", printable(zone));
     session.err << printable(countsText(found)) << '\n';
     if (arguments.limit && arguments.by.empty() &&
         static_cast<std::int64_t>(found.ids.size()) > *arguments.limit)
@@ -85,8 +87,10 @@ void advise(Session &session, const RowMatch &match, const SearchFound &found) {
 
 Exit run(Session &session, const Arguments &arguments) {
     const SearchScope scope = arguments.values ? SearchScope::values : SearchScope::all;
-    RowMatch match = searchAsked(session, arguments.text, scope);
+    searchAsked(session, arguments.text, scope); // what can't be read ends it before all else
     SearchTraces traces(session, arguments.project, arguments.keep);
+    RowMatch match = searchAsked(session, arguments.text, scope);
+    const std::string told = toldSearch(session.program, arguments.text);
     const SearchFound found =
         searchProject(session.program, match, session.task, session.scratch());
     session.task.clear();
@@ -101,13 +105,8 @@ Exit run(Session &session, const Arguments &arguments) {
     session.task.clear();
     return traces.leave(
         exit,
-        [&] {
-            noteSearch(session.program, arguments.text,
-                       static_cast<std::int64_t>(found.ids.size()));
-        },
-        [&](const std::string &name) {
-            keepSearch(session.program, name, arguments.text, found.ids);
-        });
+        [&] { noteSearch(session.program, told, static_cast<std::int64_t>(found.ids.size())); },
+        [&](const std::string &name) { keepSearch(session.program, name, told, found.ids); });
 }
 
 } // namespace
@@ -126,8 +125,8 @@ Command searchCommand() {
             .arguments =
                 {projectWord(given->project),
                  value("TEXT", given->text,
-                       "Words, \"phrases\", -word, host:, browser:, kind:, tag:, hashset:, "
-                       "before:, after:, /expression/")
+                       "Words, \"phrases\", -word, *part*, host:, browser:, kind:, tag:, hashset:, "
+                       "before:, after: (dates by the project's zone), /expression/")
                      .required(),
                  flag("--values", given->values,
                       "Look through addresses, titles, notes and facts alone, not through pages "

@@ -22,8 +22,9 @@ constexpr std::string_view kProcedure = "MainForm.SearchProject()";
 
 RowMatch searchAsked(Session &session, const std::string &text, SearchScope scope) {
     std::optional<RowMatch> match;
-    if (const auto failure = failureOf(session.program.log, kProcedure,
-                                       [&] { match.emplace(parseSearch(text), scope); }))
+    if (const auto failure = failureOf(session.program.log, kProcedure, [&] {
+            match.emplace(projectSearch(session.program, text), scope);
+        }))
         throw UsageError(*failure);
     return std::move(*match);
 }

@@ -17,7 +17,8 @@ namespace nv::cli {
 
 class Session;
 
-/// What was typed, ready to be compared. Throws UsageError that says what of it can't be read.
+/// What was typed, ready to be compared; dates go by the zone of the project that is open. Throws
+/// UsageError that says what of it can't be read.
 RowMatch searchAsked(Session &session, const std::string &text, SearchScope scope);
 
 /// A list of keywords, ready to be looked for.

@@ -64,6 +64,11 @@ class Folders {
     std::string name(std::size_t at) const {
         return at < size() ? std::string(m_names[at]) : std::string();
     }
+    /// What stands before a folder: "/pc1" before "home" of "/pc1/home/ada".
+    std::string above(std::size_t at) const {
+        const auto end = static_cast<std::size_t>(m_names.at(at).data() - m_path.data());
+        return m_path.substr(0, end > 1 ? end - 1 : end);
+    }
     std::size_t find(std::string_view folder) const {
         const auto found = std::ranges::find(m_lower, folder);
         return found == m_lower.end() ? kNone : static_cast<std::size_t>(found - m_lower.begin());
@@ -197,24 +202,38 @@ std::string electronProgram(const Folders &folders) {
     return {};
 }
 
-std::string personIn(const Folders &folders, Place place) {
+struct Account {
+    std::string person;
+    std::size_t first = 0; ///< the folder above which all accounts of the machine lie
+};
+
+std::optional<Account> accountIn(const Folders &folders, Place place) {
     // From the file upwards: the image may itself lie in somebody's home.
     for (std::size_t at = folders.size(); at-- > 1;) {
         const std::string_view person = folders.lower(at - 1);
         if (at >= 2 && liesInAccount(folders.lower(at), place) &&
             isOneOf(folders.lower(at - 2), kAccounts))
-            return folders.name(at - 1);
+            return Account{folders.name(at - 1), at - 2};
         const bool isRoot =
             person == "root" && place == Place::known && folders.lower(at).starts_with('.');
         const bool isSystem = person == "systemprofile" && folders.lower(at) == "appdata";
         if (isRoot || isSystem)
-            return folders.name(at - 1);
+            return Account{folders.name(at - 1), at - 1};
         // Android: data/user/10/PACKAGE
         if (at >= 2 && folders.lower(at - 2) == "user" && isNumber(person) &&
             folders.lower(at).find('.') != std::string_view::npos)
-            return fmt::format("user {}", person);
+            return Account{fmt::format("user {}", person), at - 2};
     }
-    return {};
+    return std::nullopt;
+}
+
+/// The first of the folders in which a browser keeps what is one account's.
+std::size_t dataFolderOf(const Folders &folders, const Found &found) {
+    std::size_t first = found.behind - found.length;
+    while (first > 0 && (isDataFolder(folders.lower(first - 1)) ||
+                         liesInAccount(folders.lower(first - 1), Place::known)))
+        --first;
+    return first;
 }
 
 } // namespace
@@ -240,8 +259,34 @@ Origin originOfPath(std::string_view path, Engine engine) {
         if (const std::string program = electronProgram(folders); !program.empty())
             origin.browser = fmt::format("{} (Electron)", program);
     }
-    origin.person = personIn(folders, origin.browser.empty() ? Place::unknown : Place::known);
+    const Place place = origin.browser.empty() ? Place::unknown : Place::known;
+    if (auto account = accountIn(folders, place))
+        origin.person = std::move(account->person);
     return origin;
+}
+
+std::string treeOfPath(std::string_view path) {
+    const Folders folders(path);
+    const Found found = placeIn(folders);
+    const bool isKnown = found.place || embeddedIn(folders) || !electronProgram(folders).empty();
+    if (const auto account = accountIn(folders, isKnown ? Place::known : Place::unknown))
+        return folders.above(account->first);
+    if (found.place)
+        return folders.above(dataFolderOf(folders, found));
+    for (std::size_t at = folders.size(); at-- > 0;)
+        if (isChromiumProfileName(folders.lower(at)))
+            return folders.above(at);
+    return {};
+}
+
+const std::string &TreesOfPaths::operator()(std::string_view path) {
+    const std::size_t name = path.find_last_of("/\\");
+    const std::string_view folder = path.substr(0, name == std::string_view::npos ? 0 : name);
+    if (folder != m_folder) {
+        m_folder = folder;
+        m_tree = treeOfPath(path);
+    }
+    return m_tree;
 }
 
 } // namespace nv

@@ -3,6 +3,7 @@
 #include "base/Text.h"
 #include "search/FoldedText.h"
 #include "search/SearchFailure.h"
+#include "time/LocalSeconds.h"
 
 #include <fmt/format.h>
 
@@ -136,9 +137,13 @@ void takeStars(SearchClause &clause) {
 constexpr std::string_view kDateExpected =
     "a date such as 2011, 2011-03, 2011-03-01 or 2011-03-01T15:30 was expected";
 
+bool isOfDate(ClauseKind kind) {
+    return kind == ClauseKind::before || kind == ClauseKind::after;
+}
+
 /// `letter` is where its value begins.
 SearchClause clauseOf(const Operator &given, std::string value, std::size_t letter) {
-    const bool isDate = given.kind == ClauseKind::before || given.kind == ClauseKind::after;
+    const bool isDate = isOfDate(given.kind);
     if (trim(value).empty())
         throw SearchFailure(fmt::format("letter {}: \"{}\" needs a value behind it{}", letter,
                                         given.word,
@@ -193,6 +198,29 @@ void passOver(Words &words) {
 }
 
 } // namespace
+
+void goByClock(SearchQuery &query, const TimeZone &zone, bool enableDSTChanges) {
+    for (SearchClause &clause : query.clauses) {
+        if (!isOfDate(clause.kind) || !clause.date.has())
+            continue;
+        const Date moment = firstMoment(clause.date.unixSeconds(), zone, enableDSTChanges);
+        if (moment.has()) // at the calendar's end no zone moves a date
+            clause.date = moment;
+    }
+}
+
+bool hasDates(const SearchQuery &query) {
+    return std::ranges::any_of(query.clauses, isOfDate, &SearchClause::kind);
+}
+
+bool isFoundAtOnce(const SearchQuery &query) {
+    constexpr std::size_t kLeastLetters = 3;
+    return std::ranges::any_of(query.clauses, [](const SearchClause &clause) {
+        const bool isText = clause.kind == ClauseKind::text;
+        return clause.kind != ClauseKind::expression && !clause.isExcluded &&
+               (!isText || charCount(clause.text) >= kLeastLetters);
+    });
+}
 
 std::optional<TypedOperator> operatorAt(std::string_view text, std::size_t place) {
     for (Words words(text); words.skipBlanks() && words.place() <= place;) {

@@ -2,6 +2,7 @@
 
 #include "search/Expression.h"
 #include "time/Date.h"
+#include "time/TimeZone.h"
 
 #include <cstdint>
 #include <memory>
@@ -39,7 +40,7 @@ struct SearchClause {
     bool anyPart = false;
     bool anyEnd = false;
     std::shared_ptr<const Expression> expression = nullptr;
-    Date date = {}; ///< UTC
+    Date date = {}; ///< UTC; what was written, until goByClock()
 };
 
 /// All of its conditions have to be met.
@@ -53,6 +54,16 @@ struct SearchQuery {
 /// a date or an expression that can't be read, with its letter, and when there is nothing to look
 /// for or too much.
 SearchQuery parseSearch(std::string_view text);
+
+/// Dates of before: and after: are those that the clock of this zone shows; once. Throws as
+/// firstMoment() does.
+void goByClock(SearchQuery &query, const TimeZone &zone, bool enableDSTChanges);
+/// Whether any condition is of dates.
+bool hasDates(const SearchQuery &query);
+
+/// The index tells of it at once, so that it can be looked for letter by letter: it need not read
+/// row by row.
+bool isFoundAtOnce(const SearchQuery &query);
 
 /// An operator in whose value somebody writes.
 struct TypedOperator {

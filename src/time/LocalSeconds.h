@@ -44,4 +44,8 @@ class LocalSeconds {
     std::optional<std::int64_t> m_lastOffset; ///< of that hour
 };
 
+/// The first moment at which the zone's clock shows this second or a later one, in seconds since
+/// 1970-01-01 00:00 of that clock. No date where the calendar ends. Throws as LocalSeconds::of().
+Date firstMoment(std::int64_t second, const TimeZone &zone, bool enableDSTChanges);
+
 } // namespace nv

@@ -136,5 +136,22 @@ TEST_F(CaseReportCliTest, aMediumThatCantBeWrittenIsReported) {
     EXPECT_THAT(all(), Not(HasSubstr("tide.example")));
 }
 
+TEST_F(CaseReportCliTest, aRedactionThatNothingFitsIsToldOfWhateverKind) {
+    const CliResult run = report({"--leave-out", "host=tide.exampel", "--blur", "person=maara",
+                                  "--blur", "value=Lowwater", "--blur", "picture=99"});
+    EXPECT_EQ(run.exit, 2) << "who hands it over by a script has to hear of it";
+    EXPECT_THAT(run.err, HasSubstr("no row is of the host \"tide.exampel\": only the words are "
+                                   "redacted; there are: tide.example (1)"));
+    EXPECT_THAT(run.err, HasSubstr("no row is of the person \"maara\""));
+    EXPECT_THAT(run.err, HasSubstr("there is no row 99"));
+    EXPECT_THAT(run.err,
+                HasSubstr("nothing in the report fits \"leave out host=tide.exampel\", \"blur "
+                          "person=maara\", \"blur value=Lowwater\", \"blur picture=99\""));
+    EXPECT_THAT(text(out / "index.htm"), HasSubstr("Nothing was redacted. Chosen were"));
+    EXPECT_THAT(cli({"trail", project}).out,
+                HasSubstr("nothing was redacted; nothing fits 1 host, 1 person, 1 value, 1 pict"));
+    EXPECT_EQ(report({"--overwrite", "--blur", "value=tide.example"}).exit, 0);
+}
+
 } // namespace
 } // namespace nv::test

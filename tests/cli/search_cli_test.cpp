@@ -4,7 +4,10 @@
 #include "search/IndexFile.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>
+#include <fmt/format.h>
 #include <gmock/gmock.h>
+
+#include <array>
 
 namespace nv::test {
 namespace {
@@ -281,6 +284,35 @@ TEST_F(SearchCliTest, namesTheLineOfAListThatItCannotRead) {
     EXPECT_EQ(run.exit, 1);
     EXPECT_THAT(run.err, HasSubstr("terms.txt\" line 2: the expression /a(/"));
     EXPECT_EQ(cli({"keywords", project, "/no/such/list"}).exit, 1);
+}
+
+/// Four visits around the night in which Berlin's clocks went forward; the first is of 2011-03-27
+/// there already, the last of the day after.
+TEST_F(SearchCliTest, datesGoByTheZoneOfTheProject) {
+    IndexDat index;
+    const std::array<std::uint64_t, 4> dates = {
+        fileTime(2011, 3, 26, 23, 30), fileTime(2011, 3, 27, 0, 30), fileTime(2011, 3, 27, 21, 59),
+        fileTime(2011, 3, 27, 22, 0)};
+    for (std::size_t at = 0; at < dates.size(); ++at)
+        index.add({.url = fmt::format("Visited: ada@http://n{}.example/", at + 1),
+                   .secondDate = dates.at(at)});
+    const auto file = folder.write("night/index.dat", index.bytes());
+    const auto found = [&](const char *zone) {
+        project = (folder.path() / fmt::format("{}.nvp", std::string(zone).substr(0, 3))).string();
+        EXPECT_EQ(cli({"import", project, file.parent_path().string(), "--zone", zone}).exit, 0);
+        return ids("after:2011-03-27 before:2011-03-28");
+    };
+    EXPECT_EQ(found("UTC"), "2 3 4");
+    EXPECT_THAT(search("after:2011-03-27").err, HasSubstr("by the clock of UTC\n"));
+    EXPECT_EQ(found("Europe/Berlin"), "1 2 3");
+    EXPECT_EQ(ids("after:2011-03-27T02:30"), "3 4") << "an hour that wasn't there";
+    EXPECT_EQ(ids("-before:2011-03-28"), "4");
+    EXPECT_THAT(search("before:2011-03-28", {"--keep", "Night"}).err,
+                HasSubstr("before: and after: go by the clock of Europe/Berlin\n"));
+    EXPECT_THAT(cli({"results", project}).out,
+                HasSubstr("before:2011-03-28 [dates by Europe/Berlin]"));
+    EXPECT_THAT(cli({"trail", project}).out, HasSubstr("[dates by Europe/Berlin]"));
+    EXPECT_THAT(search("example").err, Not(HasSubstr("clock of"))) << "no date was asked for";
 }
 
 } // namespace

@@ -123,14 +123,17 @@ TEST_F(TrailCliTest, reportsTellWhichRowsAndHowMuchWasRedacted) {
                    "--blur", "host=a.example", "--blur", "person=mara", "--leave-out",
                    "value=lowtide", "--remember"})
                   .exit,
-              0);
+              2)
+        << "the value is nowhere";
     const std::string trail = cli({"trail", project, "--format", "jsonl"}).out;
     EXPECT_THAT(trail,
-                HasSubstr(R"("Detail":"Choices for reports kept with the project: redacted: )"
-                          R"(1 value left out; 1 host, 1 person blurred")"));
+                HasSubstr(R"("Detail":"Choices for reports kept with the project: redactions )"
+                          R"(chosen: leave out 1 value; blur 1 host, 1 person")"));
     EXPECT_THAT(trail, HasSubstr("Case report of "));
     EXPECT_THAT(trail, HasSubstr(R"(the host \"[redacted]\")"));
-    EXPECT_THAT(trail, HasSubstr("; redacted: 1 value left out; 1 host, 1 person blurred; in the"));
+    EXPECT_THAT(trail,
+                HasSubstr("; redactions chosen: leave out 1 value; blur 1 host, 1 person ("));
+    EXPECT_THAT(trail, HasSubstr("; nothing fits 1 value); in the"));
     EXPECT_THAT(trail, testing::Not(HasSubstr("lowtide")));
     EXPECT_THAT(trail, testing::Not(HasSubstr("a.example")));
     EXPECT_EQ(

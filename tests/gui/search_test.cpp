@@ -1,3 +1,4 @@
+#include "app/program/Zones.h"
 #include "db/marks/NamedTags.h"
 #include "gui/LimitedTable.h"
 #include "ui/search/HitCountsForm.h"
@@ -33,6 +34,8 @@ class SearchTest : public QObject {
     void tagsThatCameLaterAreOffered();
     void aNameThatNoRowHasIsToldBelowTheBox();
     void aWrongDateIsToldWithItsPlace();
+    void datesGoByTheZoneThatTheChipNames();
+    void enterInTheEmptyBoxNamesAllOperators();
     void theHitIsShownAndTheNextOneGoneTo();
     void marksStandInTheTextOfAPage();
     void controlFLeadsToTheBoxAndEscapeOut();
@@ -278,6 +281,36 @@ void SearchTest::aWrongDateIsToldWithItsPlace() {
     m_on->type(QStringLiteral("/a[/ tide"));
     QTRY_VERIFY2(message().text().startsWith(QStringLiteral("letter 1: the expression /a[/")),
                  qPrintable(message().text()));
+}
+
+void SearchTest::datesGoByTheZoneThatTheChipNames() {
+    m_on->project().exec("UPDATE URLs SET ActionDateUTC = NULL");
+    // 23:30 of the day before in UTC is past midnight in Berlin.
+    m_on->project().exec("UPDATE URLs SET ActionDateUTC = julianday('2011-02-28 23:30:00') - "
+                         "2415018.5 WHERE URL_ID = 1");
+    Program &program = m_on->desk.program;
+    program.state.gmtZone.exact = exactZoneNamed(program, "Europe/Berlin");
+    trigger(m_on->form, "actRefresh");
+    m_on->enter(QStringLiteral("after:2011-03-01"));
+    QTRY_COMPARE(m_on->rows(), 1);
+    QVERIFY2(m_on->chip(QStringLiteral("after:2011-03-01 (dates by Europe/Berlin)")),
+             qPrintable(m_on->chips().join(u'|')));
+    shot("search-zone");
+    program.state.gmtZone.exact = exactZoneNamed(program, "UTC");
+    trigger(m_on->form, "actRefresh");
+    QTRY_COMPARE(m_on->rows(), 0);
+    QVERIFY(m_on->chip(QStringLiteral("(dates by UTC)")));
+}
+
+void SearchTest::enterInTheEmptyBoxNamesAllOperators() {
+    m_on->enter({});
+    for (const char *word : {"\"a phrase\"", "-without", "*part*", "host:", "browser:", "kind:",
+                             "tag:", "hashset:", "after:", "before:", "/expression/"})
+        QVERIFY2(message().text().contains(QLatin1String(word)), word);
+    QVERIFY2(message().height() < 3 * message().fontMetrics().lineSpacing(), "two lines at most");
+    shot("search-operators");
+    m_on->type(QStringLiteral("a"));
+    QTRY_VERIFY(!message().text().contains(QStringLiteral("hashset:")));
 }
 
 void SearchTest::theHitIsShownAndTheNextOneGoneTo() {

@@ -2,12 +2,16 @@
 
 #include "app/jobs/Trail.h"
 #include "app/project/EvidenceFolders.h"
+#include "app/project/Project.h"
 #include "base/Files.h"
+#include "base/NoLog.h"
 #include "base/Text.h"
+#include "base/Trap.h"
 #include "db/marks/SearchResults.h"
 #include "db/project/StoredQueries.h"
 #include "search/IndexFile.h"
 #include "views/queries/QueryCommands.h"
+#include "views/record/RecordCard.h"
 
 #include <fmt/format.h>
 
@@ -49,6 +53,25 @@ SearchResult resultOf(const Program &program, const std::string &name, std::stri
 }
 
 } // namespace
+
+SearchQuery projectSearch(const Program &program, std::string_view text) {
+    SearchQuery query = parseSearch(text);
+    goByClock(query, program.state.gmtZone, dateSettings(program).enableDSTChanges);
+    return query;
+}
+
+std::string zoneOfSearch(const Program &program, std::string_view text) {
+    NoLog unheard; // what can't be read was told as it was typed
+    SearchQuery query;
+    if (failureOf(unheard, "MainForm.SearchProject()", [&] { query = parseSearch(text); }))
+        return {};
+    return hasDates(query) ? zoneName(program.state.gmtZone) : std::string();
+}
+
+std::string toldSearch(const Program &program, const std::string &text) {
+    const std::string zone = zoneOfSearch(program, text);
+    return zone.empty() ? text : fmt::format("{} [dates by {}]", text, zone);
+}
 
 SearchFound searchProject(Program &program, RowMatch &match, TaskMonitor &task,
                           const std::filesystem::path &scratch) {

@@ -7,8 +7,17 @@
 
 #include <filesystem>
 #include <string>
+#include <string_view>
 
 namespace nv {
+
+/// Reads what was typed; before: and after: go by the clock of the open project's zone. Throws
+/// SearchFailure.
+SearchQuery projectSearch(const Program &program, std::string_view text);
+/// The name of the zone by which a search goes; empty for one without dates or that can't be read.
+std::string zoneOfSearch(const Program &program, std::string_view text);
+/// A search as it is told later: with that zone.
+std::string toldSearch(const Program &program, const std::string &text);
 
 /// Searches the open project by the index beside it. `scratch` is an existing folder of the
 /// program's own for an index that can't lie there. Throws StorageFailure.

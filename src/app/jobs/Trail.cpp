@@ -43,19 +43,31 @@ std::string_view typeOf(const ReportWriter &report) {
                                                  : "Tabular";
 }
 
-/// How much of which kind: "1 host left out; 2 persons blurred".
+/// How much of which kind was chosen: "leave out 1 host; blur 2 people".
 std::string redactionsIn(const CaseOptions &options) {
     std::string text;
-    for (const auto &[way, words] : {std::pair(RedactionWay::leaveOut, "left out"),
-                                     std::pair(RedactionWay::blur, "blurred")}) {
+    for (const auto &[way, words] :
+         {std::pair(RedactionWay::leaveOut, "leave out"), std::pair(RedactionWay::blur, "blur")}) {
         RedactionRules rules;
         for (const RedactionRule &rule : options.redactions)
             if (rule.way == way)
                 rules.push_back(rule);
         if (!rules.empty())
-            text += fmt::format("{}{} {}", text.empty() ? "" : "; ", chosenText(rules), words);
+            text += fmt::format("{}{} {}", text.empty() ? "" : "; ", words, chosenText(rules));
     }
-    return text.empty() ? "nothing redacted" : "redacted: " + text;
+    return text.empty() ? "nothing redacted" : "redactions chosen: " + text;
+}
+
+/// What was chosen, and what came of it.
+std::string redactedIn(const ReportWriter &report) {
+    std::string text = redactionsIn(report.caseOptions);
+    if (report.caseOptions.redactions.empty())
+        return text;
+    const std::string done = redactedText(report.redacted);
+    text += fmt::format(" ({}", done.empty() ? "nothing was redacted" : done);
+    if (!report.unmetRedactions.empty())
+        text += fmt::format("; nothing fits {}", chosenText(report.unmetRedactions));
+    return text + ")";
 }
 
 /// In words, but none that a redaction keeps secret: who gets the trail gets them too.
@@ -283,7 +295,7 @@ void noteReport(Program &program, const ReportWriter &report, std::int64_t rows)
                     counted(static_cast<std::uint64_t>(rows), "row"), selectionIn(report));
     // The other types show all.
     if (report.reportType == kCaseType)
-        entry.detail += redactionsIn(report.caseOptions) + "; ";
+        entry.detail += redactedIn(report) + "; ";
     entry.detail += "in the program's scratch folder until it is published, with the same hashes";
     entry.rowCount = rows;
     noteFileInTrail(program, std::move(entry), report.reportFilePath,

@@ -75,6 +75,15 @@ Message replacePublished(std::string_view folder) {
                     Answer::No, Tone::Warning);
 }
 
+Message redactionsUnmet(std::string_view rules) {
+    return question("redactions-unmet", "Publish Report",
+                    fmt::format("Nothing in this report fits these redactions:\n\n{}\nWhere a name "
+                                "is written otherwise in the evidence, the report shows it. Do you "
+                                "want to publish it all the same?",
+                                rules),
+                    Answer::No, Tone::Warning);
+}
+
 Message reportPublished() {
     return notice("report-published", "", "Your report has been Successfully published.",
                   Tone::Information);

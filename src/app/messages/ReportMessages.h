@@ -20,6 +20,8 @@ Message readyToPublish();
 Message reportInMaking();
 Message reportNotPublished(std::size_t count, std::string_view page);
 Message replacePublished(std::string_view folder);
+/// `rules` are those that nothing in the report fits, a line each.
+Message redactionsUnmet(std::string_view rules);
 Message reportPublished();
 
 } // namespace nv::messages

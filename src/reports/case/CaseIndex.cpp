@@ -219,9 +219,18 @@ void CaseIndex::redactions(std::ostream &file) {
         return;
     }
     const RedactionCounts &counts = m_redactor.counts;
-    file << "<h2 id=\"redactions\">Redacted</h2>\n<p class=\"note\">On purpose this report doesn't "
-            "show all that was found. Chosen were "
-         << htmlText(chosenText(rules)) << ".</p>\n<dl>\n"
+    const RedactionRules unmet = m_redactor.unmet();
+    file << "<h2 id=\"redactions\">Redacted</h2>\n<p class=\"note\">"
+         << (redactedText(counts).empty()
+                 ? "Nothing was redacted. "
+                 : "On purpose this report doesn't show all that was found. ")
+         << "Chosen were " << htmlText(chosenText(rules)) << "."
+         << (unmet.empty()
+                 ? std::string()
+                 : fmt::format(" Nothing in this report fits {} of these: {}.",
+                               unmet.size() == rules.size() ? "any" : std::to_string(unmet.size()),
+                               htmlText(chosenText(unmet))))
+         << "</p>\n<dl>\n"
          << caseField("Rows left out", grouped(counts.rowsLeftOut))
          << caseField("Places in texts",
                       fmt::format("{}, where {} stands", grouped(counts.placesBlurred), kRedacted))

@@ -77,6 +77,8 @@ bool CaseReport::make() {
     if (!writeTables() || !writeTags() || !writeCards() || !writeOrigins() || !writeIndex())
         return false;
     listFiles();
+    m_report.redacted = m_redactor.counts;
+    m_report.unmetRedactions = m_redactor.unmet();
     moveFile(m_folder.unfinished(), m_report.reportFilePath);
     return true;
 }

@@ -70,8 +70,10 @@ RedactedContent::RedactedContent(const ReportContext &ctx, const ReportFolder &f
             const auto content =
                 record ? contentOf(*record, ctx.rebuild.extraction()) : std::nullopt;
             if (content)
-                if (const auto hashes = hashesOfFile(*content))
+                if (const auto hashes = hashesOfFile(*content)) {
                     m_pictures.emplace(hashes->sha256, *redactor.pictureOf(id));
+                    redactor.notePicture(id);
+                }
         });
     }
 }

@@ -107,4 +107,19 @@ std::string chosenText(const RedactionRules &rules) {
     return text;
 }
 
+std::string redactedText(const RedactionCounts &counts) {
+    std::string text;
+    const auto tell = [&text](std::uint64_t count, std::string_view one, std::string_view what) {
+        if (count > 0)
+            text += fmt::format("{}{} {}", text.empty() ? "" : ", ", counted(count, one), what);
+    };
+    tell(counts.rowsLeftOut, "row", "left out");
+    tell(counts.placesBlurred, "place", "in texts blurred");
+    tell(counts.picturesBlurred, "picture", "blurred");
+    tell(counts.picturesLeftOut, "picture", "left out");
+    tell(counts.filesChanged, "content", "changed");
+    tell(counts.filesLeftOut, "content", "left out");
+    return text;
+}
+
 } // namespace nv

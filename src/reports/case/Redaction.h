@@ -56,5 +56,7 @@ struct RedactionCounts {
 
 /// "2 hosts, 1 person": how many of each were chosen.
 std::string chosenText(const RedactionRules &rules);
+/// "12 rows left out, 3 places in texts blurred"; empty where nothing was redacted.
+std::string redactedText(const RedactionCounts &counts);
 
 } // namespace nv

@@ -9,6 +9,8 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <functional>
+#include <map>
 #include <utility>
 
 namespace nv {
@@ -93,25 +95,37 @@ std::vector<std::string> embeddedData(std::string_view text) {
     return found;
 }
 
-Redactor::Redactor(RedactionRules rules) : m_rules(std::move(rules)) {
+Redactor::Redactor(RedactionRules rules) : m_rules(std::move(rules)), m_met(m_rules.size()) {
     for (const RedactionRule &rule : m_rules) {
         if (rule.thing == RedactedThing::picture)
             continue;
-        m_words.push_back(lowered(rule.what));
         for (const bool isBigEndian : {false, true})
             if (std::string wide = wideOf(rule.what, isBigEndian); !wide.empty())
                 m_wide.push_back(std::move(wide));
     }
-    std::erase(m_words, std::string());
-    for (const std::string &word : m_words)
+    takeWords();
+    for (const auto &[word, met] : m_words) {
         m_begins.at(static_cast<unsigned char>(word.front())) = true;
-    for (const std::string &word : m_words) {
         m_areAscii &= std::ranges::all_of(word, [](char c) { return c >= 0; });
         m_fewest = m_fewest == 0 ? charCount(word) : std::min(m_fewest, charCount(word));
     }
-    std::ranges::sort(m_words, [](const std::string &one, const std::string &other) {
-        return one.size() > other.size();
-    });
+}
+
+void Redactor::takeWords() {
+    std::map<std::string, std::vector<std::size_t>> words;
+    for (std::size_t rule = 0; rule < m_rules.size(); ++rule)
+        if (m_rules[rule].thing != RedactedThing::picture)
+            words[lowered(m_rules[rule].what)].push_back(rule);
+    words.erase(std::string());
+    for (const auto &[text, rules] : words) {
+        Word &word = m_words.emplace_back();
+        word.text = text;
+        for (const auto &[part, met] : words)
+            if (text.find(part) != std::string::npos)
+                word.rules.insert(word.rules.end(), met.begin(), met.end());
+    }
+    std::ranges::stable_sort(m_words, std::greater(),
+                             [](const Word &word) { return word.text.size(); });
 }
 
 bool Redactor::leavesOutRows() const {
@@ -130,15 +144,16 @@ std::string Redactor::withMarks(std::string_view value, PlainStream::Codes codes
             ++at;
             continue;
         }
-        const auto word = std::ranges::find_if(m_words, [&](const std::string &each) {
-            return std::string_view(stream.plain).substr(at).starts_with(each);
+        const auto word = std::ranges::find_if(m_words, [&](const Word &each) {
+            return std::string_view(stream.plain).substr(at).starts_with(each.text);
         });
         if (word == m_words.end()) {
             ++at;
             continue;
         }
         const std::size_t begin = stream.origin[at];
-        at += word->size();
+        at += word->text.size();
+        std::ranges::for_each(word->rules, [this](std::size_t rule) { meet(rule); });
         const std::size_t end = stream.origin[at];
         if (begin < done) // one letter that was two of the stream
             continue;
@@ -153,9 +168,13 @@ std::string Redactor::withMarks(std::string_view value, PlainStream::Codes codes
 std::string Redactor::text(std::string_view value) {
     if (m_words.empty() || value.empty())
         return std::string(value);
-    const std::string marked = withoutCodedRuns(withMarks(
-        withMarks(decodeText(value), PlainStream::Codes::keep), PlainStream::Codes::undo));
-    if (!holdsPlain(marked) && !holdsCoded(marked))
+    const std::string seen =
+        withMarks(withMarks(decodeText(value), PlainStream::Codes::keep), PlainStream::Codes::undo);
+    const std::string marked = withoutCodedRuns(seen);
+    const bool isLeft = holdsPlain(marked) || holdsCoded(marked);
+    if (isLeft || marked != seen)
+        meetCoded(seen);
+    if (!isLeft)
         return marked;
     ++counts.placesBlurred;
     return std::string(kRedacted);
@@ -163,8 +182,8 @@ std::string Redactor::text(std::string_view value) {
 
 bool Redactor::holdsPlain(std::string_view text) const {
     const auto isIn = [this](const PlainStream &stream) {
-        return std::ranges::any_of(m_words, [&stream](const std::string &word) {
-            return stream.plain.find(word) != std::string::npos;
+        return std::ranges::any_of(m_words, [&stream](const Word &word) {
+            return stream.plain.find(word.text) != std::string::npos;
         });
     };
     if (isIn(PlainStream(text, PlainStream::Codes::keep)))
@@ -247,7 +266,22 @@ bool Redactor::holdsDecoded(std::string_view bytes, int codings) const {
 }
 
 bool Redactor::holds(std::string_view bytes) const {
+    const bool isThere = holdsAny(bytes);
+    if (isThere)
+        meetCoded(bytes);
+    return isThere;
+}
+
+bool Redactor::holdsAny(std::string_view bytes) const {
     return !m_words.empty() && (holdsUncoded(bytes) || holdsCoded(bytes));
+}
+
+/// Which of the words it is that these hold in some code.
+void Redactor::meetCoded(std::string_view bytes) const {
+    for (std::size_t rule = 0; rule < m_rules.size(); ++rule)
+        if (!m_met[rule] && m_rules[rule].thing != RedactedThing::picture &&
+            Redactor({m_rules[rule]}).holdsAny(bytes))
+            meet(rule);
 }
 
 bool Redactor::holdsUncoded(std::string_view bytes) const {
@@ -271,35 +305,51 @@ bool Redactor::isOfHost(std::string_view host) const {
 }
 
 bool Redactor::hidesHost(std::string_view host) const {
-    return std::ranges::any_of(m_rules, [host](const RedactionRule &rule) {
-        return rule.thing == RedactedThing::host && rule.way == RedactionWay::blur &&
-               isBelow(host, rule.what);
-    });
+    bool isHidden = false;
+    for (std::size_t at = 0; at < m_rules.size(); ++at) {
+        const RedactionRule &rule = m_rules[at];
+        if (rule.thing != RedactedThing::host || rule.way != RedactionWay::blur ||
+            !isBelow(host, rule.what))
+            continue;
+        meet(at);
+        isHidden = true;
+    }
+    return isHidden;
 }
 
+bool Redactor::fits(const RedactionRule &rule, const UrlRecord &record, std::string_view host,
+                    const std::vector<std::string_view> &texts) {
+    switch (rule.thing) {
+    case RedactedThing::host:
+        return isBelow(host, rule.what);
+    case RedactedThing::person:
+        return lowered(record.Person) == lowered(rule.what) ||
+               lowered(record.User) == lowered(rule.what);
+    case RedactedThing::value: {
+        const Redactor alone({rule});
+        return std::ranges::any_of(
+            texts, [&alone](std::string_view text) { return alone.holdsAny(text); });
+    }
+    case RedactedThing::picture:
+        break;
+    }
+    return false;
+}
+
+/// By whichever rule: none counts as of no use because another took the row before.
 bool Redactor::leavesOut(const UrlRecord &record,
                          const std::vector<std::string_view> &texts) const {
     const std::string host = hostOf(record);
-    const auto isOf = [&](const RedactionRule &rule) {
-        if (rule.way != RedactionWay::leaveOut)
-            return false;
-        switch (rule.thing) {
-        case RedactedThing::host:
-            return isBelow(host, rule.what);
-        case RedactedThing::person:
-            return lowered(record.Person) == lowered(rule.what) ||
-                   lowered(record.User) == lowered(rule.what);
-        case RedactedThing::value: {
-            const Redactor alone({rule});
-            return std::ranges::any_of(
-                texts, [&alone](std::string_view text) { return alone.holds(text); });
-        }
-        case RedactedThing::picture:
-            return false;
-        }
-        return false;
-    };
-    return std::ranges::any_of(m_rules, isOf);
+    bool isOut = false;
+    for (std::size_t at = 0; at < m_rules.size(); ++at) {
+        const RedactionRule &rule = m_rules[at];
+        if (rule.way != RedactionWay::leaveOut || (isOut && m_met[at]) ||
+            !fits(rule, record, host, texts))
+            continue;
+        meet(at);
+        isOut = true;
+    }
+    return isOut;
 }
 
 std::optional<RedactionWay> Redactor::pictureOf(UrlId id) const {
@@ -316,6 +366,21 @@ std::vector<UrlId> Redactor::pictureRows() const {
         if (rule.thing == RedactedThing::picture)
             rows.push_back(UrlId{std::stoll(rule.what)});
     return rows;
+}
+
+void Redactor::notePicture(UrlId id) {
+    const std::string digits = std::to_string(number(id));
+    for (std::size_t at = 0; at < m_rules.size(); ++at)
+        if (m_rules[at].thing == RedactedThing::picture && m_rules[at].what == digits)
+            meet(at);
+}
+
+RedactionRules Redactor::unmet() const {
+    RedactionRules rules;
+    for (std::size_t at = 0; at < m_rules.size(); ++at)
+        if (!m_met[at])
+            rules.push_back(m_rules[at]);
+    return rules;
 }
 
 } // namespace nv

@@ -42,10 +42,25 @@ class Redactor {
     /// How the picture of a row is to be treated; nothing for one that may be seen.
     std::optional<RedactionWay> pictureOf(UrlId id) const;
     std::vector<UrlId> pictureRows() const;
+    /// The picture of this row was found: whatever has its bytes is redacted.
+    void notePicture(UrlId id);
+    /// The rules that nothing has fitted so far.
+    RedactionRules unmet() const;
 
     RedactionCounts counts;
 
   private:
+    struct Word {
+        std::string text;               ///< in one case
+        std::vector<std::size_t> rules; ///< those that it meets, with words within it
+    };
+
+    void takeWords();
+    void meet(std::size_t rule) const { m_met[rule] = true; }
+    void meetCoded(std::string_view bytes) const;
+    static bool fits(const RedactionRule &rule, const UrlRecord &record, std::string_view host,
+                     const std::vector<std::string_view> &texts);
+    bool holdsAny(std::string_view bytes) const;
     bool holdsPlain(std::string_view text) const;
     bool holdsUncoded(std::string_view bytes) const;
     bool holdsCoded(std::string_view text, int codings) const;
@@ -55,10 +70,12 @@ class Redactor {
 
     RedactionRules m_rules;
     std::array<bool, 256> m_begins{}; ///< whether a word begins with this byte
-    std::vector<std::string> m_words; ///< in one case, the longest first
-    std::vector<std::string> m_wide;  ///< in UTF-16 of both orders
-    std::size_t m_fewest = 0;         ///< characters of the shortest word
-    bool m_areAscii = true;           ///< the words
+    std::vector<Word> m_words;        ///< the longest first
+    /// Of each rule, whether it was of use. Who only asks has found something, too.
+    mutable std::vector<bool> m_met;
+    std::vector<std::string> m_wide; ///< in UTF-16 of both orders
+    std::size_t m_fewest = 0;        ///< characters of the shortest word
+    bool m_areAscii = true;          ///< the words
 };
 
 /// What the addresses of data in a page or a style hold. One within another is part of it.

@@ -71,6 +71,8 @@ class ReportWriter {
     bool includeCaseTrail = false;   ///< what was done with the project, after the legend
     bool includeOrigins = false;     ///< where values of rows with the tick come from, after that
     CaseOptions caseOptions;         ///< of a report of a case
+    RedactionCounts redacted;        ///< what became of its redactions
+    RedactionRules unmetRedactions;  ///< those of them that nothing in the report fitted
     std::size_t recordsFailed = 0;   ///< entries that only say so
     UnreadRows failedRows;           ///< which ones
     std::size_t filesFailed = 0;     ///< cards without a cached file that could not be read

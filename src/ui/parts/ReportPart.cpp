@@ -11,6 +11,7 @@
 #include "base/Text.h"
 #include "base/Trap.h"
 #include "platform/qt/QtText.h"
+#include "reports/case/RedactionNotes.h"
 #include "reports/report/PublishReport.h"
 #include "time/DateFormat.h"
 #include "ui/frame/WorkProgress.h"
@@ -29,6 +30,7 @@
 #include <fmt/ranges.h>
 
 #include <algorithm>
+#include <memory>
 #include <optional>
 #include <utility>
 
@@ -253,9 +255,11 @@ bool ReportPart::chooseOptions(ReportWriter &report, RowIds &ids) {
         ids, [&tagged](auto id) { return std::ranges::binary_search(tagged, UrlId{id}); }));
     report.includeAll = shown == 0;
     const std::vector<ReportTag> tags = reportTags(program, ids);
-    ReportForm form(report, {ids.size(), shown, tags, keptReportTags(program)}, m_bench.examiner(),
-                    &m_bench.window);
-    if (form.exec() != QDialog::Accepted)
+    ReportForm form(report, {ids.size(), shown, tags, keptReportTags(program), adviser()},
+                    m_bench.examiner(), &m_bench.window);
+    const int answer = form.exec();
+    m_look.stop();
+    if (answer != QDialog::Accepted)
         return false;
     form.apply(report);
     m_publishes = form.publishes();
@@ -271,13 +275,31 @@ bool ReportPart::chooseOptions(ReportWriter &report, RowIds &ids) {
     return true;
 }
 
+RedactionAdviser ReportPart::adviser() {
+    return [this](const RedactionRules &rules,
+                  const std::function<void(std::vector<std::string>)> &answer) {
+        const auto notes = std::make_shared<std::vector<std::string>>();
+        m_look.start(
+            m_bench.program.state.projectDB.filePath,
+            [rules, notes](SQLite::Database &project, TaskMonitor &task) {
+                return notesOnRedactions(project, rules, NotedThings::all, task, *notes);
+            },
+            [notes, answer](const QString &failure) {
+                answer(failure.isEmpty() ? *notes : std::vector<std::string>());
+            });
+    };
+}
+
 void ReportPart::tellOf(const ReportWriter &report, bool finished) {
     if (finished) {
         m_bench.actions.openReportFolder->setEnabled(true);
-        showReport(report.reportFilePath);
+        showReport(report);
+        const RedactionRules &unmet = report.unmetRedactions;
         m_bench.showNotice(
-            tr("The report is ready; Publish Report keeps it when the program ends. %1")
-                .arg(pathToQt(report.reportFilePath)));
+            unmet.empty()
+                ? tr("The report is ready; Publish Report keeps it when the program ends. %1")
+                      .arg(pathToQt(report.reportFilePath))
+                : tr("The report is ready, but %1").arg(toQt(unmetText(unmet))));
         if (const auto notes = notesOf(report); !notes.empty())
             m_bench.examiner().tell(messages::reportingError(
                 fmt::format("{}\n\nThe log \"{}\" says why.", fmt::join(notes, "\n"),
@@ -296,11 +318,13 @@ ReportPart::Read ReportPart::whatIsRead() const {
 
 /// The finished report comes to the front of the viewers, unless the examiner has gone on to read
 /// something else meanwhile.
-void ReportPart::showReport(const fs::path &page) {
+void ReportPart::showReport(const ReportWriter &report) {
+    const fs::path &page = report.reportFilePath;
     const auto failure = failureOf(m_bench.program.log, "ReportForm.OkBtn_Click()", [&] {
         std::erase_if(m_made, [&page](const Made &each) { return each.page == page; });
         m_made.push_back({m_bench.program.state.projectDBPath, page,
-                          readNumber(m_bench.program.settings, "ReportType")});
+                          readNumber(m_bench.program.settings, "ReportType"),
+                          report.unmetRedactions});
         m_bench.program.state.viewer.reportURL = page.string();
         auto *pane = m_bench.viewers->findChild<ReportPane *>();
         pane->refresh();
@@ -328,6 +352,8 @@ bool ReportPart::publish(int type) {
         m_bench.examiner().tell(messages::nothingToPublish());
         return false;
     }
+    if (!mayShowAll(type))
+        return false;
     const auto target =
         m_bench.dialogs.chooseFolder(std::string(kChooseFolder), state.publishTempFolder);
     if (!target || !fs::is_directory(*target))
@@ -335,6 +361,16 @@ bool ReportPart::publish(int type) {
     refuseEvidence(*target, m_bench.program.state);
     return m_bench.examiner().ask(messages::readyToPublish()) == Answer::Yes &&
            mayReplace(*target, type) && publishTo(*target, type);
+}
+
+/// A redaction that nothing fits may be misspelt, and then all is handed over.
+bool ReportPart::mayShowAll(int type) const {
+    const auto made = std::find_if(m_made.rbegin(), m_made.rend(), [&](const Made &each) {
+        return each.type == type && isThere(each);
+    });
+    if (made == m_made.rend() || made->unmet.empty())
+        return true;
+    return m_bench.examiner().ask(messages::redactionsUnmet(linesOf(made->unmet))) == Answer::Yes;
 }
 
 /// What an earlier report held and this one doesn't would be handed over with it. False when the

@@ -1,7 +1,10 @@
 #pragma once
 
+#include "reports/case/Redaction.h"
+#include "ui/parts/ProjectLook.h"
 #include "ui/parts/ReportWork.h"
 #include "ui/parts/Workbench.h"
+#include "ui/reports/RedactionForm.h"
 
 #include <QTimer>
 
@@ -14,6 +17,7 @@
 
 namespace nv {
 
+class ReportWriter;
 class WorkProgress;
 
 /// The commands Create Report and Publish Report.
@@ -29,6 +33,7 @@ class ReportPart final : public QObject {
         std::filesystem::path project;
         std::filesystem::path page;
         int type = 0;           ///< as the settings have it
+        RedactionRules unmet;   ///< redactions that nothing in it fits
         bool isSettled = false; ///< published, or the examiner lets it go
     };
 
@@ -55,7 +60,10 @@ class ReportPart final : public QObject {
     bool chooseOptions(ReportWriter &report, RowIds &ids);
     void tellOf(const ReportWriter &report, bool finished);
     void showLarge();
-    void showReport(const std::filesystem::path &page);
+    void showReport(const ReportWriter &report);
+    RedactionAdviser adviser();
+    /// False when the examiner thinks better of it.
+    bool mayShowAll(int type) const;
     void tellOfFailures();
     void withdrawReport();
     /// That of the type which was made last.
@@ -67,6 +75,7 @@ class ReportPart final : public QObject {
     void openFolder() const;
 
     Workbench &m_bench;
+    ProjectLook m_look;                 ///< for what redactions fit
     WorkProgress *m_progress = nullptr; ///< in the status bar
     std::unique_ptr<ReportWork> m_work; ///< the report that is being made
     std::function<void()> m_ending;     ///< what is to be done once it is made

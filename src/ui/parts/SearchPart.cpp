@@ -19,7 +19,6 @@
 #include <QStatusBar>
 #include <SQLiteCpp/Database.h>
 
-#include <algorithm>
 #include <utility>
 
 namespace nv {
@@ -30,15 +29,9 @@ constexpr const char *kProcedure = "MainForm.SearchProject()";
 constexpr std::chrono::milliseconds kPause{20};  ///< after a letter
 constexpr std::chrono::milliseconds kSettle{40}; ///< the first rows wait for all of them
 constexpr std::chrono::milliseconds kWhileBusy{50};
-constexpr qsizetype kLeastLetters = 3;
 
-/// The index tells of it at once: it need not read row by row.
-bool isQuick(const SearchQuery &query) {
-    return std::ranges::any_of(query.clauses, [](const SearchClause &clause) {
-        const bool isText = clause.kind == ClauseKind::text;
-        return clause.kind != ClauseKind::expression && !clause.isExcluded &&
-               (!isText || toQt(clause.text).size() >= kLeastLetters);
-    });
+std::int64_t lastRow(SQLite::Database &project) {
+    return project.execAndGet("SELECT ifnull(max(URL_ID), 0) FROM URLs").getInt64();
 }
 
 /// The actions of the window, with the keys in their hints.
@@ -170,7 +163,7 @@ void SearchPart::start(const QString &text, SearchScope scope) {
     NoLog unheard; // half a word of an operator is no failure
     bool goesOn = true;
     const auto fault = failureOf(unheard, kProcedure, [&] {
-        goesOn = isQuick(parseSearch(fromQt(text))) || scope == SearchScope::all;
+        goesOn = isFoundAtOnce(parseSearch(fromQt(text))) || scope == SearchScope::all;
     });
     if (fault)
         return m_help->showFault(text, toQt(*fault));
@@ -183,19 +176,23 @@ void SearchPart::start(const QString &text, SearchScope scope) {
 void SearchPart::look(const QString &text, SearchScope scope) {
     if (!m_bench.isProjectOpen())
         return;
-    m_wanted = {text, scope, nullptr};
+    m_wanted = {text, scope, nullptr, zoneOf(text)};
     m_bar->clearCounts();
     m_help->forget();
     m_settle.stop();
     m_found.reset();
     const auto failure = failureOf(m_bench.program.log, kProcedure, [&] {
         startService();
-        m_service->want({++m_number, RowMatch(parseSearch(fromQt(text)), scope)});
-        m_searchedTo =
-            m_bench.project().execAndGet("SELECT ifnull(max(URL_ID), 0) FROM URLs").getInt64();
+        m_service->want(
+            {++m_number, RowMatch(projectSearch(m_bench.program, fromQt(text)), scope)});
+        m_searchedTo = lastRow(m_bench.project());
     });
     if (failure)
         m_bar->showMessage(toQt(*failure), SearchBar::Tone::fault);
+}
+
+QString SearchPart::zoneOf(const QString &text) const {
+    return toQt(zoneOfSearch(m_bench.program, fromQt(text)));
 }
 
 /// Nothing is looked for any more.
@@ -217,17 +214,13 @@ void SearchPart::drop() {
     });
 }
 
-/// Rows have come that the search doesn't know of.
+/// Rows have come that the search doesn't know of, or the zone is another one.
 void SearchPart::again() {
     if (!m_search)
         return;
-    const std::int64_t last =
-        trapped(m_bench.program.log, Severity::Low, kProcedure, kNotSerious, m_searchedTo, [this] {
-            return m_bench.project()
-                .execAndGet("SELECT ifnull(max(URL_ID), 0) FROM URLs")
-                .getInt64();
-        });
-    if (last != m_searchedTo)
+    const std::int64_t last = trapped(m_bench.program.log, Severity::Low, kProcedure, kNotSerious,
+                                      m_searchedTo, [this] { return lastRow(m_bench.project()); });
+    if (last != m_searchedTo || m_search->zone != zoneOf(m_search->text))
         look(m_search->text, m_search->scope);
 }
 
@@ -341,7 +334,7 @@ void SearchPart::setLimit(const QVariant &limit) {
         table->ofSearch = m_search ? m_search->ids : nullptr;
     std::optional<RowMatch> match;
     if (m_search)
-        match.emplace(parseSearch(fromQt(m_search->text)), m_search->scope);
+        match.emplace(projectSearch(m_bench.program, fromQt(m_search->text)), m_search->scope);
     m_hits->take(std::move(match));
     // Undo and chips change what stands in the box; the examiner's own letters stay.
     if (m_wanted != m_search.value_or(Search())) {
@@ -357,9 +350,11 @@ void SearchPart::setLimit(const QVariant &limit) {
 std::vector<LimitChip> SearchPart::chips() const {
     if (!m_search)
         return {};
-    return {{m_search->scope == SearchScope::all ? tr("Search: %1").arg(m_search->text)
-                                                 : tr("Search in values: %1").arg(m_search->text),
-             {}}};
+    const bool isAll = m_search->scope == SearchScope::all;
+    const QString text =
+        (isAll ? tr("Search: %1") : tr("Search in values: %1")).arg(m_search->text);
+    return {
+        {m_search->zone.isEmpty() ? text : tr("%1 (dates by %2)").arg(text, m_search->zone), {}}};
 }
 
 bool SearchPart::isBeingTyped() const {
@@ -392,7 +387,7 @@ void SearchPart::keep() {
         m_bar->showMessage(toQt(fault), SearchBar::Tone::fault);
         return;
     }
-    keepSearch(program, name, fromQt(m_search->text), *m_search->ids);
+    keepSearch(program, name, toldSearch(program, fromQt(m_search->text)), *m_search->ids);
     emit m_bench.queriesChanged();
     m_bench.showNotice(tr("Kept as \"%1\": a query of this name has its rows").arg(toQt(name)));
 }

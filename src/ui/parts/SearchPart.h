@@ -40,8 +40,9 @@ class SearchPart final : public QObject, public Limiter {
         QString text;
         SearchScope scope = SearchScope::values;
         std::shared_ptr<const FoundIds> ids;
+        QString zone = {}; ///< by whose clock its dates go; empty for one without dates
         bool operator==(const Search &other) const {
-            return text == other.text && scope == other.scope;
+            return text == other.text && scope == other.scope && zone == other.zone;
         }
     };
 
@@ -56,6 +57,7 @@ class SearchPart final : public QObject, public Limiter {
     void enter(const QString &text);
     void start(const QString &text, SearchScope scope);
     void look(const QString &text, SearchScope scope);
+    QString zoneOf(const QString &text) const;
     void drop();
     void again();
 

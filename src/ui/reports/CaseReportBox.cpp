@@ -1,7 +1,5 @@
 #include "ui/reports/CaseReportBox.h"
 
-#include "ui/reports/RedactionForm.h"
-
 #include <QBoxLayout>
 #include <QCheckBox>
 #include <QComboBox>
@@ -68,7 +66,7 @@ void CaseReportBox::preferTaggedCards() {
 }
 
 void CaseReportBox::chooseRedactions() {
-    RedactionForm form(m_redactions, this);
+    RedactionForm form(m_redactions, adviser, this);
     if (form.exec() != QDialog::Accepted)
         return;
     m_redactions = form.rules();

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "reports/case/CaseOptions.h"
+#include "ui/reports/RedactionForm.h"
 
 #include <QWidget>
 
@@ -21,6 +22,9 @@ class CaseReportBox final : public QWidget {
     void apply(CaseOptions &options) const;
     /// Who chooses rows by their tags means cards of these, and not of ticked ones.
     void preferTaggedCards();
+    const RedactionRules &redactions() const { return m_redactions; }
+
+    RedactionAdviser adviser; ///< of the redactions that are written
 
   private:
     void chooseRedactions();

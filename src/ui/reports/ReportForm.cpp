@@ -249,6 +249,7 @@ void ReportForm::addContents(QFormLayout &form) {
     m_contents = new QStackedWidget;
     m_contents->addWidget(boxes);
     m_contents->addWidget(m_case = new CaseReportBox);
+    m_case->adviser = m_rows.adviser;
     form.addRow(tr("Include:"), m_contents);
     m_header = named<QCheckBox>("chkHeader", tr("&Skip the head"));
     m_trail = named<QCheckBox>("chkIncludeCaseTrail", tr("Case tra&il"));
@@ -358,9 +359,15 @@ void ReportForm::followType() {
                         "rows with a list beside them. What is redacted isn't handed over.")
                   : QString());
     // The words above are those that examiners know, and promise less than the report holds.
-    m_kinds->setText(graphical ? tr("In full: rows of any other kind get a card too, with the "
-                                    "default thumbnail in place of a preview.")
-                               : QString());
+    QStringList doubts;
+    if (graphical)
+        doubts += tr("In full: rows of any other kind get a card too, with the default thumbnail "
+                     "in place of a preview.");
+    if ((graphical || tabular) && !m_case->redactions().empty())
+        doubts += tr("The redactions that the project keeps (%L1) hold for the type Case alone: "
+                     "this report shows all.")
+                      .arg(m_case->redactions().size());
+    m_kinds->setText(doubts.join(u'\n'));
     m_thumbnail->setPlaceholderText(tabular ? tr(" [Tabular Default]")
                                             : tr(" [Graphical Default]"));
     for (QWidget *widget : {m_audit, m_links, m_timeRebuilt, m_useThumbnail})

@@ -3,6 +3,7 @@
 #include "app/jobs/ReportTags.h"
 #include "base/Examiner.h"
 #include "reports/report/ReportWriter.h"
+#include "ui/reports/RedactionForm.h"
 
 #include <QDialog>
 
@@ -30,6 +31,7 @@ class ReportForm final : public QDialog {
         std::size_t ticked = 0;
         std::vector<ReportTag> tags;
         std::vector<std::string> chosenTags; ///< of the last report; empty for none
+        RedactionAdviser adviser = {};       ///< of the redactions that are written
     };
     /// `report` and `examiner` must outlive it.
     ReportForm(const ReportWriter &report, Rows rows, Examiner &examiner,

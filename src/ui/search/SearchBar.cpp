@@ -46,8 +46,8 @@ SearchBar::SearchBar(QWidget *parent) : QWidget(parent) {
     m_text->setToolTip(
         tr("Looks through addresses, titles, hosts, notes and facts while you type;\n"
            "with Enter through the text of pages and headers too.\n"
-           "\"phrase\"  -word  host:  browser:  kind:  tag:  hashset:  before:  after:  "
-           "/expression/"));
+           "\"phrase\"  -word  *part*  host:  browser:  kind:  tag:  hashset:  before:  after:  "
+           "/expression/\nDates behind before: and after: go by the project's zone."));
     m_text->setClearButtonEnabled(true);
     m_text->addAction(icon("find"), QLineEdit::LeadingPosition);
     m_text->setMinimumWidth(200);
@@ -143,7 +143,9 @@ void SearchBar::showMessage(const QString &text, Tone tone) {
 }
 
 void SearchBar::showHint() {
-    showMessage(tr("Type what to look for: a word, a \"phrase\", host:name"));
+    showMessage(tr("Type: word   \"a phrase\"   -without   *part*   host:name   browser:name   "
+                   "kind:cookies   tag:name   hashset:name   after:2011-03   before:2011-03-15   "
+                   "/expression/"));
     m_isHint = true;
 }
 

@@ -114,10 +114,7 @@ std::string evidenceExpression(SQLite::Database &project) {
     // Both only become more: these numbers tell one state from the next. To replace
     // a function fails while a statement is at work.
     const std::string name = fmt::format("place_evidence_{}_{}", keptCount, lastSource);
-    // A file that is one record itself is told by its place alone.
-    std::string expression =
-        name + "(SourceFile_ID, CASE WHEN ifnull(HistoryFilePath, '') <> '' THEN HistoryFilePath "
-               "ELSE ifnull(RootPath, '') || ifnull(CacheFileRelativePath, '') END, RootPath)";
+    std::string expression = fmt::format("{}(SourceFile_ID, {}, RootPath)", name, kRowPath);
     if (hasFunction(project, expression))
         return expression;
     if (!unlessDamaged([&] { folders->takeSources(project); }))

@@ -1,6 +1,7 @@
 #include "views/limits/PlaceFunctions.h"
 
 #include "address/RegisteredDomain.h"
+#include "readers/PathOrigin.h"
 #include "readers/RecordKind.h"
 #include "views/rows/CellText.h"
 
@@ -17,6 +18,11 @@ namespace {
 
 std::string groupText(std::string_view cacheType) {
     return std::string(groupWord(groupOf(cacheType)));
+}
+
+std::string treeText(std::string_view path) {
+    thread_local TreesOfPaths trees;
+    return trees(path);
 }
 
 using TextOfText = std::string (*)(std::string_view);
@@ -40,8 +46,8 @@ void answer(sqlite3_context *context, int, sqlite3_value **arguments) {
 
 bool hasFunctions(SQLite::Database &database) {
     sqlite3_stmt *statement = nullptr;
-    const std::string sql = fmt::format("SELECT {}(''), {}(''), {}('')", kDomainFunction,
-                                        kGroupFunction, kKindFunction);
+    const std::string sql = fmt::format("SELECT {}(''), {}(''), {}(''), {}('')", kDomainFunction,
+                                        kGroupFunction, kKindFunction, kTreeFunction);
     const int result =
         sqlite3_prepare_v2(database.getHandle(), sql.c_str(), -1, &statement, nullptr);
     sqlite3_finalize(statement);
@@ -66,6 +72,7 @@ void needPlaceFunctions(SQLite::Database &database) {
     add(database, kDomainFunction, answer<registeredDomain>);
     add(database, kGroupFunction, answer<groupText>);
     add(database, kKindFunction, answer<typeWord>);
+    add(database, kTreeFunction, answer<treeText>);
 }
 
 } // namespace nv

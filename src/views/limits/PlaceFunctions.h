@@ -12,6 +12,8 @@ inline constexpr const char *kDomainFunction = "place_domain"; ///< registeredDo
 inline constexpr const char *kGroupFunction = "place_group";   ///< groupWord() of a `CacheType`
 inline constexpr const char *kKindFunction = "place_kind";     ///< typeWord() of a `CacheType`
 
+inline constexpr const char *kTreeFunction = "place_tree"; ///< treeOfPath() of a path
+
 /// Gives the connection these functions, once. Throws what the database says.
 void needPlaceFunctions(SQLite::Database &database);
 

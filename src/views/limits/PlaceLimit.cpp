@@ -43,6 +43,12 @@ std::string_view nameOfNone(PlaceField field) {
     }
 }
 
+std::string withTree(std::string name, const PlaceTerm &term) {
+    if (term.tree)
+        name += fmt::format(" ({})", displayText(term.treeLabel));
+    return name;
+}
+
 /// The statement's one parameter is a list in JSON, since values of evidence are no part of its
 /// text.
 class PlaceCondition {
@@ -81,6 +87,14 @@ class PlaceCondition {
     }
 
     std::string conditionOf(const PlaceTerm &term) {
+        const std::string named = conditionOfName(term);
+        return term.tree
+                   ? fmt::format("({} AND {})", named,
+                                 isOne(fmt::format("{}({})", kTreeFunction, kRowPath), *term.tree))
+                   : named;
+    }
+
+    std::string conditionOfName(const PlaceTerm &term) {
         const std::string &value = term.value;
         switch (term.field) {
         case PlaceField::Evidence:
@@ -157,7 +171,12 @@ Columns columnsOf(const PlaceChoice &choice) {
 } // namespace
 
 std::string placeName(const PlaceTerm &term) {
-    return term.value.empty() ? std::string(nameOfNone(term.field)) : displayText(term.value);
+    return withTree(
+        term.value.empty() ? std::string(nameOfNone(term.field)) : displayText(term.value), term);
+}
+
+std::string placeValue(const PlaceTerm &term) {
+    return withTree(term.value, term);
 }
 
 std::string placeText(const PlaceLimit &limit) {

@@ -3,6 +3,7 @@
 #include "views/rows/IdLoader.h"
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -28,12 +29,21 @@ enum class PlaceField : std::uint8_t {
 struct PlaceTerm {
     PlaceField field = PlaceField::Evidence;
     std::string value;
+    /// Of a name that stands in several trees of the evidence: treeOfPath() of the one that is
+    /// meant, which is empty for rows of none.
+    std::optional<std::string> tree = std::nullopt;
+    std::string treeLabel = {}; ///< what tells it from the others, for people
 
-    friend bool operator==(const PlaceTerm &, const PlaceTerm &) = default;
+    friend bool operator==(const PlaceTerm &one, const PlaceTerm &other) {
+        return one.field == other.field && one.value == other.value && one.tree == other.tree;
+    }
 };
 
-/// One line that can be shown: the value, or what stands for none: "(no host)".
+/// One line that can be shown: the value, or what stands for none: "(no host)"; "ada (pc3)" for
+/// that of one tree among several.
 std::string placeName(const PlaceTerm &term);
+/// The same, but empty for none.
+std::string placeValue(const PlaceTerm &term);
 
 /// The rows of which all of its terms are true; without terms all rows.
 struct PlaceLimit {

@@ -5,9 +5,11 @@
 #include "db/hashes/FoundHashSets.h"
 #include "db/sql/Damage.h"
 #include "db/sql/Savepoint.h"
+#include "readers/PathOrigin.h"
 #include "readers/RecordKind.h"
 #include "views/limits/EvidenceOfRow.h"
 #include "views/limits/PlaceLevels.h"
+#include "views/limits/TreesApart.h"
 #include "views/rows/CellText.h"
 #include "views/rows/DamagedList.h"
 #include "views/rows/NarrowIndex.h"
@@ -22,6 +24,7 @@
 #include <functional>
 #include <map>
 #include <string>
+#include <tuple>
 #include <unordered_map>
 #include <utility>
 
@@ -68,14 +71,14 @@ class CountedTexts {
     std::uint32_t m_last = 0;
 };
 
-constexpr std::array kOriginFields = {PlaceField::Evidence, PlaceField::Person, PlaceField::Browser,
-                                      PlaceField::Profile};
-constexpr std::size_t kKind = kOriginFields.size(); ///< place of the kind among the columns
-constexpr std::size_t kHost = kKind + 1;
+// Places among the columns, behind folder, person, browser and profile.
+constexpr std::size_t kKind = std::tuple_size_v<OriginNames>;
+constexpr std::size_t kTree = kKind + 1; ///< of the path
+constexpr std::size_t kHost = kTree + 1;
 constexpr std::size_t kColumns = kHost + 1;
 
-/// The numbers of a row's folder, person, browser, profile and kind.
-using Origin = std::array<std::uint32_t, kKind + 1>;
+/// The numbers of a row's folder, person, browser, profile, kind and tree.
+using Origin = std::array<std::uint32_t, kTree + 1>;
 
 std::string_view textIn(const SQLite::Column &column) {
     const char *bytes = column.getText(); // before the length, which it settles
@@ -83,8 +86,9 @@ std::string_view textIn(const SQLite::Column &column) {
 }
 
 std::string originColumns(SQLite::Database &project) {
-    return fmt::format("{}, {}, CacheType", evidenceExpression(project),
-                       hasOriginColumns(project) ? "Person, Browser, Profile" : "NULL, NULL, NULL");
+    return fmt::format("{}, {}, CacheType, {}", evidenceExpression(project),
+                       hasOriginColumns(project) ? "Person, Browser, Profile" : "NULL, NULL, NULL",
+                       kRowPath);
 }
 
 void sortByRecords(std::vector<PlaceNode> &nodes) {
@@ -142,8 +146,9 @@ class PlaceCounts {
 
     void take(SQLite::Statement &row, bool hasHosts) {
         Origin origin{};
-        for (std::size_t at = 0; at < origin.size(); ++at)
+        for (std::size_t at = 0; at < kTree; ++at)
             origin.at(at) = m_texts.at(at).take(textIn(row.getColumn(static_cast<int>(at))));
+        origin[kTree] = m_texts[kTree].take(m_treeOf(textIn(row.getColumn(kTree))));
         if (!hasHosts)
             m_texts[kHost].take(textIn(row.getColumn(static_cast<int>(kHost))));
         if (m_records++ == 0 || origin != m_lastOrigin) {
@@ -159,17 +164,38 @@ class PlaceCounts {
         return m_texts.at(at).text(origin.at(at));
     }
 
+    OriginNames namesOf(const Origin &origin) const {
+        OriginNames names;
+        for (std::size_t at = 0; at < names.size(); ++at)
+            names.at(at) = textOf(origin, at);
+        return names;
+    }
+
+    /// From the root of the tree on.
+    using Way = std::array<PlaceTerm, kKind + 1>;
+    struct ByNames {
+        bool operator()(const Way &one, const Way &other) const {
+            return std::ranges::lexicographical_compare(one, other, isBefore);
+        }
+    };
+
     /// In the order of the tree, so that what belongs together lies side by side.
     void fillEvidence(std::vector<PlaceNode> &nodes) const {
-        std::map<std::array<std::string_view, kKind + 1>, std::uint64_t> sorted;
+        TreesApart apart;
         for (const auto &[origin, count] : m_origins)
-            sorted[{textOf(origin, 0), textOf(origin, 1), textOf(origin, 2), textOf(origin, 3),
-                    groupWord(groupOf(textOf(origin, kKind)))}] += count;
-        for (const auto &[texts, count] : sorted) {
+            apart.add(namesOf(origin), textOf(origin, kTree));
+        std::map<Way, std::uint64_t, ByNames> sorted;
+        for (const auto &[origin, count] : m_origins) {
+            Way way;
+            std::ranges::move(apart.terms(namesOf(origin), textOf(origin, kTree)), way.begin());
+            way[kKind] = {PlaceField::Group,
+                          std::string(groupWord(groupOf(textOf(origin, kKind))))};
+            sorted[std::move(way)] += count;
+        }
+        for (const auto &[way, count] : sorted) {
             std::vector<PlaceNode> *level = &nodes;
-            for (std::size_t at = 0; at < texts.size(); ++at) {
-                const PlaceField field = at < kKind ? kOriginFields.at(at) : PlaceField::Group;
-                PlaceNode &node = lastNode(*level, {field, std::string(texts.at(at))});
+            for (const PlaceTerm &term : way) {
+                PlaceNode &node = lastNode(*level, term);
                 node.records += count;
                 level = &node.children;
             }
@@ -215,6 +241,7 @@ class PlaceCounts {
     }
 
     std::array<CountedTexts, kColumns> m_texts;
+    TreesOfPaths m_treeOf;
     std::map<Origin, std::uint64_t> m_origins;
     Origin m_lastOrigin{};
     std::uint64_t *m_last = nullptr;
@@ -247,8 +274,8 @@ Walk countRows(SQLite::Database &project, TaskMonitor &task, Places &places) {
                                      "ifnull(Profile, '')"
                                    : "";
     const IdQuery countable{fmt::format("SELECT URL_ID FROM URLs WHERE '.' || ifnull({}, ''){} || "
-                                        "ifnull(CacheType, '') || ifnull(Host, '') <> ''",
-                                        evidenceExpression(project), origin),
+                                        "ifnull(CacheType, '') || ifnull(Host, '') || ({}) <> ''",
+                                        evidenceExpression(project), origin, kRowPath),
                             ""};
     SurvivingRows rows;
     const Walk walk = survivingRows(project, countable, task, rows);

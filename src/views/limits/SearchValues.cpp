@@ -121,17 +121,6 @@ std::size_t changesTo(std::string_view asked, std::string_view text) {
     return *std::ranges::min_element(above); // and end anywhere
 }
 
-constexpr std::size_t kMostTold = 10;
-
-std::string listed(const NamedCounts &values, std::string_view asked) {
-    std::string text;
-    for (const auto &[name, rows] : nearestValues(values, asked, kMostTold))
-        text += fmt::format("{}{} ({})", text.empty() ? "" : ", ", displayText(name), rows);
-    if (values.size() > kMostTold)
-        text += fmt::format(" and {} more", values.size() - kMostTold);
-    return text;
-}
-
 /// Among the kinds these stand in small letters.
 bool isGroup(std::string_view kind) {
     constexpr std::array kGroups = {RecordGroup::cache, RecordGroup::history, RecordGroup::cookies,
@@ -171,7 +160,7 @@ std::string adviceOn(const SearchClause &clause, const NamedCounts &values) {
     const std::string text =
         replaceAll(missing.row, std::string_view("{}"), displayText(clause.text));
     return values.empty() ? fmt::format("{}: {}", text, missing.all)
-                          : fmt::format("{}; there are: {}", text, listed(values, asked));
+                          : fmt::format("{}; there are: {}", text, listedValues(values, asked));
 }
 
 /// "site:harbour", but no address and no time.
@@ -281,6 +270,16 @@ NamedCounts nearestValues(const NamedCounts &values, std::string_view asked, std
     for (std::size_t at = 0; at < count; ++at)
         nearest.push_back(values[order[at].second]);
     return nearest;
+}
+
+std::string listedValues(const NamedCounts &values, std::string_view asked) {
+    constexpr std::size_t kMostTold = 10;
+    std::string text;
+    for (const auto &[name, rows] : nearestValues(values, asked, kMostTold))
+        text += fmt::format("{}{} ({})", text.empty() ? "" : ", ", displayText(name), rows);
+    if (values.size() > kMostTold)
+        text += fmt::format(" and {} more", values.size() - kMostTold);
+    return text;
 }
 
 bool canBeAdvised(const SearchQuery &query) {

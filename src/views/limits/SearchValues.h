@@ -40,6 +40,9 @@ NamedCounts valuesWith(const NamedCounts &values, std::string_view part, std::si
 /// At most `most`, those first of which a part is written most alike, then the most frequent.
 NamedCounts nearestValues(const NamedCounts &values, std::string_view asked, std::size_t most);
 
+/// The nearest ten with their rows, on a line: "a.example (3), b.example (1) and 7 more".
+std::string listedValues(const NamedCounts &values, std::string_view asked);
+
 /// What of a search takes no row whatever the rest of it says, a sentence each with the nearest
 /// values that there are: names that no row has, and words that look like an operator but are none.
 /// Empty when there is nothing to say, and while it isn't known what there is.

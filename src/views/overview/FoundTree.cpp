@@ -3,9 +3,11 @@
 #include "base/Files.h"
 #include "readers/BrowserOf.h"
 #include "readers/Evidence.h"
+#include "readers/PathOrigin.h"
 #include "readers/Registry.h"
 #include "readers/SourceOption.h"
 #include "views/limits/PlaceLevels.h"
+#include "views/limits/TreesApart.h"
 
 #include <algorithm>
 #include <array>
@@ -22,19 +24,29 @@ namespace fs = std::filesystem;
 
 namespace {
 
-constexpr std::array kFields = {PlaceField::Evidence, PlaceField::Person, PlaceField::Browser,
-                                PlaceField::Profile, PlaceField::Kind};
-
-/// In the order of the tree. Two readers may call their kind the same.
-struct FoundKey {
-    std::array<std::string, kFields.size() - 1> origin;
+/// What reads a file, in the order of the kinds. Two readers may call their kind the same.
+struct FoundKind {
     int order = 0;
     std::string kind = {};
     std::string reader = {};
 
-    friend bool operator<(const FoundKey &a, const FoundKey &b) {
-        return std::tie(a.origin, a.order, a.kind, a.reader) <
-               std::tie(b.origin, b.order, b.kind, b.reader);
+    friend bool operator<(const FoundKind &a, const FoundKind &b) {
+        return std::tie(a.order, a.kind, a.reader) < std::tie(b.order, b.kind, b.reader);
+    }
+};
+
+/// Whose files are, the tree that they lie in, and what they are.
+using FoundKey = std::tuple<OriginNames, std::string, FoundKind>;
+
+/// The same in the order of the tree.
+struct FoundWay {
+    std::array<PlaceTerm, std::tuple_size_v<OriginNames>> terms;
+    FoundKind kind;
+
+    friend bool operator<(const FoundWay &a, const FoundWay &b) {
+        if (std::ranges::lexicographical_compare(a.terms, b.terms, isBefore))
+            return true;
+        return a.terms == b.terms && a.kind < b.kind;
     }
 };
 
@@ -88,23 +100,24 @@ class FoundFiles {
     void take(const HistoryFile &file, std::size_t number) {
         const Reader *reader = readerFor(file.historyFileType);
         const Origin origin = m_browserOf(file.fullPath, engineOf(reader));
-        FoundKey key{
-            .origin = {m_folders.of(file.fullPath), origin.person, origin.browser, origin.profile}};
-        if (reader) {
-            key.order = groupOrder(groupWord(groupOfReader(*reader)));
-            key.kind = reader->kind;
-            key.reader = reader->key;
-        }
-        FoundNode &kind = m_kinds[std::move(key)];
+        FoundKind of;
+        if (reader)
+            of = {groupOrder(groupWord(groupOfReader(*reader))), std::string(reader->kind),
+                  std::string(reader->key)};
+        OriginNames names{m_folders.of(file.fullPath), origin.person, origin.browser,
+                          origin.profile};
+        FoundNode &kind =
+            m_kinds[{std::move(names), m_treeOf(textOf(file.fullPath)), std::move(of)}];
         kind.artefacts.push_back(number);
         kind.bytes += file.fileSize;
         kind.notRead += reader && reader->read ? 0 : 1;
     }
 
     void fill(FoundTree &tree) {
-        for (auto &[key, kind] : m_kinds) {
+        for (auto &[way, kind] : inOrder()) {
+            std::ranges::sort(kind.artefacts);
             kind.files = kind.artefacts.size();
-            add(tree.evidence, key, std::move(kind), 0);
+            add(tree.evidence, way, std::move(kind));
         }
         for (const FoundNode &node : tree.evidence) {
             tree.files += node.files;
@@ -115,25 +128,43 @@ class FoundFiles {
     }
 
   private:
-    /// Keys come in the order of the tree, so that what belongs together lies side by side.
-    static void add(std::vector<FoundNode> &level, const FoundKey &key, FoundNode &&kind,
-                    std::size_t at) {
-        if (at == key.origin.size()) {
-            kind.term = {PlaceField::Kind, key.kind};
-            kind.reader = key.reader;
-            level.push_back(std::move(kind));
-            return;
+    /// Trees are told apart where that is needed, and are one elsewhere.
+    std::map<FoundWay, FoundNode> inOrder() const {
+        TreesApart apart;
+        for (const auto &[key, kind] : m_kinds)
+            apart.add(std::get<OriginNames>(key), std::get<std::string>(key));
+        std::map<FoundWay, FoundNode> ways;
+        for (const auto &[key, kind] : m_kinds) {
+            FoundNode &node =
+                ways[{apart.terms(std::get<OriginNames>(key), std::get<std::string>(key)),
+                      std::get<FoundKind>(key)}];
+            node.artefacts.insert(node.artefacts.end(), kind.artefacts.begin(),
+                                  kind.artefacts.end());
+            node.bytes += kind.bytes;
+            node.notRead += kind.notRead;
         }
-        FoundNode &node = lastNode(level, {kFields.at(at), key.origin.at(at)});
-        node.files += kind.files;
-        node.notRead += kind.notRead;
-        node.bytes += kind.bytes;
-        add(node.children, key, std::move(kind), at + 1);
+        return ways;
+    }
+
+    /// They come in the order of the tree, so that what belongs together lies side by side.
+    static void add(std::vector<FoundNode> &nodes, const FoundWay &way, FoundNode &&kind) {
+        std::vector<FoundNode> *level = &nodes;
+        for (const PlaceTerm &term : way.terms) {
+            FoundNode &node = lastNode(*level, term);
+            node.files += kind.files;
+            node.notRead += kind.notRead;
+            node.bytes += kind.bytes;
+            level = &node.children;
+        }
+        kind.term = {PlaceField::Kind, way.kind.kind};
+        kind.reader = way.kind.reader;
+        level->push_back(std::move(kind));
     }
 
     EvidenceFolders m_folders;
     const Evidence m_evidence;
     BrowserOf m_browserOf;
+    TreesOfPaths m_treeOf;
     std::map<FoundKey, FoundNode> m_kinds;
 };
 

@@ -1,7 +1,9 @@
 #include "views/overview/ImportCounts.h"
 
 #include "db/sql/Damage.h"
-#include "views/limits/PlaceLimit.h"
+#include "readers/PathOrigin.h"
+#include "views/limits/EvidenceOfRow.h"
+#include "views/limits/TreesApart.h"
 #include "views/rows/CellText.h"
 #include "views/rows/StatementWatch.h"
 
@@ -20,8 +22,9 @@ constexpr std::size_t kPerson = 0;
 constexpr std::size_t kBrowser = 1;
 constexpr std::size_t kProfile = 2;
 constexpr std::size_t kKind = 3;
-/// Person, browser, profile, `CacheType`.
-using Source = std::array<std::string, 4>;
+constexpr std::size_t kTree = 4;
+/// Person, browser, profile, `CacheType`, and the tree that its path lies in.
+using Source = std::array<std::string, 5>;
 
 std::string_view textIn(const SQLite::Column &column) {
     const char *bytes = column.getText(); // before the length, which it settles
@@ -42,12 +45,16 @@ class SourceCounts {
     }
 
     void fill(ImportOverview &overview) const {
+        TreesApart apart;
+        for (const auto &[source, rows] : m_sources)
+            apart.add(namesOf(source), source[kTree]);
         std::array<std::map<std::string, KindRows>, 4> sums;
         for (const auto &[source, rows] : m_sources) {
+            const auto terms = apart.terms(namesOf(source), source[kTree]);
             overview.rows.add(rows);
-            sums[kPerson][source[kPerson]].add(rows);
+            sums[kPerson][placeValue(terms[1])].add(rows);
             sums[kBrowser][source[kBrowser]].add(rows);
-            sums[kProfile][profileName(source)].add(rows);
+            sums[kProfile][profileName(source, terms)].add(rows);
             sums[kKind][typeWord(source[kKind])].add(rows);
         }
         overview.people = sorted(sums[kPerson]);
@@ -61,13 +68,18 @@ class SourceCounts {
         const std::string_view origin =
             hasOriginColumns(project) ? "Person, Browser, Profile" : "NULL, NULL, NULL";
         const bool isPart = overview.scope == ImportScope::last;
-        return fmt::format("SELECT {}, CacheType, ActionDateUTC FROM URLs{}", origin,
+        return fmt::format("SELECT {}, CacheType, {}, ActionDateUTC FROM URLs{}", origin, kRowPath,
                            isPart ? fmt::format(" WHERE URL_ID > {} AND URL_ID <= {}",
                                                 overview.end.lastBefore, overview.end.lastRow)
                                   : std::string());
     }
 
-    static std::string profileName(const Source &source) {
+    /// Of whatever folder of evidence.
+    static OriginNames namesOf(const Source &source) {
+        return {std::string(), source[kPerson], source[kBrowser], source[kProfile]};
+    }
+
+    static std::string profileName(const Source &source, const std::array<PlaceTerm, 4> &terms) {
         if (source[kBrowser].empty())
             return {};
         std::string name = source[kBrowser];
@@ -75,6 +87,9 @@ class SourceCounts {
             name += fmt::format(", profile \"{}\"", source[kProfile]);
         if (!source[kPerson].empty())
             name += fmt::format(", person \"{}\"", source[kPerson]);
+        for (const PlaceTerm &term : terms)
+            if (term.tree)
+                name += fmt::format(" ({})", term.treeLabel);
         return name;
     }
 
@@ -92,7 +107,8 @@ class SourceCounts {
     void take(SQLite::Statement &row) {
         bool isSame = m_last != nullptr;
         for (std::size_t at = 0; at < m_lastSource.size(); ++at) {
-            const std::string_view text = textIn(row.getColumn(static_cast<int>(at)));
+            const SQLite::Column column = row.getColumn(static_cast<int>(at));
+            const std::string_view text = at == kTree ? m_treeOf(textIn(column)) : textIn(column);
             if (text == m_lastSource.at(at))
                 continue;
             isSame = false;
@@ -100,10 +116,11 @@ class SourceCounts {
         }
         if (!isSame)
             m_last = &m_sources[m_lastSource];
-        const SQLite::Column date = row.getColumn(4);
+        const SQLite::Column date = row.getColumn(kTree + 1);
         m_last->count(date.isNull() ? Date() : Date::fromDays(date.getDouble()));
     }
 
+    TreesOfPaths m_treeOf;
     std::map<Source, KindRows> m_sources;
     Source m_lastSource;
     KindRows *m_last = nullptr;

@@ -13,28 +13,6 @@ namespace nv {
 
 namespace {
 
-/// The first moment at which the zone's clock shows the second or a later one.
-Date firstMoment(std::int64_t second, const TimeZone &zone, bool enableDSTChanges) {
-    constexpr std::int64_t kFarthest = 26 * 3600; // no clock is farther from UTC
-    LocalSeconds clock(zone, enableDSTChanges);
-    const auto isReached = [&](std::int64_t utc) {
-        const auto local = clock.of(Date::fromUnixSeconds(utc));
-        return local && *local >= second;
-    };
-    // A clock that is set back makes the answer no and yes again: the first yes is near the time
-    // by the offset before that, so hours are looked at one by one before the second is.
-    constexpr std::int64_t kStep = 900;
-    std::int64_t utc = second - kFarthest;
-    while (utc < second + kFarthest && !isReached(utc))
-        utc += kStep;
-    std::int64_t before = utc - kStep;
-    while (utc - before > 1) {
-        const std::int64_t middle = before + (utc - before) / 2;
-        (isReached(middle) ? utc : before) = middle;
-    }
-    return Date::fromUnixSeconds(utc);
-}
-
 /// As it stands in a statement. A moment beyond the calendar is after, or before, all dates.
 double daysFrom(Date moment, double beyond) {
     return moment.has() ? firstDays(moment) : beyond;

@@ -275,5 +275,25 @@ TEST(BrowserPlaces, areWrittenAsTheyAreCompared) {
             EXPECT_TRUE(isLower(place.part)) << place.part;
 }
 
+TEST(PathOrigin, aTreeIsWhatLiesAboveTheAccounts) {
+    EXPECT_EQ(treeOfPath("/ev/pc1/home/ada/.config/chromium/Default/History"), "/ev/pc1");
+    EXPECT_EQ(treeOfPath("/ev/pc1/home/ada/.cache/chromium/Default/Cache/x"), "/ev/pc1");
+    EXPECT_EQ(treeOfPath("/home/ada/.config/chromium/Default/History"), "/");
+    EXPECT_EQ(treeOfPath("D:\\Users\\ada\\AppData\\Local\\x\\index.dat"), "D:");
+    EXPECT_EQ(treeOfPath("/ev/pc1/Users/ada/Library/Safari/History.db"), "/ev/pc1");
+    // Without an account that above its browsers, without these that above the profile.
+    EXPECT_EQ(treeOfPath("/ev/ada/.config/chromium/Default/History"), "/ev/ada");
+    EXPECT_EQ(treeOfPath("/ev/ada/.mozilla/firefox/x.default/places.sqlite"), "/ev/ada");
+    EXPECT_EQ(treeOfPath("/ev/ada/Profile 1/History"), "/ev/ada");
+    EXPECT_EQ(treeOfPath("/ev/ada/History"), "");
+    EXPECT_EQ(treeOfPath("History"), "");
+    EXPECT_EQ(treeOfPath(""), "");
+    TreesOfPaths trees;
+    EXPECT_EQ(trees("/ev/pc1/home/ada/.config/chromium/Default/History"), "/ev/pc1");
+    EXPECT_EQ(trees("/ev/pc1/home/ada/.config/chromium/Default/Cookies"), "/ev/pc1");
+    EXPECT_EQ(trees("/ev/pc2/home/ada/.config/chromium/Default/Cookies"), "/ev/pc2");
+    EXPECT_EQ(trees("x"), "");
+}
+
 } // namespace
 } // namespace nv

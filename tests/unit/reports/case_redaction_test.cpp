@@ -116,5 +116,17 @@ TEST_F(CaseRedactionTest, aPictureThatCantBeDrawnIsLeftOutNotShown) {
     EXPECT_EQ(filesWith("broken face"), 0u);
 }
 
+TEST_F(CaseRedactionTest, theCoverSaysWhatNothingFits) {
+    addHistory("http://tide.example/", 1);
+    EXPECT_THAT(redacted({"leave out host=tide.exampel", "blur person=Maara"}),
+                AllOf(HasSubstr("Nothing was redacted. Chosen were 1 host, 1 person. Nothing in "
+                                "this report fits any of these: 1 host, 1 person."),
+                      Not(HasSubstr("On purpose"))));
+    EXPECT_THAT(redacted({"blur host=tide.example", "blur person=Maara"}),
+                AllOf(HasSubstr("On purpose this report doesn't show all"),
+                      HasSubstr("Nothing in this report fits 1 of these: 1 person.")));
+    EXPECT_THAT(redacted({"blur host=tide.example"}), Not(HasSubstr("Nothing in this report")));
+}
+
 } // namespace
 } // namespace nv::test

@@ -221,5 +221,34 @@ TEST(RedactionTest, rowsGoByWhatACodeStandsFor) {
     EXPECT_FALSE(isOut("host=secretbank.example")); // the row is of r.example
 }
 
+TEST(RedactionTest, aRuleThatNothingFitsIsKnown) {
+    Redactor redactor({leaveOut("host=tide.example"), blur("value=tide.example"),
+                       blur("value=tide"), leaveOut("person=mara"), blur("value=quillon"),
+                       leaveOut("value=low"), blur("picture=17")});
+    EXPECT_EQ(redactor.unmet().size(), 7U);
+    redactor.text("nothing of it");
+    EXPECT_EQ(redactor.unmet().size(), 7U);
+    redactor.text("http://www.tide.example/");
+    EXPECT_EQ(linesOf(redactor.unmet()), "leave out person=mara\nblur value=quillon\n"
+                                         "leave out value=low\nblur picture=17\n")
+        << "a word within another is there, too";
+    redactor.text("d=" + base64(viewOf("of quillon")));
+    UrlRecord record;
+    record.host = "low.example";
+    record.Person = "Mara";
+    EXPECT_TRUE(redactor.leavesOut(record, {"low water"})) << "by two rules";
+    EXPECT_EQ(linesOf(redactor.unmet()), "blur picture=17\n");
+    redactor.notePicture(UrlId{17});
+    EXPECT_TRUE(redactor.unmet().empty());
+}
+
+TEST(RedactionTest, whatBecameOfRulesIsToldInNumbers) {
+    EXPECT_EQ(redactedText({}), "");
+    RedactionCounts counts;
+    counts.rowsLeftOut = 1;
+    counts.placesBlurred = 12;
+    EXPECT_EQ(redactedText(counts), "1 row left out, 12 places in texts blurred");
+}
+
 } // namespace
 } // namespace nv::test

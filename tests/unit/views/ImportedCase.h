@@ -11,15 +11,16 @@ namespace nv::test {
 /// A project as imports leave it: rows, and entries of its trail.
 struct ImportedCase : testing::Test {
     void addRow(const std::string &person, const std::string &browser, const std::string &profile,
-                double days = 40'603.75) {
+                double days = 40'603.75, const std::string &path = {}) {
         SQLite::Statement row(project.connection(),
                               "INSERT INTO URLs (URL, Person, Browser, Profile, CacheType, "
-                              "ActionDateUTC) VALUES ('http://a.example/', ?, ?, ?, "
-                              "'CHROME HISTORY', ?)");
+                              "ActionDateUTC, HistoryFilePath) VALUES ('http://a.example/', ?, ?, "
+                              "?, 'CHROME HISTORY', ?, ?)");
         row.bind(1, person);
         row.bind(2, browser);
         row.bind(3, profile);
         row.bind(4, days);
+        row.bind(5, path);
         row.exec();
     }
     void addEntry(TrailEntry entry) {

@@ -209,5 +209,22 @@ TEST_F(FoundTreeTest, aHundredThousandFilesAreQuick) {
     EXPECT_LT(took.count(), 20) << "a development build on a busy machine";
 }
 
+TEST_F(FoundTreeTest, anAccountOfOneNameOnSeveralMachinesStandsOncePerMachine) {
+    scannedFrom("disk");
+    for (const char *machine : {"disk/pc1", "disk/pc2"}) {
+        add(fs::path(machine) / "home/ada/.config/chromium/Default/History",
+            HistoryFileType::chromiumHistory);
+        add(fs::path(machine) / "home/ada/.cache/chromium/Default/Cache/Cache_Data",
+            HistoryFileType::chromeCache);
+    }
+    add("disk/pc2/home/bea/.config/chromium/Default/History", HistoryFileType::chromiumHistory);
+    EXPECT_EQ(lines(),
+              (Lines{"~/disk 5 50", " ada (pc1) 2 20", "  Chromium 2 20", "   Default 2 20",
+                     "    Chromium History 1 10", "    Chrome Cache 1 10", " ada (pc2) 2 20",
+                     "  Chromium 2 20", "   Default 2 20", "    Chromium History 1 10",
+                     "    Chrome Cache 1 10", " bea 1 10", "  Chromium 1 10", "   Default 1 10",
+                     "    Chromium History 1 10"}));
+}
+
 } // namespace
 } // namespace nv

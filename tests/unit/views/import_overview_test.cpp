@@ -28,6 +28,22 @@ TEST_F(ImportOverviewTest, aWholeImportIsGreenAndToldInOneLine) {
     EXPECT_EQ(found.kinds[0].rows.rows, 1200U);
 }
 
+TEST_F(ImportOverviewTest, aProfileOfOneNameOnSeveralMachinesIsCountedOncePerMachine) {
+    for (const char *machine : {"/ev/pc1", "/ev/pc2"})
+        for (const char *folder : {".config", ".cache"})
+            addRow("ada", "Chromium", "Default", 40'603.75,
+                   std::string(machine) + "/home/ada/" + folder + "/chromium/Default/History");
+    addFile(ArtefactState::complete);
+    endImport();
+    const ImportOverview found = overview();
+    EXPECT_EQ(headlineOf(found), "4 records from 2 profiles of 2 people, 1 file read");
+    ASSERT_EQ(found.profiles.size(), 2U);
+    EXPECT_EQ(found.profiles[0].name, "Chromium, profile \"Default\", person \"ada\" (pc1)");
+    EXPECT_EQ(found.people[1].name, "ada (pc2)");
+    EXPECT_EQ(found.people[1].rows.rows, 2U);
+    EXPECT_EQ(found.browsers.size(), 1U);
+}
+
 TEST_F(ImportOverviewTest, onlyTheLastImportIsToldUnlessAllAreAskedFor) {
     addRow("ada", "Chrome", "Default");
     addFile(ArtefactState::failed, "/mnt/a/History", "not of this format");

@@ -3,6 +3,7 @@
 #include "support/TestDoubles.h"
 #include "views/limits/PlaceLimit.h"
 #include "views/limits/Places.h"
+#include "views/limits/TreesApart.h"
 #include "views/table/UrlTable.h"
 
 #include <fmt/format.h>
@@ -320,6 +321,51 @@ TEST_F(PlacesTest, hashSetsAreATreeOfTheirOwn) {
     db().exec("PRAGMA legacy_alter_table = ON; DROP TABLE RecordFacts");
     EXPECT_THAT(load().hashSets, IsEmpty());
     EXPECT_THAT(rowsOf({{cases}, {}}), IsEmpty());
+}
+
+/// Images of several machines below the one folder that was chosen.
+TEST_F(PlacesTest, anAccountOfOneNameInSeveralTreesStandsOncePerTree) {
+    const auto from = [this](const char *path, const char *person, const char *browser,
+                             const char *profile) {
+        last = static_cast<std::int32_t>(add({{"HistoryFilePath", path},
+                                              {"RootPath", "/ev/"},
+                                              {"Person", person},
+                                              {"Browser", browser},
+                                              {"Profile", profile},
+                                              {"CacheType", "Chrome History"}}));
+    };
+    const char *profile = "Default";
+    from("/ev/pc1/disk/home/ada/.config/chromium/Default/History", "ada", "Chromium", profile);
+    from("/ev/pc1/disk/home/ada/.cache/chromium/Default/Cache/x", "ada", "Chromium", profile);
+    from("/ev/pc2/disk/home/ada/.config/chromium/Default/History", "ada", "Chromium", profile);
+    from("/ev/pc2/disk/home/bea/.config/chromium/Default/History", "bea", "Chromium", profile);
+    from("/ev/x/.config/chromium/Default/History", "", "Chromium", profile);
+    from("/ev/y/.config/chromium/Default/History", "", "Chromium", profile);
+    from("/ev/notes/History", "", "Chromium", profile);
+    EXPECT_THAT(linesOf(load().evidence),
+                ElementsAre("/ev/ 7", "-(no person) 3", "--Chromium 3", "---Default (elsewhere) 1",
+                            "----History 1", "---Default (x) 1", "----History 1",
+                            "---Default (y) 1", "----History 1", "-ada (pc1) 2", "--Chromium 2",
+                            "---Default 2", "----History 2", "-ada (pc2) 1", "--Chromium 1",
+                            "---Default 1", "----History 1", "-bea 1", "--Chromium 1",
+                            "---Default 1", "----History 1"));
+    expectCountsHold(places.evidence, {});
+}
+
+TEST(TreesApartTest, aTreeIsCalledByTheShortestPartThatTellsItFromTheOthers) {
+    const auto label = [](const char *tree, std::set<std::string, std::less<>> all) {
+        all.insert(tree);
+        return treeLabel(tree, all);
+    };
+    EXPECT_EQ(label("/case/pc3/disk", {"/case/pc4/disk"}), "pc3");
+    EXPECT_EQ(label("/case/pc3/c", {"/case/pc3/d", "/case/pc4/c"}), "pc3/c");
+    EXPECT_EQ(label("/case/pc3", {"/case/pc3/old"}), "pc3");
+    EXPECT_EQ(label("/case/pc3/old", {"/case/pc3"}), "pc3/old");
+    EXPECT_EQ(label("/", {"/old"}), "/");
+    EXPECT_EQ(label("/old", {"/"}), "old");
+    EXPECT_EQ(label("", {"/a", "/b"}), "elsewhere");
+    EXPECT_EQ(label("disk", {"x/disk"}), "disk");
+    EXPECT_EQ(label("x/disk", {"disk"}), "x/disk");
 }
 
 } // namespace
