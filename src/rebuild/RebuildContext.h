@@ -40,7 +40,7 @@ struct RebuildContext {
     TaskMonitor &task;
     RebuildSettings settings;
 
-    /// Hears of what a page and its parts are brought back from; `content` is null for what is gone.
+    /// Hears of what page and parts are brought back from; `content` is null for what is gone.
     using PartFetched = std::function<void(const UrlRecord &part, const Body *content)>;
     PartFetched partFetched = {};
 
