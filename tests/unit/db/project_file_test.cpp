@@ -50,8 +50,8 @@ TEST(ProjectFile, aPlainSQLiteProgramReadsEveryView) {
               "ok\ndelete\n");
 }
 
-/// What a program leaves that is killed in the midst of a write: part of it is in the file, and what
-/// stood there before is in the journal beside it.
+/// What a program leaves that is killed in the midst of a write: part of it is in the file, and
+/// what stood there before is in the journal beside it.
 fs::path cutProject(test::TestProject &project) {
     const fs::path file = project.database.filePath;
     const fs::path cut = project.folder.path() / "cut.nvp";
