@@ -36,10 +36,12 @@ std::uint32_t codePointOf(std::string_view character) {
     return code;
 }
 
-/// Marks of direction, characters without width, separators of lines and paragraphs.
+/// Marks of direction, characters without width (the soft hyphen has none within a line),
+/// separators of lines and paragraphs.
 bool deceives(std::uint32_t code) {
-    return code == 0x061C || code == 0xFEFF || (code >= 0x200B && code <= 0x200F) ||
-           (code >= 0x2028 && code <= 0x202E) || (code >= 0x2060 && code <= 0x206F);
+    return code == 0xAD || code == 0x034F || code == 0x061C || code == 0xFEFF ||
+           (code >= 0x200B && code <= 0x200F) || (code >= 0x2028 && code <= 0x202E) ||
+           (code >= 0x2060 && code <= 0x206F);
 }
 
 void appendShown(std::string &line, std::string_view character) {

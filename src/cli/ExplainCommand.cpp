@@ -96,7 +96,8 @@ std::string unmasked(const std::string &json) {
         const bool isMark = byte(at) == 0xE2 && ((code >= 0x200B && code <= 0x200F) ||
                                                  (code >= 0x2028 && code <= 0x202E) ||
                                                  (code >= 0x2060 && code <= 0x206F));
-        const bool isControl = byte(at) == 0x7F || (byte(at) == 0xC2 && byte(at + 1) < 0xA0);
+        const bool isControl =
+            byte(at) == 0x7F || (byte(at) == 0xC2 && (byte(at + 1) < 0xA0 || byte(at + 1) == 0xAD));
         if (isMark)
             plain += fmt::format("\\u{:04x}", code);
         else if (isControl)

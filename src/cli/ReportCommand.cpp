@@ -174,7 +174,7 @@ struct Made {
     fs::path index;
     std::size_t files = 0;
     std::int64_t rows = 0;
-    std::size_t unread = 0; ///< rows of the project, cached files, pages that lack parts
+    std::size_t gaps = 0;   ///< rows, cached files and pages that aren't as they should be
     bool isRedacted = true; ///< by each rule
 };
 
@@ -214,9 +214,7 @@ std::optional<Made> make(Session &session, const Arguments &arguments, const Row
     const fs::path index = ReportFolder::at(arguments.out).index(type);
     notePublish(session.program, index, published);
     return Made{index, published.files, rowsReported(session.program.state.projectDB.connection()),
-                tools.report.recordsFailed + tools.report.filesFailed +
-                    tools.report.pagesIncomplete,
-                tools.report.unmetRedactions.empty()};
+                gapsOf(tools.report), tools.report.unmetRedactions.empty()};
 }
 
 Exit run(Session &session, const Arguments &arguments) {
@@ -243,7 +241,7 @@ Exit run(Session &session, const Arguments &arguments) {
         return Exit::interrupted;
     if (!made->isRedacted)
         return Exit::notAllRedacted;
-    return made->unread > 0 ? Exit::rowsNotRead : Exit::ok;
+    return made->gaps > 0 ? Exit::rowsNotRead : Exit::ok;
 }
 
 std::vector<Argument> classicOptions(Arguments &given) {

@@ -159,6 +159,11 @@ class Scan {
         m_result.gaps.linksNotFollowed += contents.links.size();
         for (const fs::path &link : contents.links)
             attempt(link, [&] { refuseLink(link); });
+        for (const fs::path &special : contents.specials)
+            attempt(special, [&] {
+                if (isNamedAsFile(special))
+                    refuseSpecial(special);
+            });
         m_seen += contents.files.size();
         for (const UnreadPlace &place : contents.unreadable)
             noteUnread(place);
@@ -180,7 +185,20 @@ class Scan {
     }
 
     bool holdsPlaceOfFile(const fs::path &link) const {
-        std::string file = textOf(link);
+        return hasName(link, [](const Candidate &file, const Reader &reader) {
+            return liesInProfile(file, engineOf(&reader));
+        });
+    }
+
+    /// Pipes and devices of such a name are nothing that anybody has beside a browser.
+    bool isNamedAsFile(const fs::path &special) const {
+        return hasName(special, [](const Candidate &, const Reader &) { return true; });
+    }
+
+    /// Whether the name is that of a browser's file, or of one beside it, whose place `fits`.
+    template <class Fits>
+    bool hasName(const fs::path &place, const Fits &fits) const {
+        std::string file = textOf(place);
         for (const std::string_view side : kRowSuffixes)
             if (file.ends_with(side))
                 file.resize(file.size() - side.size());
@@ -188,7 +206,7 @@ class Scan {
         const auto formats = formatsFor(textOf(candidate.file.filename()));
         return std::ranges::any_of(formats, [&](const Reader *reader) {
             return !reader->isOneRecord && isWantedByName(*reader, candidate) &&
-                   liesInProfile(candidate, engineOf(reader));
+                   fits(candidate, *reader);
         });
     }
 

@@ -83,6 +83,7 @@ void addEntry(FolderContents &contents, const fs::directory_entry &entry, TypesI
         contents.files.push_back(entry.path());
         break;
     default:
+        contents.specials.push_back(entry.path());
         break;
     }
 }
@@ -245,6 +246,7 @@ FolderContents Evidence::contentsOf(const fs::path &folder) const {
     sortByBytes(contents.files);
     sortByBytes(contents.folders);
     sortByBytes(contents.links);
+    sortByBytes(contents.specials);
     return contents;
 }
 

@@ -23,8 +23,9 @@ struct UnreadPlace {
 struct FolderContents {
     std::vector<std::filesystem::path> files;
     std::vector<std::filesystem::path> folders;
-    std::vector<UnreadPlace> unreadable;      ///< names of which nothing can be found out
-    std::vector<std::filesystem::path> links; ///< of any kind; none is followed
+    std::vector<UnreadPlace> unreadable;         ///< names of which nothing can be found out
+    std::vector<std::filesystem::path> links;    ///< of any kind; none is followed
+    std::vector<std::filesystem::path> specials; ///< pipes, sockets and devices
 };
 
 enum class PlaceKind { nothing, file, folder, special };

@@ -101,11 +101,18 @@ class Harvest {
         m_list += fmt::format("{}|{}|{}|\r\n", line.tagURLID, line.originalTag, name);
         const fs::path target = m_folder / name;
         if (!fs::exists(target))
-            if (const auto content = contentOf(*part, m_ctx.extraction()))
-                copyToScratch(*content, target);
+            fetch(*part, target);
         if (getFileExtension(line.originalTag) == "css" && !isPage(target) && fs::exists(target))
             m_sheetPictures = findReplaceCSSTags(target, *part, m_ctx, m_sheetPictures);
         copyAsNamed(line, target);
+    }
+
+    void fetch(UrlRecord &part, const fs::path &target) {
+        const auto content = bodyOf(part, m_ctx.extraction(), 0);
+        if (m_ctx.partFetched)
+            m_ctx.partFetched(part, content ? &*content : nullptr);
+        if (content)
+            copyToScratch(content->file, target);
     }
 
     /// A part that a template has brought from another project lies in the page's archive only.

@@ -8,6 +8,7 @@
 #include "rebuild/TagScan.h"
 
 #include <filesystem>
+#include <functional>
 #include <string>
 
 namespace SQLite {
@@ -38,6 +39,10 @@ struct RebuildContext {
     FailureLog &log;
     TaskMonitor &task;
     RebuildSettings settings;
+
+    /// Hears of what page and parts are brought back from; `content` is null for what is gone.
+    using PartFetched = std::function<void(const UrlRecord &part, const Body *content)>;
+    PartFetched partFetched = {};
 
     Extraction extraction() const { return {evidence, tempFolderPath, log}; }
 };

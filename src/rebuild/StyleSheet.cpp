@@ -82,8 +82,11 @@ class SheetRewriting {
             return;
         const std::string name = fmt::format("_css{:07}.{}", ++m_taken, extension);
         ++m_replaced;
-        if (const auto content = contentOf(*picture, m_ctx.extraction()))
-            copyToScratch(*content, m_folder / name);
+        const auto content = bodyOf(*picture, m_ctx.extraction(), 0);
+        if (m_ctx.partFetched)
+            m_ctx.partFetched(*picture, content ? &*content : nullptr);
+        if (content)
+            copyToScratch(content->file, m_folder / name);
         line = replaceAllText(line, inner, name);
         if (line.find(';') == std::string::npos)
             line += ';';

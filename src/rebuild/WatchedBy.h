@@ -7,7 +7,7 @@ namespace nv {
 /// `ctx` with its progress shown as that of `task`: the one place that names each of its fields.
 inline RebuildContext watchedBy(const RebuildContext &ctx, TaskMonitor &task) {
     return {ctx.project, ctx.records, ctx.evidence, ctx.tempFolderPath,
-            ctx.log,     task,        ctx.settings};
+            ctx.log,     task,        ctx.settings, ctx.partFetched};
 }
 
 } // namespace nv

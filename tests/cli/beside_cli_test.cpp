@@ -6,7 +6,9 @@
 #include <gmock/gmock.h>
 
 #include <csignal>
+#include <memory>
 #include <thread>
+#include <vector>
 
 // Command lines beside a window and beside each other, as processes.
 namespace nv::test {
@@ -73,6 +75,24 @@ TEST_F(BesideCliTest, besideAWindowWhatWritesSaysWhoHasTheProject) {
         EXPECT_THAT(run.err, HasSubstr("is open already, for writing: " + who)) << call.front();
     }
     EXPECT_THAT(cli({"list", project, "--format", "csv"}).out, testing::Not(HasSubstr("True")));
+}
+
+TEST_F(BesideCliTest, shortWritesWaitForEachOther) {
+    import();
+    std::vector<std::unique_ptr<CliProcess>> running;
+    for (const char *name : {"North", "East", "South", "West"})
+        running.push_back(std::make_unique<CliProcess>(
+            std::vector<std::string>{"tag", project, "1", "--name", name, "--note", name},
+            folder.path() / name));
+    for (const auto &each : running) {
+        const CliResult run = each->finish();
+        EXPECT_EQ(run.exit, 0) << run.err;
+        EXPECT_THAT(run.out, HasSubstr("1 row tagged"));
+    }
+    const std::string tags = cli({"tags", project}).out;
+    for (const char *name : {"North", "East", "South", "West"})
+        EXPECT_THAT(tags, HasSubstr(name));
+    EXPECT_THAT(cli({"verify", project}).err, HasSubstr("The case trail is whole"));
 }
 
 TEST_F(BesideCliTest, nothingStaysBesideTheProject) {

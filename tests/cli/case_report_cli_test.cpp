@@ -53,6 +53,21 @@ TEST_F(CaseReportCliTest, aCaseReportIsHandedOver) {
     EXPECT_THAT(cli({"trail", project}).out, HasSubstr("Case report of 3 rows"));
 }
 
+TEST_F(CaseReportCliTest, missingEvidenceIsNoSuccess) {
+    const CliResult whole = report({"--cards", "all"});
+    EXPECT_EQ(whole.exit, 0) << whole.err;
+    EXPECT_THAT(text(out / "index.htm"), Not(HasSubstr("could not be read")));
+    fs::remove_all(evidence / "ABCDEFGH");
+    const CliResult run = report({"--cards", "all", "--overwrite"});
+    EXPECT_EQ(run.exit, 2);
+    EXPECT_THAT(run.err, HasSubstr("3 cached files could not be read; their cards say so."));
+    EXPECT_THAT(text(out / "index.htm"), HasSubstr("3 cached files could not be read"));
+    const CliResult graphical =
+        cli({"report", project, "--type", "graphical", "--out", out.string(), "--overwrite"});
+    EXPECT_EQ(graphical.exit, 2);
+    EXPECT_THAT(graphical.err, HasSubstr("3 cached files could not be read"));
+}
+
 TEST_F(CaseReportCliTest, rowsAreChosenBySeveralTags) {
     ASSERT_EQ(cli({"tag", project, "1", "--name", "Important"}).exit, 0);
     ASSERT_EQ(cli({"tag", project, "1", "3", "--name", "Later"}).exit, 0);

@@ -195,7 +195,7 @@ TEST_F(EvidenceCliTest, aReportOfContentThatCantBeReadSaysSo) {
     const CliResult run = asNobody({"report", project, "--all", "--type", "graphical", "--out",
                                     (folder.path() / "report").string()});
     fs::permissions(page, fs::perms::owner_all);
-    EXPECT_THAT(run.err, HasSubstr("cached files could not be read"));
+    EXPECT_THAT(run.err, HasSubstr("1 cached file could not be read"));
     EXPECT_EQ(run.exit, 2) << run.err;
 }
 

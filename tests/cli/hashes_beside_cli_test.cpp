@@ -97,6 +97,31 @@ TEST_F(HashesBesideCliTest, aForgedBodyIsNamedByAllWhoReadIt) {
                 AllOf(HasSubstr("\"f_000001\" has changed"), HasSubstr("another content_sha256")));
 }
 
+TEST_F(HashesBesideCliTest, aReportThatHandsAForgedBodyOverSaysSo) {
+    writeBlocks();
+    importAll();
+    const std::string row = rowOf("URL LIKE '%big.txt'");
+    const auto report = [&](const std::string &type) {
+        return cli({"report", project, "--type", type, "--out", (folder.path() / type).string(),
+                    "--overwrite", "--tagged"});
+    };
+    ASSERT_EQ(cli({"tag", project, row}).exit, 0);
+    EXPECT_EQ(report("case").exit, 0);
+    EXPECT_EQ(report("graphical").exit, 0);
+    forge(body);
+    for (const char *type : {"case", "graphical"}) {
+        const CliResult run = report(type);
+        EXPECT_EQ(run.exit, 2) << type;
+        EXPECT_THAT(run.err, HasSubstr("The content of 1 record is NOT what was imported; their "
+                                       "cards say so. Ids: " +
+                                       row + "."));
+    }
+    const fs::path made = folder.path() / "case";
+    EXPECT_THAT(text(made / "cards-1.htm"), HasSubstr("The content is NOT what was imported"));
+    EXPECT_THAT(text(made / "index.htm"), HasSubstr("1 card with content that is NOT"));
+    EXPECT_EQ(report("tabular").exit, 0) << "it holds no content";
+}
+
 TEST_F(HashesBesideCliTest, packedContentIsComparedUnpackedAlsoWhereItIsAskedForAsStored) {
     writeBlocks();
     importAll();

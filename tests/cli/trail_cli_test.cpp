@@ -110,11 +110,35 @@ TEST_F(TrailCliTest, whatIsDoneWithTagsIsInTheTrail) {
     EXPECT_THAT(
         trail,
         HasSubstr(R"("Action":"Tag","Detail":"tag \"Harbour\" changed: name \"Quay\", colour )"
-                  R"(#0f6cbd instead of #d13438, note of 11 characters written")"));
+                  R"(#0f6cbd instead of #d13438, note of 11 characters written, SHA-256 )"));
     EXPECT_THAT(trail,
                 HasSubstr(R"("Action":"Tag","Detail":"tag \"Quay\" deleted: 1 row had it")"));
     EXPECT_THAT(trail, testing::Not(HasSubstr("seen by two")));
     EXPECT_THAT(trail, testing::Not(HasSubstr(R"(tag \"Quay\" changed)"))) << "nothing was";
+}
+
+TEST_F(TrailCliTest, whatRowsHaveNotedOfATagIsInTheTrail) {
+    const auto hashOf = [](std::string_view text) {
+        Digest digest(DigestAlgorithm::sha256);
+        digest.add(text);
+        return digest.takeHex();
+    };
+    const auto entries = [this] { return cli({"trail", project, "--format", "jsonl"}).out; };
+    const auto tag = [this](const std::string &note) {
+        EXPECT_EQ(cli({"tag", project, "1", "--name", "Harbour", "--note", note}).exit, 0);
+    };
+    tag("seen by two");
+    EXPECT_THAT(entries(), HasSubstr(R"("Action":"Note","Detail":"tag \"Harbour\" of 1 row: note )"
+                                     R"(of 11 characters written, SHA-256 )" +
+                                     hashOf("seen by two") + ": URL_ID 1\""));
+    tag("seen by one");
+    EXPECT_THAT(entries(), HasSubstr(hashOf("seen by one") + ": URL_ID 1"));
+    const std::string before = entries();
+    tag("seen by one");
+    EXPECT_EQ(entries(), before) << "nothing has changed";
+    EXPECT_EQ(cli({"tag", project, "1", "--name", "Harbour", "--remove"}).exit, 0);
+    EXPECT_THAT(entries(), HasSubstr(R"(tag \"Harbour\" of 1 row: note taken away: URL_ID 1)"));
+    EXPECT_THAT(entries(), testing::Not(HasSubstr("seen by")));
 }
 
 TEST_F(TrailCliTest, reportsTellWhichRowsAndHowMuchWasRedacted) {

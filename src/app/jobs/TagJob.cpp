@@ -7,6 +7,10 @@
 #include <fmt/format.h>
 #include <fmt/ranges.h>
 
+#include <algorithm>
+#include <map>
+#include <utility>
+
 namespace nv {
 
 namespace {
@@ -24,7 +28,7 @@ void noteChange(Program &program, const std::string &tag, bool isSet,
                               .which = idsInWords(ids)});
 }
 
-/// What differs; of a note its length, not its words.
+/// What differs; of a note its length and hash, not its words.
 std::string changesOf(const NamedTag &before, const NamedTag &now) {
     std::vector<std::string> changes;
     if (now.name != before.name)
@@ -32,10 +36,7 @@ std::string changesOf(const NamedTag &before, const NamedTag &now) {
     if (now.color != before.color)
         changes.push_back(fmt::format("colour {} instead of {}", now.color, before.color));
     if (now.note != before.note)
-        changes.push_back(
-            now.note.empty()
-                ? "note taken away"
-                : fmt::format("note of {} written", counted(charCount(now.note), "character")));
+        changes.push_back(noteInWords(now.note));
     return fmt::format("{}", fmt::join(changes, ", "));
 }
 
@@ -46,18 +47,56 @@ std::string namesInOrder(Program &program) {
     return fmt::format("{}", fmt::join(names, ", "));
 }
 
-/// The rows of a change that is taken back, or done again.
+/// What rows have noted of a tag by now, where that has changed: texts with their rows.
+using NotedRows = std::map<std::string, std::vector<std::int32_t>>;
+
+/// After the change was done.
+NotedRows notesAfter(const TagChange &change) {
+    NotedRows noted;
+    if (change.isSet && !change.note.empty())
+        noted[change.note] = change.ids;
+    for (const auto &[id, earlier] : change.earlierNotes)
+        noted[change.note].push_back(id);
+    return noted;
+}
+
+/// After it was taken back.
+NotedRows notesBefore(const TagChange &change) {
+    NotedRows noted;
+    if (change.isSet && !change.note.empty())
+        noted[""] = change.ids;
+    for (const auto &[id, earlier] : change.earlierNotes)
+        noted[earlier].push_back(id);
+    return noted;
+}
+
+void noteTexts(Program &program, const std::string &tag, NotedRows noted) {
+    for (auto &[text, ids] : noted) {
+        std::ranges::sort(ids);
+        if (!ids.empty())
+            noteTagNote(program, tag, text, ids);
+    }
+}
+
+/// A change that is taken back, or done again.
 struct Repeated {
     std::string tag;
     bool isSet = true;
     std::vector<std::int32_t> ids;
+    NotedRows noted;
 };
 
-Repeated repeated(Program &program, const TagChange *change, bool isSet) {
+Repeated repeated(Program &program, const TagChange *change, bool isDone) {
     if (!change)
         return {};
     const auto tag = NamedTags(projectOf(program)).find(change->tagID);
-    return {tag ? tag->name : "", isSet, change->ids};
+    return {tag ? tag->name : "", isDone == change->isSet, change->ids,
+            isDone ? notesAfter(*change) : notesBefore(*change)};
+}
+
+void noteRepeated(Program &program, const Repeated &rows) {
+    noteChange(program, rows.tag, rows.isSet, rows.ids);
+    noteTexts(program, rows.tag, rows.noted);
 }
 
 } // namespace
@@ -67,26 +106,26 @@ std::optional<TagChange> tagRows(Program &program, const TagOrder &order,
     RecordTags rows(projectOf(program));
     auto change = order.isSet ? rows.set(order.tag.tagID, ids, order.note, task)
                               : rows.take(order.tag.tagID, ids, task);
-    if (change)
+    if (change) {
         noteChange(program, order.tag.name, order.isSet, change->ids);
+        noteTexts(program, order.tag.name, notesAfter(*change));
+    }
     return change;
 }
 
 bool undoTagging(Program &program, TagHistory &history, TaskMonitor &task) {
-    const TagChange *last = history.next();
-    const Repeated rows = repeated(program, last, last && !last->isSet);
+    const Repeated rows = repeated(program, history.next(), false);
     if (!history.undo(projectOf(program), task))
         return false;
-    noteChange(program, rows.tag, rows.isSet, rows.ids);
+    noteRepeated(program, rows);
     return true;
 }
 
 bool redoTagging(Program &program, TagHistory &history, TaskMonitor &task) {
-    const TagChange *last = history.nextAgain();
-    const Repeated rows = repeated(program, last, last && last->isSet);
+    const Repeated rows = repeated(program, history.nextAgain(), true);
     if (!history.redo(projectOf(program), task))
         return false;
-    noteChange(program, rows.tag, rows.isSet, rows.ids);
+    noteRepeated(program, rows);
     return true;
 }
 

@@ -228,14 +228,27 @@ void noteNote(Program &program, UrlId url, const std::string &text) {
     TrailEntry entry;
     entry.action = "Note";
     entry.rowCount = 1;
-    entry.detail = fmt::format("row {}: note taken away", url);
-    if (!text.empty()) {
-        Digest digest(DigestAlgorithm::sha256);
-        digest.add(text);
-        entry.detail = fmt::format("row {}: note of {} written, SHA-256 {}", url,
-                                   counted(charCount(text), "character"), digest.takeHex());
-    }
+    entry.detail = fmt::format("row {}: {}", url, noteInWords(text));
     noteInTrail(program, std::move(entry));
+}
+
+void noteTagNote(Program &program, const std::string &tag, const std::string &text,
+                 std::span<const std::int32_t> ids) {
+    TrailEntry entry;
+    entry.action = "Note";
+    entry.rowCount = static_cast<std::int64_t>(ids.size());
+    entry.detail = fmt::format("tag \"{}\" of {}: {}: {}", tag, counted(ids.size(), "row"),
+                               noteInWords(text), idsInWords(ids));
+    noteInTrail(program, std::move(entry));
+}
+
+std::string noteInWords(const std::string &text) {
+    if (text.empty())
+        return "note taken away";
+    Digest digest(DigestAlgorithm::sha256);
+    digest.add(text);
+    return fmt::format("note of {} written, SHA-256 {}", counted(charCount(text), "character"),
+                       digest.takeHex());
 }
 
 void noteSearch(Program &program, const std::string &text, std::int64_t rows) {

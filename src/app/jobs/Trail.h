@@ -68,6 +68,11 @@ void noteMarking(Program &program, const Marking &marking);
 void noteTagChange(Program &program, std::string detail, std::int64_t rows = 0);
 /// A note that was written, or taken away when `text` is empty: its length and hash, not its words.
 void noteNote(Program &program, UrlId url, const std::string &text);
+/// The same of what rows have noted of a tag.
+void noteTagNote(Program &program, const std::string &tag, const std::string &text,
+                 std::span<const std::int32_t> ids);
+/// "note of 5 characters written, SHA-256 ...", "note taken away".
+std::string noteInWords(const std::string &text);
 /// A search that was asked for as a whole, not each letter of one on its way. The project may be
 /// open for reading; it must be one that can be written.
 void noteSearch(Program &program, const std::string &text, std::int64_t rows);

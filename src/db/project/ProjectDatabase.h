@@ -36,7 +36,8 @@ class ProjectDatabase {
     [[nodiscard]] bool createDatabaseProject();
 
     /// Opens the file at filePath. Throws StorageFailure, saying what is wrong with the file. What
-    /// is opened for reading keeps every byte, so that its hash stays that of the day it was filed.
+    /// is opened for reading keeps every byte, so that its hash stays that of the day it was filed;
+    /// a write that was cut short is rolled back first.
     void open(Access access = Access::write);
     /// Rolls a pending transaction back, brings the project into its one-file form and closes it.
     /// Does nothing when closed. Statements on the connection must be gone by then.

@@ -3,12 +3,15 @@
 #include "base/ByteView.h"
 #include "base/Files.h"
 #include "base/Storage.h"
+#include "db/sql/SideFiles.h"
 #include "db/sql/SqlFunctions.h"
 #include "db/sql/SqliteErrors.h"
 
 #include <fmt/format.h>
 #include <sqlite3.h>
 
+#include <chrono>
+#include <thread>
 #include <unistd.h>
 
 namespace nv {
@@ -76,12 +79,29 @@ void requireWriting(SQLite::Database &database, const fs::path &file) {
         refuse(file, "the file can't be written");
 }
 
+/// For this the database has to be alone with the file for a moment, and it doesn't wait for that
+/// by itself.
+int enterLogMode(SQLite::Database &database) {
+    using Clock = std::chrono::steady_clock;
+    constexpr std::chrono::milliseconds kPause{20};
+    const auto end = Clock::now() + std::chrono::milliseconds(kBusyTimeout);
+    int result = database.tryExec("PRAGMA journal_mode=WAL");
+    while (result == SQLITE_BUSY && Clock::now() < end) {
+        std::this_thread::sleep_for(kPause);
+        result = database.tryExec("PRAGMA journal_mode=WAL");
+    }
+    return result;
+}
+
 /// 64 MB of cache, and as much of the log before it is brought into the file: an import writes the
 /// same pages of the indexes again and again. WAL lets readers in while an import writes, and with
 /// NORMAL a crash of the program loses nothing that was committed.
 void prepareWriting(SQLite::Database &database, const fs::path &file) {
     requireWriting(database, file);
-    if (database.tryExec("PRAGMA journal_mode=WAL") != SQLite::OK)
+    const int entered = enterLogMode(database);
+    if (entered == SQLITE_BUSY)
+        throw SQLite::Exception(database.getHandle(), entered);
+    if (entered != SQLITE_OK)
         refuse(file, fmt::format("on the disk \"{}\": it or its folder can't be written: {}",
                                  textOf(diskOf(file)), database.getErrorMsg()));
     database.exec("PRAGMA synchronous=NORMAL; PRAGMA cache_size=-65536; PRAGMA foreign_keys=ON; "
@@ -94,6 +114,27 @@ std::unique_ptr<SQLite::Database> opened(const fs::path &file, Access access) {
                                                        kBusyTimeout);
     protect(*database, access);
     return database;
+}
+
+/// Whoever was killed while it wrote in the plain mode has left a journal, without which the file
+/// makes no sense; and who only reads may not bring it back.
+bool needsRollback(SQLite::Database &reading) {
+    return reading.tryExec("PRAGMA schema_version") != SQLITE_OK &&
+           reading.getExtendedErrorCode() == SQLITE_READONLY_ROLLBACK;
+}
+
+/// As any connection that writes does when it begins.
+void rollBack(const fs::path &file) {
+    const auto database = opened(file, Access::note);
+    const int result = database->tryExec("PRAGMA schema_version");
+    if (result == SQLITE_BUSY)
+        throw SQLite::Exception(database->getHandle(), result);
+    if (result != SQLITE_OK)
+        refuse(file, fmt::format("a program was stopped while it wrote, and \"{}\" must be rolled "
+                                 "back first, which can't be written here ({}): make the project "
+                                 "and its folder writable, or copy both files to where they are",
+                                 textOf(sideFile(file.filename(), kJournalSuffix)),
+                                 database->getErrorMsg()));
 }
 
 } // namespace
@@ -132,6 +173,8 @@ std::unique_ptr<SQLite::Database> connectToProject(const fs::path &file, Access 
     checkIsProject(file);
     return onFile(file, [&] {
         auto database = opened(file, access);
+        if (access == Access::read && needsRollback(*database))
+            rollBack(file);
         if (!database->tableExists("URLs"))
             refuse(file, "this is no project: it has no table URLs");
         if (access == Access::write)

@@ -28,7 +28,9 @@ std::unique_ptr<SQLite::Database> connect(const std::filesystem::path &file, Acc
 void checkIsProject(const std::filesystem::path &file);
 
 /// Opens a project that must be there: a file of another program, or one without table `URLs`, is
-/// refused before anything is written to it.
+/// refused before anything is written to it. What is opened for reading keeps every byte, but where
+/// a program was killed while it wrote: its write is rolled back first, as whoever writes next
+/// would.
 std::unique_ptr<SQLite::Database> connectToProject(const std::filesystem::path &file,
                                                    Access access);
 

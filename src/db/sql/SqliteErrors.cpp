@@ -21,7 +21,8 @@ std::string wordsOf(const SQLite::Exception &error) {
     case SQLITE_NOTADB:
         return fmt::format("this is no project ({})", error.what());
     case SQLITE_BUSY:
-        return fmt::format("another program is writing to it ({})", error.what());
+        return fmt::format("another program is writing to it, and goes on; try again later ({})",
+                           error.what());
     default:
         return error.what();
     }

@@ -32,14 +32,16 @@ constexpr std::string_view kBannerTime = "yyyy-mm-dd Hh:Nn:Ss";
 /// The page's bytes, unpacked, with a copy in `RunTimeTempFilePath`; nothing when they are gone.
 std::optional<Bytes> contentOfPage(UrlRecord &page, const RebuildContext &ctx) {
     page.RunTimeTempFilePath.clear(); // what another step left there may be another page's
-    const auto content = contentOf(page, ctx.extraction());
+    const auto content = bodyOf(page, ctx.extraction(), 0);
+    if (ctx.partFetched)
+        ctx.partFetched(page, content ? &*content : nullptr);
     if (!content)
         return std::nullopt;
     page.RunTimeTempFilePath = ctx.tempFolderPath / kPageCopy;
-    if (fs::file_size(*content) > PartFiles::kLargestDocument)
+    if (fs::file_size(content->file) > PartFiles::kLargestDocument)
         throw std::length_error(
             fmt::format("the page has more than {} bytes", PartFiles::kLargestDocument));
-    copyToScratch(*content, page.RunTimeTempFilePath);
+    copyToScratch(content->file, page.RunTimeTempFilePath);
     return readWhole(page.RunTimeTempFilePath);
 }
 

@@ -136,6 +136,8 @@ PartFiles::Taken PartFiles::bring(UrlId id, RefUse use) {
     if (const char *const rule = refusalOf(headers, use))
         return Refused{rule};
     const auto body = bodyOf(*record, m_ctx.extraction(), kBodyInMemory);
+    if (m_ctx.partFetched)
+        m_ctx.partFetched(*record, body ? &*body : nullptr);
     if (!body || sizeOf(*body) == 0)
         return Gone();
     const std::string head = headOf(*body);

@@ -39,6 +39,9 @@ std::string contentOf(const ReportCard &card) {
         text = fmt::format("<a href=\"{0}\">{0}</a>", htmlAddress(card.target));
     if (card.incomplete)
         text += " <span class=\"warn\">Not all parts of the page could be brought.</span>";
+    if (card.isChanged)
+        text += " <span class=\"warn\">The content is NOT what was imported: its SHA-256 is "
+                "another one.</span>";
     return text;
 }
 
@@ -106,7 +109,10 @@ ReportCard CaseCardPages::bring(UrlId id, std::size_t place, TaskMonitor &task) 
         card.absence = "The cached file could not be read; the log of the program says why.";
         ++failures.files;
     }
+    failures.files += card.isGone ? 1 : 0;
     failures.pagesIncomplete += card.incomplete ? 1 : 0;
+    if (card.isChanged)
+        noteUnread(failures.changed, id);
     return card;
 }
 

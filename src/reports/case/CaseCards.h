@@ -18,6 +18,7 @@ inline constexpr std::size_t kCaseCardsAPage = 100;
 /// What cards couldn't show.
 struct CardFailures {
     UnreadRows rows;
+    UnreadRows changed; ///< their content is NOT what was imported
     std::size_t files = 0;
     std::size_t pagesIncomplete = 0;
 };

@@ -327,11 +327,16 @@ void CaseIndex::notRead(std::ostream &file) {
             rowsOfTable += fmt::format("<tr>{}{}</tr>\n",
                                        caseCell("Place", "<bdi>" + text(entry.filePath) + "</bdi>"),
                                        caseCell("Why", text(entry.detail)));
-    if (unread > 0)
-        file << fmt::format(
-            "<p class=\"warn\">{} of the project could not be read; their lines say "
-            "so.</p>\n",
-            counted(unread, "row"));
+    const auto warn = [&file](std::size_t number, std::string_view what, std::string_view is) {
+        if (number > 0)
+            file << fmt::format("<p class=\"warn\">{} {}.</p>\n", counted(number, what), is);
+    };
+    warn(m_report.recordsFailed, "row", "of the project could not be read; their lines say so");
+    warn(m_report.filesFailed, "cached file", "could not be read; their cards say so");
+    warn(m_report.changedRows.size(), "card",
+         "with content that is NOT what was imported; the cards say so");
+    warn(m_report.pagesIncomplete, "rebuilt page",
+         "could not be brought with all parts; their cards say so");
     if (count == 0) {
         file << "<p>No file and no folder that the imports came by was unreadable, as far as the "
                 "case trail tells.</p>\n";

@@ -25,9 +25,8 @@ class CaseIndex {
         : m_report(report), m_ctx(ctx), m_frame(frame), m_redactor(redactor) {}
 
     std::string logo;
-    /// The rows of the report and, of them, those that couldn't be read.
+    /// Of the report.
     std::uint64_t rows = 0;
-    std::uint64_t unread = 0;
 
     /// `ids` are those whose time is drawn; the list of all files of evidence goes into `folder`.
     /// False when cancelled. Throws StorageFailure.

@@ -253,6 +253,7 @@ bool CaseReport::writeCards() {
     }
     pages.finish();
     m_report.filesFailed += pages.failures.files;
+    m_report.changedRows.insert(pages.failures.changed.begin(), pages.failures.changed.end());
     m_report.pagesIncomplete += pages.failures.pagesIncomplete;
     return true;
 }
@@ -265,7 +266,6 @@ bool CaseReport::writeIndex() {
             shown.push_back(m_plan.ids[place]);
     CaseIndex index(m_report, m_ctx, m_frame, m_redactor);
     index.rows = shown.size();
-    index.unread = m_report.recordsFailed;
     if (m_report.useCustomLogo && !m_report.agencyLogoPath.empty()) {
         makeFolder(m_folder.images());
         index.logo =
@@ -306,6 +306,7 @@ void createCaseReport(ReportWriter &report, const ReportContext &ctx, const fs::
         ctx.rebuild.task.describe({"CREATING REPORT", "Overall Progress", "", ""});
         report.recordsFailed = report.filesFailed = report.pagesIncomplete = 0;
         report.failedRows.clear();
+        report.changedRows.clear();
         report.buildingReport = true;
         const ReportFolder folder = ReportFolder::of(parent, kCaseType);
         report.cancel = !CaseReport(report, ctx, folder).make();

@@ -4,6 +4,8 @@
 #include "markup/Utf8.h"
 #include "search/FoldedText.h"
 
+#include <unicode/uchar.h>
+
 #include <algorithm>
 #include <array>
 #include <optional>
@@ -39,7 +41,36 @@ std::optional<Code> numberAt(std::string_view text, std::size_t at, std::uint32_
     return code.length > 0 ? std::optional(code) : std::nullopt;
 }
 
+using CodeAt = std::optional<Code> (*)(std::string_view text, std::size_t at);
+
+/// `first` as it stands, or with the second half of a character that two codes of UTF-16 write.
+Code withLowHalf(const Code &first, std::string_view text, std::size_t at, CodeAt read) {
+    constexpr std::uint32_t kHigh = 0xD800;
+    constexpr std::uint32_t kLow = 0xDC00;
+    constexpr std::uint32_t kLetters = 0x400; // of each half
+    const std::size_t next = at + first.length;
+    if (first.value < kHigh || first.value >= kLow || next >= text.size() || text[next] != text[at])
+        return first;
+    const auto low = read(text, next);
+    if (!low || low->value < kLow || low->value >= kLow + kLetters)
+        return first;
+    return {0x10000 + (first.value - kHigh) * kLetters + (low->value - kLow),
+            first.length + low->length, false};
+}
+
+/// "%u0071" of scripts.
+std::optional<Code> percentUnitAt(std::string_view text, std::size_t at) {
+    constexpr std::size_t kDigits = 4;
+    if (at + 1 >= text.size() || (text[at + 1] | 0x20) != 'u')
+        return std::nullopt;
+    const auto code = numberAt(text, at + 2, 16, kDigits);
+    return code && code->length == kDigits ? std::optional(Code{code->value, kDigits + 2, false})
+                                           : std::nullopt;
+}
+
 std::optional<Code> percentAt(std::string_view text, std::size_t at) {
+    if (const auto unit = percentUnitAt(text, at))
+        return withLowHalf(*unit, text, at, percentUnitAt);
     auto code = numberAt(text, at + 1, 16, 2);
     if (!code || code->length != 2)
         return std::nullopt;
@@ -78,19 +109,74 @@ std::optional<Code> referenceAt(std::string_view text, std::size_t at) {
     return Code{code->value, end - at, false};
 }
 
-/// "\u0061", "\x61", and "\61 " of a style.
+/// "\u0061".
+std::optional<Code> unitAt(std::string_view text, std::size_t at) {
+    constexpr std::size_t kDigits = 4;
+    if (at + 1 >= text.size() || text[at + 1] != 'u')
+        return std::nullopt;
+    const auto code = numberAt(text, at + 2, 16, kDigits);
+    return code && code->length == kDigits ? std::optional(Code{code->value, kDigits + 2, false})
+                                           : std::nullopt;
+}
+
+/// "\u{61}".
+std::optional<Code> bracedAt(std::string_view text, std::size_t at) {
+    constexpr std::size_t kMostDigits = 8;
+    if (!text.substr(at).starts_with("\\u{"))
+        return std::nullopt;
+    const auto code = numberAt(text, at + 3, 16, kMostDigits);
+    if (!code)
+        return std::nullopt;
+    const std::size_t end = at + 3 + code->length;
+    return end < text.size() && text[end] == '}'
+               ? std::optional(Code{code->value, end + 1 - at, false})
+               : std::nullopt;
+}
+
+/// "\x61".
+std::optional<Code> byteAt(std::string_view text, std::size_t at) {
+    const auto code = numberAt(text, at + 2, 16, 2);
+    return code && code->length == 2 ? std::optional(Code{code->value, 4, false}) : std::nullopt;
+}
+
+/// "\141".
+std::optional<Code> octalAt(std::string_view text, std::size_t at) {
+    constexpr std::uint32_t kLargest = 0xFF;
+    auto code = numberAt(text, at + 1, 8, 3);
+    if (code && code->value > kLargest)
+        code = numberAt(text, at + 1, 8, 2);
+    return code ? std::optional(Code{code->value, code->length + 1, false}) : std::nullopt;
+}
+
+/// What stands for itself behind a backslash, and what stands for a blank there.
+std::optional<Code> signAt(std::string_view text, std::size_t at) {
+    switch (const char sign = text[at + 1]; sign) {
+    case '/':
+    case '\'':
+    case '"':
+        return Code{static_cast<std::uint32_t>(sign), 2, false};
+    case 'n':
+    case 'r':
+        return Code{'\n', 2, false};
+    case 't':
+        return Code{'\t', 2, false};
+    default:
+        return std::nullopt;
+    }
+}
+
+/// Those of scripts, and "\61 " of a style.
 std::optional<Code> escapeAt(std::string_view text, std::size_t at) {
     if (at + 1 >= text.size())
         return std::nullopt;
-    const char kind = text[at + 1];
-    if (kind == 'u' || kind == 'x') {
-        const std::size_t digits = kind == 'u' ? 4 : 2;
-        const auto code = numberAt(text, at + 2, 16, digits);
-        return code && code->length == digits ? std::optional(Code{code->value, digits + 2, false})
-                                              : std::nullopt;
-    }
-    if (kind == '/')
-        return Code{'/', 2, false};
+    if (const auto unit = unitAt(text, at))
+        return withLowHalf(*unit, text, at, unitAt);
+    if (const auto braced = bracedAt(text, at))
+        return braced;
+    if (text[at + 1] == 'x')
+        return byteAt(text, at);
+    if (const auto sign = signAt(text, at))
+        return sign;
     const auto code = numberAt(text, at + 1, 16, 6);
     // A path of Windows has such letters too, so that texts are looked through as they stand as
     // well.
@@ -101,7 +187,11 @@ std::optional<Code> escapeAt(std::string_view text, std::size_t at) {
     return Code{code->value, end - at, false};
 }
 
-std::optional<Code> codeAt(std::string_view text, std::size_t at) {
+std::optional<Code> codeAt(std::string_view text, std::size_t at,
+                           PlainStream::Codes codes = PlainStream::Codes::undo) {
+    if (codes == PlainStream::Codes::undoOctal && text[at] == '\\')
+        if (const auto octal = octalAt(text, at))
+            return octal;
     switch (text[at]) {
     case '%':
         return percentAt(text, at);
@@ -116,8 +206,8 @@ std::optional<Code> codeAt(std::string_view text, std::size_t at) {
 
 /// Has no width: a word goes on through it.
 bool isInvisible(std::uint32_t code) {
-    return code == 0xAD || code == 0xFEFF || (code >= 0x200B && code <= 0x200F) ||
-           (code >= 0x202A && code <= 0x202E) || (code >= 0x2060 && code <= 0x2069);
+    return code >= 0x80 &&
+           u_hasBinaryProperty(static_cast<UChar32>(code), UCHAR_DEFAULT_IGNORABLE_CODE_POINT) != 0;
 }
 
 /// Runs of these stand for one blank, as in a page.
@@ -141,12 +231,12 @@ struct Undone {
 };
 
 Undone undone(std::string_view text, PlainStream::Codes codes) {
-    const bool undoes = codes == PlainStream::Codes::undo;
+    const bool undoes = codes != PlainStream::Codes::keep;
     Undone read;
     read.bytes.reserve(text.size());
     read.from.reserve(text.size() + 1);
     for (std::size_t at = 0; at < text.size();) {
-        const auto code = undoes ? codeAt(text, at) : std::nullopt;
+        const auto code = undoes ? codeAt(text, at, codes) : std::nullopt;
         // So forms write a blank.
         const bool isPlus = undoes && text[at] == '+';
         const std::string bytes = code ? written(*code) : std::string(1, isPlus ? ' ' : text[at]);
@@ -188,6 +278,14 @@ PlainStream::PlainStream(std::string_view text, Codes codes) {
         origin.resize(plain.size(), read.from[begin]);
     }
     origin.push_back(static_cast<std::uint32_t>(text.size()));
+}
+
+bool mayHaveOctal(std::string_view text) {
+    for (std::size_t at = text.find('\\'); at != std::string_view::npos;
+         at = text.find('\\', at + 1))
+        if (octalAt(text, at))
+            return true;
+    return false;
 }
 
 std::string withoutCodes(std::string_view text) {

@@ -10,10 +10,14 @@ namespace nv {
 
 /// A text in one case without its codings, and the way back to the bytes that each letter was
 /// written with. Percent codes, character references of HTML and the escapes of styles and scripts
-/// are undone once; blanks of all
-/// kinds, one or many, are one, and what has no width is passed over.
+/// are undone once; blanks of all kinds, one or many, are one, and what has no width is passed
+/// over.
 struct PlainStream {
-    enum class Codes { undo, keep };
+    enum class Codes {
+        undo,      ///< digits behind a backslash are hexadecimal, as styles write them
+        undoOctal, ///< or octal, as scripts do
+        keep,
+    };
     explicit PlainStream(std::string_view text, Codes codes = Codes::undo);
 
     std::string plain;
@@ -21,6 +25,9 @@ struct PlainStream {
     std::vector<std::uint32_t> origin;
     bool hadCodes = false;
 };
+
+/// Whether digits behind a backslash may be octal ones: then the text can be read in two ways.
+bool mayHaveOctal(std::string_view text);
 
 /// The text without one layer of the same codings, its case and its "+" kept.
 std::string withoutCodes(std::string_view text);

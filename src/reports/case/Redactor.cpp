@@ -5,6 +5,7 @@
 #include "markup/Utf8.h"
 #include "readers/Dissection.h"
 #include "reports/case/CodedText.h"
+#include "reports/case/PackedTexts.h"
 
 #include <fmt/format.h>
 
@@ -168,8 +169,11 @@ std::string Redactor::withMarks(std::string_view value, PlainStream::Codes codes
 std::string Redactor::text(std::string_view value) {
     if (m_words.empty() || value.empty())
         return std::string(value);
-    const std::string seen =
-        withMarks(withMarks(decodeText(value), PlainStream::Codes::keep), PlainStream::Codes::undo);
+    std::string seen = decodeText(value);
+    for (const auto codes :
+         {PlainStream::Codes::keep, PlainStream::Codes::undo, PlainStream::Codes::undoOctal})
+        if (codes != PlainStream::Codes::undoOctal || mayHaveOctal(seen))
+            seen = withMarks(seen, codes);
     const std::string marked = withoutCodedRuns(seen);
     const bool isLeft = holdsPlain(marked) || holdsCoded(marked);
     if (isLeft || marked != seen)
@@ -180,17 +184,23 @@ std::string Redactor::text(std::string_view value) {
     return std::string(kRedacted);
 }
 
+bool Redactor::isIn(const PlainStream &stream) const {
+    return std::ranges::any_of(m_words, [&stream](const Word &word) {
+        return stream.plain.find(word.text) != std::string::npos;
+    });
+}
+
 bool Redactor::holdsPlain(std::string_view text) const {
-    const auto isIn = [this](const PlainStream &stream) {
-        return std::ranges::any_of(m_words, [&stream](const Word &word) {
-            return stream.plain.find(word.text) != std::string::npos;
-        });
-    };
-    if (isIn(PlainStream(text, PlainStream::Codes::keep)))
-        return true;
+    return isIn(PlainStream(text, PlainStream::Codes::keep)) ||
+           holdsUndone(text, PlainStream::Codes::undo) ||
+           (mayHaveOctal(text) && holdsUndone(text, PlainStream::Codes::undoOctal));
+}
+
+/// Coding after coding is undone.
+bool Redactor::holdsUndone(std::string_view text, PlainStream::Codes codes) const {
     std::string layer(text);
     for (int coding = 0; coding < kCodings; ++coding) {
-        PlainStream stream(layer);
+        PlainStream stream(layer, codes);
         if (isIn(stream))
             return true;
         if (!stream.hadCodes)
@@ -285,17 +295,31 @@ void Redactor::meetCoded(std::string_view bytes) const {
 }
 
 bool Redactor::holdsUncoded(std::string_view bytes) const {
+    if (holdsLetters(bytes) || holdsPacked(bytes))
+        return true;
+    if (bytes.find('<') != std::string_view::npos && holdsPlain(withoutMarkup(bytes)))
+        return true;
+    return std::ranges::any_of(embeddedData(bytes), [this](const std::string &data) {
+        return holdsPlain(data) || holdsPacked(data);
+    });
+}
+
+/// In UTF-8 or UTF-16.
+bool Redactor::holdsLetters(std::string_view bytes) const {
     for (const std::string &wide : m_wide)
         if (bytes.find(wide) != std::string_view::npos)
             return true;
     std::string narrow(bytes);
     std::erase(narrow, '\0'); // of UTF-16 in another case
-    if (holdsPlain(bytes) || (narrow.size() != bytes.size() && holdsPlain(narrow)))
-        return true;
-    if (bytes.find('<') != std::string_view::npos && holdsPlain(withoutMarkup(bytes)))
-        return true;
-    return std::ranges::any_of(embeddedData(bytes),
-                               [this](const std::string &data) { return holdsPlain(data); });
+    return holdsPlain(bytes) || (narrow.size() != bytes.size() && holdsPlain(narrow));
+}
+
+/// Of what can't be unpacked whole nobody can say that it holds none.
+bool Redactor::holdsPacked(std::string_view picture) const {
+    const PackedTexts packed = packedTextsOf(picture);
+    return !packed.areWhole || std::ranges::any_of(packed.texts, [this](const std::string &text) {
+        return holdsLetters(text) || (!isUtf8(text) && holdsPlain(fromAnsi(text)));
+    });
 }
 
 bool Redactor::isOfHost(std::string_view host) const {

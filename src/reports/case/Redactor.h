@@ -28,7 +28,8 @@ class Redactor {
     /// for instance, becomes that mark as a whole.
     std::string text(std::string_view value);
     /// Whether a word stands in it: as it is, coded up to three times, between tags, in data that
-    /// an address holds, in UTF-16, or in what base64 or hexadecimal digits stand for.
+    /// an address holds, in UTF-16, in packed texts of a PNG, or in what base64 or hexadecimal
+    /// digits stand for.
     bool holds(std::string_view bytes) const;
     /// The same of what base64 and hexadecimal digits stand for alone.
     bool holdsCoded(std::string_view text) const;
@@ -61,7 +62,11 @@ class Redactor {
     static bool fits(const RedactionRule &rule, const UrlRecord &record, std::string_view host,
                      const std::vector<std::string_view> &texts);
     bool holdsAny(std::string_view bytes) const;
+    bool isIn(const PlainStream &stream) const;
     bool holdsPlain(std::string_view text) const;
+    bool holdsUndone(std::string_view text, PlainStream::Codes codes) const;
+    bool holdsLetters(std::string_view bytes) const;
+    bool holdsPacked(std::string_view picture) const;
     bool holdsUncoded(std::string_view bytes) const;
     bool holdsCoded(std::string_view text, int codings) const;
     bool holdsDecoded(std::string_view bytes, int codings) const;

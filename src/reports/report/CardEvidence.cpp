@@ -1,5 +1,6 @@
 #include "reports/report/CardEvidence.h"
 
+#include "base/Digest.h"
 #include "base/Files.h"
 #include "base/Storage.h"
 #include "base/Text.h"
@@ -11,6 +12,7 @@
 #include "rebuild/WatchedBy.h"
 #include "reports/pages/PictureKind.h"
 #include "reports/pages/SafePage.h"
+#include "views/explain/ContentCheck.h"
 #include "views/gallery/ThumbnailJobs.h"
 #include "views/record/TextKind.h"
 
@@ -42,6 +44,14 @@ bool hasContent(const UrlRecord &record) {
     if (kind && kind->group != RecordGroup::cache)
         return record.CacheFileExists || record.CacheFileRebuilt;
     return !kind || !kind->mayLackContent || record.CacheFileExists;
+}
+
+std::string sha256Of(const Body &content) {
+    if (!content.isInMemory)
+        return hashesOfFile(content.file).value_or(FileHashes()).sha256;
+    Digest digest(DigestAlgorithm::sha256);
+    digest.add(content.raw());
+    return digest.takeHex();
 }
 
 /// The width of a picture within a thumbnail's box; it isn't made larger.
@@ -76,10 +86,17 @@ bool CardEvidence::bringRebuilt(ReportCard &card, TaskMonitor &task) const {
     const fs::path folder = m_folder.path / rowFolder(record);
     const fs::path page = folder / pageNameOf(record.URLID);
     fs::remove_all(folder); // a row that is listed twice would be guarded twice
-    if (!record.RebuiltSourceCode.empty())
-        card.incomplete = !harvestParts(record, folder, Batch::yes,
-                                        contextFor(m_ctx.rebuild.tempFolderPath, task)) &&
-                          task.advance(1); // a cancelled report has no cards
+    if (!record.RebuiltSourceCode.empty()) {
+        RebuildContext ctx = contextFor(m_ctx.rebuild.tempFolderPath, task);
+        ctx.partFetched = [this, &card](const UrlRecord &part, const Body *content) {
+            if (content)
+                compare(card, part.URLID, *content);
+            else
+                card.incomplete |= part.CacheFileExists;
+        };
+        card.incomplete |= !harvestParts(record, folder, Batch::yes, ctx) &&
+                           task.advance(1); // a cancelled report has no cards
+    }
     // An archive unpacks into a folder of seven digits, which can be that of another row.
     else if (!record.CacheFileRebuiltBLOB.empty() && sidOf(record.URLID) == rowNameOf(record.URLID))
         unpackCabinetFile(record, contextFor(m_folder.path, task));
@@ -102,14 +119,32 @@ void CardEvidence::bringContent(ReportCard &card, std::size_t place) const {
     card.record.RunTimeTempFilePath.clear();
     const auto content = contentOf(card.record, m_ctx.rebuild.extraction());
     if (!content) {
+        card.isGone = card.record.CacheFileExists;
         card.absence = card.record.CacheFileExists ? "The cached file is gone."
                                                    : "The cached file was not there at the import.";
         return;
     }
+    compare(card, card.record.URLID, Body{*content, false, {}});
     if (const std::string kind = pictureKindOf(*content); !kind.empty())
         bringPicture(card, *content, kind);
     else
         bringText(card, *content, place);
+}
+
+/// What is handed over as evidence must be what was imported, or be told not to be.
+void CardEvidence::compare(ReportCard &card, UrlId id, const Body &content) const {
+    const std::string then = contentHashThen(m_ctx.rebuild.project, id);
+    if (then.empty())
+        return;
+    const std::string now = sha256Of(content);
+    if (now == then)
+        return;
+    card.isChanged = true;
+    m_ctx.rebuild.log.write({fmt::format("URL ID: {} the content is NOT what was imported: SHA-256 "
+                                         "{} then, {} now",
+                                         id, then, now),
+                             "ReportClass.CreateGraphicalRecord()", Severity::Serious,
+                             std::string(kContactSupport)});
 }
 
 void CardEvidence::bringPicture(ReportCard &card, const fs::path &content,

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "db/records/UrlRecord.h"
+#include "readers/Body.h"
 #include "reports/report/ReportContext.h"
 #include "reports/report/ReportFolder.h"
 
@@ -16,6 +17,8 @@ struct ReportCard {
     std::string target;      ///< the local copy of the content; empty when there is none
     std::string absence;     ///< why not, in plain words
     bool incomplete = false; ///< not all parts of the rebuilt page could be brought
+    bool isGone = false;     ///< the import has found the content, and it isn't there any more
+    bool isChanged = false;  ///< the content, or a part of the page, is NOT what was imported
     std::string thumbnail;   ///< a small picture of the content; empty for none
     int width = 0;           ///< of it, in pixels
     std::optional<DrawJob> drawing;
@@ -37,6 +40,7 @@ class CardEvidence {
 
   private:
     bool bringRebuilt(ReportCard &card, TaskMonitor &task) const;
+    void compare(ReportCard &card, UrlId id, const Body &content) const;
     void bringContent(ReportCard &card, std::size_t place) const;
     void bringPicture(ReportCard &card, const std::filesystem::path &content,
                       const std::string &kind) const;

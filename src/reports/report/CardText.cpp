@@ -101,13 +101,18 @@ std::string addressRow(const ReportWriter &report) {
 }
 
 std::string fileRow(const ReportCard &card, const ReportWriter &report) {
+    const std::string_view changed =
+        card.isChanged ? " <font color='#C00000'><strong>The content is NOT what was imported: its "
+                         "SHA-256 is another one.</strong></font>"
+                       : "";
     if (report.href.empty())
-        return row("Local Evidence File:", card.absence);
+        return row("Local Evidence File:", fmt::format("{}{}", card.absence, changed));
     return row("Local Evidence File:",
-               fmt::format("<a href='{0}' target='_new'>{0}</a>{1}", report.href,
+               fmt::format("<a href='{0}' target='_new'>{0}</a>{1}{2}", report.href,
                            card.incomplete ? " Not all parts of the rebuilt page could be brought; "
                                              "the log of the program says why."
-                                           : ""));
+                                           : "",
+                           changed));
 }
 
 std::string facts(const ReportCard &card, const ReportWriter &report, const ReportContext &ctx) {

@@ -110,8 +110,9 @@ void ReportWriter::create(const fs::path &folder, int type, Entries entries) {
     m_ctx.rebuild.task.describe({"CREATING REPORT", "Overall Progress", "", ""});
     m_folder.prepare(type);
     m_folder.copyImages(m_ctx.settings.images, m_ctx.rebuild.log);
-    recordsFailed = filesFailed = 0;
+    recordsFailed = filesFailed = pagesIncomplete = 0;
     failedRows.clear();
+    changedRows.clear();
     headerFailed = footerFailed = false;
     reportDate =
         formatDate(Date::fromTimePoint(m_ctx.clock.now() + m_ctx.clock.localOffset()), kReportDate);
@@ -226,7 +227,10 @@ ReportCard ReportWriter::cardOf(UrlId id, std::size_t place, TaskMonitor &task) 
         card.absence = "The cached file could not be read; the log of the program says why.";
         ++filesFailed;
     }
+    filesFailed += card.isGone ? 1 : 0;
     pagesIncomplete += card.incomplete ? 1 : 0;
+    if (card.isChanged)
+        noteUnread(changedRows, id);
     letGo(card.record);
     return card;
 }
@@ -334,6 +338,11 @@ bool ReportWriter::step(std::size_t done, std::size_t total, std::int64_t id) {
     return task.advance(total == 0 ? 1 : static_cast<double>(done) / static_cast<double>(total));
 }
 
+std::size_t gapsOf(const ReportWriter &report) {
+    return report.recordsFailed + report.filesFailed + report.pagesIncomplete +
+           report.changedRows.size();
+}
+
 std::vector<std::string> notesOf(const ReportWriter &report) {
     std::vector<std::string> notes;
     if (report.headerFailed)
@@ -345,8 +354,12 @@ std::vector<std::string> notesOf(const ReportWriter &report) {
             fmt::format("{} records could not be written; their entries say so. Ids: {}.",
                         report.recordsFailed, rangesOf(report.failedRows)));
     if (report.filesFailed > 0)
-        notes.push_back(fmt::format("{} cached files could not be read; their cards say so.",
-                                    report.filesFailed));
+        notes.push_back(fmt::format("{} could not be read; their cards say so.",
+                                    counted(report.filesFailed, "cached file")));
+    if (!report.changedRows.empty())
+        notes.push_back(fmt::format(
+            "The content of {} is NOT what was imported; their cards say so. Ids: {}.",
+            counted(report.changedRows.size(), "record"), rangesOf(report.changedRows)));
     if (report.pagesIncomplete > 0)
         notes.push_back(fmt::format("{} could not be brought with all parts; their cards say so.",
                                     counted(report.pagesIncomplete, "rebuilt page")));

@@ -75,7 +75,8 @@ class ReportWriter {
     RedactionRules unmetRedactions;  ///< those of them that nothing in the report fitted
     std::size_t recordsFailed = 0;   ///< entries that only say so
     UnreadRows failedRows;           ///< which ones
-    std::size_t filesFailed = 0;     ///< cards without a cached file that could not be read
+    std::size_t filesFailed = 0;     ///< cards without a cached file that is gone or unreadable
+    UnreadRows changedRows;          ///< whose content is NOT what was imported
     std::size_t pagesIncomplete = 0; ///< rebuilt pages that could not be brought with all parts
     /// The examiner's pictures that a report can't show.
     std::set<std::filesystem::path> picturesFailed;
@@ -120,6 +121,9 @@ class ReportWriter {
     std::string m_fallback{kNoPicture}; ///< shown where there is no picture
     std::vector<ReportCard> m_cards;    ///< brought, and not yet written
 };
+
+/// How many rows, cached files and pages aren't in it as they should be.
+std::size_t gapsOf(const ReportWriter &report);
 
 /// What the examiner has to know of a finished report, a sentence each; the log says why.
 std::vector<std::string> notesOf(const ReportWriter &report);

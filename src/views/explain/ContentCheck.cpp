@@ -12,19 +12,19 @@ namespace {
 
 constexpr std::string_view kProcedure = "MainForm.Explain()";
 
-std::string hashThen(SQLite::Database &project, UrlId id) {
+} // namespace
+
+std::string contentHashThen(SQLite::Database &project, UrlId id) {
     for (const RecordFact &fact : RecordFacts(project).of(id))
         if (fact.name == "content_sha256")
             return factText(fact.value);
     return {};
 }
 
-} // namespace
-
 ContentCheck checkContent(SQLite::Database &project, UrlRecord record,
                           const std::filesystem::path &scratch, FailureLog &log) {
     ContentCheck check;
-    check.then = hashThen(project, record.URLID);
+    check.then = contentHashThen(project, record.URLID);
     OpenedFiles opened;
     const Evidence evidence(record.RootPath, &opened);
     record.RunTimeTempFilePath.clear(); // the evidence is asked, not what was fetched before

@@ -13,6 +13,10 @@ class Database;
 
 namespace nv {
 
+/// The SHA-256 of a record's content, unpacked, as the import has read it; empty where it has
+/// hashed none.
+std::string contentHashThen(SQLite::Database &project, UrlId id);
+
 /// What the content of a record is today. Hashes are SHA-256, of the content unpacked.
 struct ContentCheck {
     std::string then;                      ///< empty: it wasn't hashed at the import

@@ -112,7 +112,8 @@ class PlaceCounts {
   public:
     /// Reads the rows that meet a condition, or all. False when it was cancelled.
     bool read(SQLite::Database &project, const std::string &condition, TaskMonitor &task) {
-        Savepoint asOneMoment(project); // what others write meanwhile counts for neither
+        Savepoint asOneMoment(
+            project, Savepoint::For::reading); // what others write meanwhile counts for neither
         const bool hasHosts = condition.empty() && readHosts(project);
         SQLite::Statement rows(project,
                                fmt::format("SELECT {}, {} FROM URLs{}", originColumns(project),

@@ -1,15 +1,19 @@
 #include "db/project/StoredQueries.h"
 #include "db/sql/KeywordLists.h"
 #include "db/sql/ReadOnlyConnection.h"
+#include "db/sql/Savepoint.h"
+#include "db/sql/SideFiles.h"
 #include "support/TestProject.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <map>
 #include <memory>
+#include <thread>
 
 namespace nv {
 namespace {
@@ -44,6 +48,85 @@ TEST(ProjectFile, aPlainSQLiteProgramReadsEveryView) {
               "http://www.ebay.com/\n");
     EXPECT_EQ(outputOf("sqlite3 '" + file + "' 'PRAGMA integrity_check; PRAGMA journal_mode'"),
               "ok\ndelete\n");
+}
+
+/// What a program leaves that is killed in the midst of a write: part of it is in the file, and
+/// what stood there before is in the journal beside it.
+fs::path cutProject(test::TestProject &project) {
+    const fs::path file = project.database.filePath;
+    const fs::path cut = project.folder.path() / "cut.nvp";
+    project.connection().exec("INSERT INTO URLs (URL) VALUES ('http://before/')");
+    project.database.closeDB();
+    SQLite::Database writer(file.string(), SQLite::OPEN_READWRITE);
+    writer.exec(
+        "PRAGMA cache_size=1; BEGIN; DELETE FROM URLs; WITH RECURSIVE n(i) AS (SELECT 1 UNION "
+        "ALL SELECT i + 1 FROM n WHERE i < 2000) INSERT INTO URLs (URL) SELECT "
+        "'http://cut/' || i FROM n");
+    fs::copy_file(file, cut);
+    fs::copy_file(sideFile(file, kJournalSuffix), sideFile(cut, kJournalSuffix));
+    writer.exec("ROLLBACK");
+    return cut;
+}
+
+TEST(ProjectFile, aWriteThatWasCutShortIsRolledBackByWhoOnlyReads) {
+    test::TestProject project;
+    const fs::path cut = cutProject(project);
+    ASSERT_GT(fs::file_size(sideFile(cut, kJournalSuffix)), 0u);
+    ASSERT_NE(fs::file_size(cut), fs::file_size(project.database.filePath));
+    const auto database = connectToProject(cut, Access::read);
+    EXPECT_EQ(database->execAndGet("SELECT group_concat(URL) FROM URLs").getString(),
+              "http://before/");
+    EXPECT_FALSE(fs::exists(sideFile(cut, kJournalSuffix)));
+    EXPECT_TRUE(isReadOnly(*database));
+}
+
+TEST(ProjectFile, aJournalOfAWriteThatGoesOnIsLeft) {
+    test::TestProject project;
+    const fs::path file = project.database.filePath;
+    project.database.closeDB();
+    SQLite::Database writer(file.string(), SQLite::OPEN_READWRITE);
+    writer.exec("BEGIN; INSERT INTO URLs (URL) VALUES ('http://on-its-way/')");
+    ASSERT_TRUE(fs::exists(sideFile(file, kJournalSuffix)));
+    EXPECT_EQ(
+        connectToProject(file, Access::read)->execAndGet("SELECT count(*) FROM URLs").getInt(), 0);
+    EXPECT_TRUE(fs::exists(sideFile(file, kJournalSuffix)));
+    writer.exec("COMMIT");
+    EXPECT_EQ(
+        connectToProject(file, Access::read)->execAndGet("SELECT count(*) FROM URLs").getInt(), 1);
+}
+
+TEST(ProjectFile, aSecondWriterWaitsForAShortWrite) {
+    test::TestProject project;
+    const fs::path file = project.database.filePath;
+    project.database.closeDB();
+    const auto first = connectToProject(file, Access::note);
+    first->exec("BEGIN IMMEDIATE; INSERT INTO URLs (URL) VALUES ('http://first/')");
+    std::thread later([&first] {
+        std::this_thread::sleep_for(std::chrono::milliseconds(200));
+        first->exec("COMMIT");
+    });
+    const auto second = connectToProject(file, Access::write); // into another mode of the journal
+    {
+        const int rows = second->execAndGet("SELECT count(*) FROM URLs").getInt();
+        EXPECT_EQ(rows, 1);
+    }
+    later.join();
+    const auto third = connectToProject(file, Access::write);
+    auto writing = std::make_unique<Savepoint>(*second);
+    second->exec("INSERT INTO URLs (URL) VALUES ('http://second/')");
+    std::thread end([&writing] {
+        std::this_thread::sleep_for(std::chrono::milliseconds(200));
+        writing->release();
+    });
+    {
+        Savepoint waiting(*third);
+        EXPECT_EQ(third->execAndGet("SELECT count(*) FROM URLs").getInt(), 2)
+            << "nothing is missed";
+        third->exec("INSERT INTO URLs (URL) VALUES ('http://third/')");
+        waiting.release();
+    }
+    end.join();
+    EXPECT_EQ(second->execAndGet("SELECT count(*) FROM URLs").getInt(), 3);
 }
 
 TEST(ProjectFile, queriesFindWhatTheirNamesSay) {

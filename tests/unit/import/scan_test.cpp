@@ -8,6 +8,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <sys/stat.h>
 #include <unistd.h>
 #include <vector>
 
@@ -174,6 +175,19 @@ TEST_F(ScanTest, followsNoLinksAndCountsThem) {
     fs::create_symlink(file, folder.path() / "places.sqlite");
     EXPECT_EQ(found(), Lines{"22 real/places.sqlite"});
     EXPECT_EQ(scanned().gaps.linksNotFollowed, 2u);
+}
+
+TEST_F(ScanTest, tellsWhatHoldsThePlaceOfABrowsersFileAndIsNone) {
+    const fs::path cache = folder.path() / "Temporary Internet Files/Content.IE5";
+    const fs::path profile = folder.path() / "User Data/Default";
+    for (const fs::path &pipe : {cache / "index.dat", cache / "letter.doc", profile / "History"}) {
+        fs::create_directories(pipe.parent_path());
+        ASSERT_EQ(::mkfifo(pipe.c_str(), 0600), 0);
+    }
+    const ScanResult result = scanned();
+    EXPECT_EQ(unreadable(result), (Lines{cache / "index.dat", profile / "History"}));
+    for (const UnreadPlace &each : result.gaps.unreadable)
+        EXPECT_NE(each.reason.find("is no plain file and no folder"), std::string::npos);
 }
 
 TEST_F(ScanTest, takesNoNameForAPlainFile) {

@@ -32,6 +32,7 @@ class CaseReportFixture : public ReportFixture {
         createCaseReport(report, ctx, temp);
         cancelled = report.cancel;
         failed = report.recordsFailed;
+        notes = notesOf(report);
         return file("index.htm");
     }
     std::string redacted(std::initializer_list<std::string> rules) {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "base/Digest.h"
+#include "db/records/RecordFacts.h"
 #include "reports/report/ReportWriter.h"
 #include "reports/report/SortTable.h"
 #include "unit/rebuild/RebuildFixture.h"
@@ -99,7 +101,16 @@ class ReportFixture : public RebuildFixture {
                       report.includeAll ? ReportRows::all : ReportRows::tagged, task);
         type == 0 ? report.createGraphicalReport(temp) : report.createTabularReport(temp);
         cancelled = report.cancel;
+        notes = notesOf(report);
         return textAt(report.reportFilePath);
+    }
+    /// As an import notes it of what it has read.
+    void hashThen(UrlId id, std::string_view content) {
+        Digest digest(DigestAlgorithm::sha256);
+        digest.add(content);
+        FactList facts;
+        facts.add("content_sha256", digest.takeHex());
+        RecordFacts(project.connection()).store(id, facts);
     }
     static std::string textAt(const std::filesystem::path &file) {
         return std::filesystem::exists(file) ? std::string(ByteView(readWhole(file)).raw()) : "";
@@ -113,6 +124,7 @@ class ReportFixture : public RebuildFixture {
     Unwatched nobody;
     TaskMonitor *monitor = &nobody;
     bool cancelled = false;
+    std::vector<std::string> notes; ///< of the report that was made last
 };
 
 inline std::size_t countOf(std::string_view text, std::string_view what) {

@@ -95,6 +95,40 @@ TEST_F(CaseReportTest, onlyWhatHadACachedFileHasLostIt) {
                 HasSubstr("The cached file was not there at the import."));
 }
 
+TEST_F(CaseReportTest, contentThatIsNotWhatWasImportedIsToldInRed) {
+    const UrlId same = add("http://host/a.gif", "GIF89a one");
+    const UrlId changed = add("http://host/b.gif", "GIF89a two");
+    add("http://host/c.gif", "GIF89a three"); // never hashed
+    hashThen(same, "GIF89a one");
+    hashThen(changed, "GIF89a TWO");
+    const std::string html = makeCase();
+    const std::string cards = file("cards-1.htm");
+    constexpr const char *kTold = "<span class=\"warn\">The content is NOT what was imported";
+    EXPECT_EQ(countOf(cards, kTold), 1u);
+    const std::string card = cards.substr(cards.find("id=\"r2\""));
+    EXPECT_THAT(card.substr(0, card.find("</article>")), HasSubstr(kTold));
+    EXPECT_EQ(file("pictures/0000002.gif"), "GIF89a two") << "it is handed over all the same";
+    EXPECT_THAT(html, HasSubstr("<p class=\"warn\">1 card with content that is NOT what was "
+                                "imported; the cards say so.</p>"));
+    EXPECT_THAT(notes, testing::ElementsAre("The content of 1 record is NOT what was imported; "
+                                            "their cards say so. Ids: 2."));
+    ASSERT_EQ(project.log.entries.size(), 1u);
+    EXPECT_THAT(project.log.entries[0].message, HasSubstr("URL ID: 2 the content is NOT"));
+}
+
+TEST_F(CaseReportTest, cachedFilesThatAreGoneAreCounted) {
+    for (const char *url : {"http://host/a.gif", "http://host/b.gif"})
+        set(add(url, ""), "CacheFileExists", "1");
+    add("http://host/c.gif", ""); // not there at the import
+    EXPECT_THAT(makeCase(), HasSubstr("<p class=\"warn\">2 cached files could not be read; their "
+                                      "cards say so.</p>"));
+    EXPECT_THAT(notes,
+                testing::ElementsAre("2 cached files could not be read; their cards say so."));
+    EXPECT_THAT(makeCase([](ReportWriter &each) { each.caseOptions.cards = CaseCards::none; }),
+                Not(HasSubstr("could not be read")))
+        << "without cards nobody has looked";
+}
+
 TEST_F(CaseReportTest, nothingOfARecordRunsOrIsALinkOutside) {
     const UrlId id = addHistory("javascript:alert(1)", 1);
     set(id, "WebPageTitle", "</script><script>alert(2)</script><img src=x onerror=alert(3)>");

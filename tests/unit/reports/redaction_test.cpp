@@ -3,6 +3,7 @@
 #include "reports/case/CodedText.h"
 #include "reports/case/Redactor.h"
 #include "support/WideText.h"
+#include "support/builders/Packed.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -19,6 +20,13 @@ RedactionRule blur(const std::string &text) {
 }
 RedactionRule leaveOut(const std::string &text) {
     return redactionRule(RedactionWay::leaveOut, text);
+}
+
+std::string utf16Of(const std::string &text, bool isBigEndian) {
+    std::string wide;
+    for (const char c : text)
+        wide += isBigEndian ? std::string("\0", 1) + c : c + std::string("\0", 1);
+    return wide;
 }
 
 TEST(RedactionTest, rulesAreReadAndWrittenBack) {
@@ -63,6 +71,77 @@ TEST(RedactionTest, aWordGoesInWhateverFormItIsWritten) {
     EXPECT_EQ(redactor.text("beabea"), "[redacted][redacted]");
     EXPECT_EQ(redactor.text("nothing of it"), "nothing of it");
     EXPECT_EQ(redactor.text(""), "");
+}
+
+TEST(RedactionTest, aWordGoesInEveryEscapeOfScripts) {
+    Redactor redactor({blur("value=quillfeather"),
+                       blur("value=\xF0\x9F\xA6\x91\xF0\x9F\xA6\x91\xF0\x9F\xA6\x91"),
+                       blur("value=low tide"), blur("value=o'brien")});
+    for (const char *written :
+         {R"(\u{71}\u{75}\u{69}\u{000006c}lfeather)", R"(\161\165\151\154\154feather)",
+          R"(qu\151llfeather)", "%u0071%U0075illfeather", R"(qu\u{69}ll\x66eather)", R"(low\ntide)",
+          R"(Low\r\n\ttide)", R"(O\'Brien)", R"(\ud83e\udd91\uD83E\uDD91\u{1f991})",
+          "%uD83E%uDD91%uD83E%uDD91%ud83e%udd91"}) {
+        EXPECT_TRUE(redactor.holds(written)) << written;
+        EXPECT_EQ(redactor.text(std::string("x ") + written + " y"), "x [redacted] y") << written;
+    }
+    EXPECT_TRUE(redactor.holds(R"(\134u{71}uillfeather)")) << "one over the other";
+    EXPECT_TRUE(redactor.holds("%25u0071uillfeather"));
+    for (const char *other : {R"(\u{71uillfeather)", R"(\u{}uillfeather)", "%u71uillfeather",
+                              R"(\u{ffffffff}uillfeather)", R"(\ud83euillfeather)", "\\", "%u",
+                              R"(\ud83e\ud83e)", R"(\777)"})
+        EXPECT_EQ(redactor.text(other), other) << other;
+}
+
+TEST(RedactionTest, aWordGoesOnThroughWhatIsNotSeen) {
+    Redactor redactor({blur("value=quillfeather")});
+    for (const char *hidden :
+         {"\u00AD", "\u034F", "\u061C", "\u115F", "\u17B4", "\u180E", "\u200B", "\u2060", "\u206A",
+          "\u3164", "\uFE0F", "\uFEFF", "\uFFA0", "\xF3\xA0\x81\xA1"})
+        EXPECT_EQ(redactor.text("a quill" + std::string(hidden) + "feather"), "a [redacted]")
+            << hidden;
+    EXPECT_EQ(redactor.text("quill\u00E9feather"), "quill\u00E9feather");
+}
+
+/// The bytes of a chunk of a PNG; nobody here reads its checksum.
+std::string chunk(const std::string &kind, const std::string &data) {
+    std::string bytes(4, '\0');
+    for (int at = 0; at < 4; ++at)
+        bytes[static_cast<std::size_t>(at)] = static_cast<char>(data.size() >> (24 - 8 * at));
+    return bytes + kind + data + "crc!";
+}
+std::string png(const std::string &chunks) {
+    return "\x89PNG\r\n\x1A\n" + chunk("IHDR", std::string(13, '\1')) + chunks + chunk("IEND", "");
+}
+
+TEST(RedactionTest, packedTextsOfAPictureAreLookedThrough) {
+    const Redactor redactor({blur("value=quillfeather")});
+    const std::string zero(1, '\0');
+    const std::string packed = zlibDeflate("Drawn by Quillfeather");
+    EXPECT_TRUE(redactor.holds(png(chunk("zTXt", "Author" + zero + zero + packed))));
+    EXPECT_TRUE(redactor.holds(png(
+        chunk("iTXt", "Author" + zero + "\1" + zero + "en" + zero + "Urheber" + zero + packed))));
+    EXPECT_TRUE(redactor.holds(
+        png(chunk("iCCP", "screen" + zero + zero + zlibDeflate(utf16Of("Quillfeather", true))))));
+    EXPECT_TRUE(redactor.holds("<img src='data:image/png;base64," +
+                               base64(viewOf(png(chunk("zTXt", "Author" + zero + zero + packed)))) +
+                               "'>"));
+    const std::string others = zlibDeflate("Drawn by somebody");
+    EXPECT_FALSE(redactor.holds(png(chunk("zTXt", "Author" + zero + zero + others))));
+    EXPECT_FALSE(redactor.holds(png(chunk("iTXt", "Author" + zero + zero + zero + zero + zero))));
+    EXPECT_FALSE(redactor.holds(png("")));
+}
+
+TEST(RedactionTest, packedTextsThatCantBeReadCountAsHoldingTheWord) {
+    const Redactor redactor({blur("value=quillfeather")});
+    const std::string head = "Author" + std::string(2, '\0');
+    const std::string packed = zlibDeflate("Drawn by somebody");
+    EXPECT_TRUE(redactor.holds(png(chunk("zTXt", head + packed.substr(0, packed.size() / 2)))));
+    EXPECT_TRUE(redactor.holds(png(chunk("zTXt", head + "no zlib"))));
+    EXPECT_TRUE(redactor.holds(png(chunk("zTXt", head + zlibDeflate(std::string(9 << 20, 'x'))))));
+    const std::string whole = png(chunk("zTXt", head + zlibDeflate("a Quillfeather")));
+    for (std::size_t size = 0; size < whole.size(); ++size)
+        static_cast<void>(redactor.holds(whole.substr(0, size)));
 }
 
 TEST(RedactionTest, aWordThatIsCodedTwiceTakesTheWholeTextWithIt) {

@@ -28,6 +28,7 @@ TEST(DisplayText, showsControlCharactersOnOneLine) {
 TEST(DisplayText, writesOutWhatTurnsTheDirection) {
     EXPECT_EQ(displayText("photo\u202Egnp.exe"), "photo<U+202E>gnp.exe");
     EXPECT_EQ(displayText("a\u200Bb\uFEFF\u2066"), "a<U+200B>b<U+FEFF><U+2066>");
+    EXPECT_EQ(displayText("pass\u00ADword\u034F"), "pass<U+00AD>word<U+034F>");
 }
 
 TEST(DisplayText, showsBytesThatAreNoText) {
