@@ -280,13 +280,14 @@ std::string treeOfPath(std::string_view path) {
 }
 
 const std::string &TreesOfPaths::operator()(std::string_view path) {
+    constexpr std::size_t kMost = 10'000;
     const std::size_t name = path.find_last_of("/\\");
     const std::string_view folder = path.substr(0, name == std::string_view::npos ? 0 : name);
-    if (folder != m_folder) {
-        m_folder = folder;
-        m_tree = treeOfPath(path);
-    }
-    return m_tree;
+    if (const auto known = m_known.find(folder); known != m_known.end())
+        return known->second;
+    if (m_known.size() == kMost)
+        m_known.clear();
+    return m_known.emplace(std::string(folder), treeOfPath(path)).first->second;
 }
 
 } // namespace nv

@@ -3,6 +3,8 @@
 #include "db/records/HistoryFile.h"
 #include "readers/BrowserPlaces.h"
 
+#include <functional>
+#include <map>
 #include <string>
 #include <string_view>
 
@@ -15,14 +17,14 @@ Origin originOfPath(std::string_view path, Engine engine);
 /// what bears one name in several of them isn't the same. Empty where the path shows none.
 std::string treeOfPath(std::string_view path);
 
-/// The same for many paths, of which those in one folder follow each other.
+/// The same for many paths.
 class TreesOfPaths {
   public:
+    /// Valid until the next call.
     const std::string &operator()(std::string_view path);
 
   private:
-    std::string m_folder;
-    std::string m_tree; ///< of all that lies in it
+    std::map<std::string, std::string, std::less<>> m_known; ///< by the folder of the file
 };
 
 /// Whether Chromium gives this name to the folder of a profile: "Default", "Profile 2".
