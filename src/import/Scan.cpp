@@ -6,8 +6,8 @@
 #include "base/Trap.h"
 #include "db/sql/SideFiles.h"
 #include "import/ArtefactHash.h"
-#include "import/FileMask.h"
 #include "import/FolderList.h"
+#include "import/FormatNames.h"
 #include "readers/BrowserOf.h"
 #include "readers/FileForm.h"
 #include "readers/Limits.h"
@@ -50,23 +50,11 @@ HistoryFile describe(const fs::path &file, const Reader &reader) {
     throw std::runtime_error(fmt::format("\"{}\" is no plain file and no folder", textOf(file)));
 }
 
-std::vector<const Reader *> classicOf(Formats formats) {
-    std::vector<const Reader *> classic;
-    std::ranges::copy_if(formats, std::back_inserter(classic),
-                         [](const Reader *reader) { return !reader->isBeyondClassic; });
-    return classic;
-}
-
 class Scan {
   public:
     Scan(const ImportSettings &job, TaskMonitor &task, FailureLog &log, EvidenceWatch *watch,
          Formats formats)
-        : m_job(job), m_formats(formats), m_mask(maskText(job, formats)),
-          m_classicMask(maskText(job, classicOf(formats))), m_task(task), m_log(log),
-          m_evidence({}, watch) {
-        for (const Reader *reader : formats)
-            m_ownMasks.emplace_back(reader->mask);
-    }
+        : m_job(job), m_names(job, formats), m_task(task), m_log(log), m_evidence({}, watch) {}
 
     ScanResult run(const std::vector<fs::path> &places) {
         prepare(places);
@@ -168,7 +156,7 @@ class Scan {
         for (const UnreadPlace &place : contents.unreadable)
             noteUnread(place);
         for (const fs::path &file : contents.files) {
-            if (m_mask.matches(textOf(file.filename())) && goOn(fraction))
+            if (m_names.matches(textOf(file.filename())) && goOn(fraction))
                 tryFile(file, Asked::byFolder, fraction);
             tryLog(file, Asked::byFolder);
         }
@@ -203,7 +191,7 @@ class Scan {
             if (file.ends_with(side))
                 file.resize(file.size() - side.size());
         const Candidate candidate = candidateOf(file, m_evidence);
-        const auto formats = formatsFor(textOf(candidate.file.filename()));
+        const auto formats = m_names.formatsFor(textOf(candidate.file.filename()));
         return std::ranges::any_of(formats, [&](const Reader *reader) {
             return !reader->isOneRecord && isWantedByName(*reader, candidate) &&
                    fits(candidate, *reader);
@@ -234,7 +222,7 @@ class Scan {
         const std::string name = textOf(database.file.filename());
         if (m_evidence.find(database.file.parent_path(), name))
             return;
-        for (const Reader *reader : formatsFor(name))
+        for (const Reader *reader : m_names.formatsFor(name))
             if (!reader->isOneRecord && isWantedByName(*reader, database))
                 if (const auto reason = loneLogText(log, database, *reader, asked == Asked::byName);
                     !reason.empty())
@@ -245,9 +233,8 @@ class Scan {
         Candidate candidate = candidateOf(file, m_evidence);
         candidate.verifySignatures = m_job.verifyFileSignatures;
         candidate.unread = &m_result.gaps.unreadable;
-        const auto formats = asked == Asked::byName
-                                 ? std::vector(m_formats.begin(), m_formats.end())
-                                 : formatsFor(textOf(file.filename()));
+        const auto formats =
+            asked == Asked::byName ? m_names.all() : m_names.formatsFor(textOf(file.filename()));
         if (isListedAlready(candidate, formats))
             return;
         Bytes head;
@@ -291,17 +278,6 @@ class Scan {
         return !formats.empty() && std::ranges::all_of(formats, [&](const Reader *reader) {
             return reader->artefact && m_led.contains({reader, artefactOf(*reader, candidate)});
         });
-    }
-
-    /// Those that a file of this name is tried for. Classic ones share their masks: a history
-    /// is found by the mask of another one. What comes anew adds nothing to what they find.
-    std::vector<const Reader *> formatsFor(const std::string &name) const {
-        const bool isClassic = m_classicMask.matches(name);
-        std::vector<const Reader *> formats;
-        for (std::size_t i = 0; i < m_formats.size(); ++i)
-            if (m_formats[i]->isBeyondClassic ? m_ownMasks[i].matches(name) : isClassic)
-                formats.push_back(m_formats[i]);
-        return formats;
     }
 
     bool isAskedFor(const Reader &reader) const {
@@ -377,10 +353,7 @@ class Scan {
     }
 
     const ImportSettings &m_job;
-    Formats m_formats;
-    const FileMask m_mask; ///< of all formats
-    const FileMask m_classicMask;
-    std::vector<FileMask> m_ownMasks; ///< by format
+    const FormatNames m_names;
     /// What files led to that are not artefacts themselves: many files of a folder lead to it.
     std::set<std::pair<const Reader *, fs::path>> m_led;
     std::set<std::pair<HistoryFileType, fs::path>> m_listed; ///< where there are several places

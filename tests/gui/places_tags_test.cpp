@@ -2,6 +2,7 @@
 #include "db/marks/RecordTags.h"
 #include "gui/LimitedTable.h"
 #include "gui/PlacesTree.h"
+#include "gui/Shot.h"
 #include "ui/limits/PlacesPane.h"
 #include "ui/tags/TagForm.h"
 
@@ -48,7 +49,7 @@ class PlacesTagsTest : public QObject {
         tree().scrollTo(index);
         emit tree().customContextMenuRequested(tree().visualRect(index).center());
         auto &menu = child<QMenu>(m_on->form, "PopupMenuPlaces");
-        shot("places-menu");
+        shot(m_on->form, QStringLiteral("places-menu"));
         menu.close();
         for (QAction *entry : child<QMenu>(menu, within).actions())
             if (entry->text().section(u'\t', 0, 0) == text)
@@ -67,10 +68,6 @@ class PlacesTagsTest : public QObject {
     }
     QString records(const QString &name) {
         return placeOf(name).siblingAtColumn(PlacesModel::kRecords).data().toString();
-    }
-    void shot(const char *name) {
-        if (const QString folder = qEnvironmentVariable("NV_SHOTS"); !folder.isEmpty())
-            m_on->form.grab().save(folder + u'/' + QLatin1String(name) + QStringLiteral(".png"));
     }
 
     std::unique_ptr<LimitedTable> m_on;
@@ -153,7 +150,7 @@ void PlacesTagsTest::tagsAreATreeOfTheirOwn() {
                  .contains(QStringLiteral("Tag: Important")),
              true);
     QVERIFY(placeOf(QStringLiteral("Important")).data(Qt::FontRole).value<QFont>().bold());
-    shot("places-tags");
+    shot(m_on->form, QStringLiteral("places-tags"));
     click(QStringLiteral("(untagged)"), Qt::ControlModifier);
     QCOMPARE(rows(), 4);
     QVERIFY(child<QWidget>(m_on->form, "btnChip0")

@@ -1,5 +1,6 @@
 #include "gui/CachedSite.h"
 #include "gui/PlacesTree.h"
+#include "gui/Shot.h"
 #include "platform/qt/PageGuard.h"
 #include "platform/qt/QtText.h"
 #include "ui/frame/ViewerTabs.h"
@@ -82,10 +83,6 @@ class PlacesTest : public QObject {
     }
     QString cardText() { return child<QTextEdit>(*m_form, "cardText").toPlainText(); }
     QString front() { return viewers().currentWidget()->objectName(); }
-    void shot(const char *name) {
-        if (const QString folder = qEnvironmentVariable("NV_SHOTS"); !folder.isEmpty())
-            m_form->grab().save(folder + u'/' + QLatin1String(name) + QStringLiteral(".png"));
-    }
 
     std::unique_ptr<Desk> m_desk;
     std::unique_ptr<MainForm> m_form;
@@ -128,7 +125,7 @@ void PlacesTest::theTreesCountTheRows() {
     QCOMPARE(records(QStringLiteral("IE CACHE")), QStringLiteral("4"));
     QCOMPARE(records(QStringLiteral("Evidence")), QString());
     QTRY_VERIFY(child<QLabel>(pane(), "labPlacesNote").isHidden());
-    shot("places-wide");
+    shot(*m_form, QStringLiteral("places-wide"));
 }
 
 /// An empty tree says why it is empty.
@@ -151,7 +148,7 @@ void PlacesTest::aClickShowsTheRowsOfAPlaceOnly() {
     tree().expandAll();
     click(QStringLiteral("img.harbour.example"));
     QCOMPARE(rows(), 1);
-    shot("places-limited");
+    shot(*m_form, QStringLiteral("places-limited"));
     QTest::mouseClick(&child<QToolButton>(pane(), "btnAllPlaces"), Qt::LeftButton);
     QCOMPARE(rows(), 4);
     QVERIFY(child<QLabel>(pane(), "labPlaces").isHidden());
@@ -244,7 +241,7 @@ void PlacesTest::theCardSaysWhatTheRecordIs() {
     QVERIFY(text.contains(QStringLiteral("Internet Explorer")));
     QVERIFY2(text.contains(QStringLiteral("index.dat, offset")), qPrintable(text));
     QVERIFY(child<QTextEdit>(*m_form, "cardText").isReadOnly());
-    shot("places-card");
+    shot(*m_form, QStringLiteral("places-card"));
     trigger(*m_form, "actClose");
     QVERIFY(cardText().isEmpty());
 }
@@ -346,7 +343,7 @@ void PlacesTest::cardAndViewersStandAsTheWindowHasRoom() {
     resize(1000, 1000);
     QCOMPARE(area.orientation(), Qt::Vertical);
     QVERIFY(card.isVisible());
-    shot("places-high");
+    shot(*m_form, QStringLiteral("places-high"));
     resize(960, 540);
     QCOMPARE(m_form->size(), QSize(960, 540));
     QCOMPARE(viewers().indexOf(&card), 0);
@@ -354,7 +351,7 @@ void PlacesTest::cardAndViewersStandAsTheWindowHasRoom() {
     goTo(1);
     QTRY_VERIFY(cardText().startsWith(QStringLiteral("Tide tables")));
     QCOMPARE(front(), QStringLiteral("CardPane")); // who reads the card goes on reading
-    shot("places-small");
+    shot(*m_form, QStringLiteral("places-small"));
     resize(1280, 820);
     QCOMPARE(viewers().indexOf(&card), -1);
     QVERIFY(card.isVisible());
@@ -367,7 +364,7 @@ void PlacesTest::theBrowserPaneShowsTheRecordsAddress() {
     QTRY_COMPARE_WITH_TIMEOUT(
         child<QLineEdit>(browser, "txtLocation").text(),
         QStringLiteral("http://www.harbour.example/tide.html?q=low+water&t=1299006630"), 20'000);
-    shot("places-page");
+    shot(*m_form, QStringLiteral("places-page"));
 }
 
 void PlacesTest::rowsAreCopiedInOtherForms() {

@@ -1,6 +1,7 @@
 #include "app/program/Zones.h"
 #include "db/marks/NamedTags.h"
 #include "gui/LimitedTable.h"
+#include "gui/Shot.h"
 #include "ui/search/HitCountsForm.h"
 #include "ui/viewers/HitMarks.h"
 
@@ -53,10 +54,6 @@ class SearchTest : public QObject {
         return lines;
     }
     QLabel &advice() { return child<QLabel>(m_on->form, "labSearchAdvice"); }
-    void shot(const char *name) {
-        if (const QString folder = qEnvironmentVariable("NV_SHOTS"); !folder.isEmpty())
-            m_on->form.grab().save(folder + u'/' + QLatin1String(name) + QStringLiteral(".png"));
-    }
     QString snippet() { return child<QLabel>(m_on->form, "labSnippet").text(); }
 
     std::unique_ptr<LimitedTable> m_on;
@@ -210,7 +207,6 @@ void SearchTest::namesAreOfferedAsTheyAreWritten() {
     QTRY_COMPARE(offered(), QStringList({QStringLiteral("b.example 1")}));
     QVERIFY(m_on->form.rect().contains(names().geometry()));
     QVERIFY(names().y() >= m_on->box().mapTo(&m_on->form, QPoint(0, 0)).y());
-    shot("search-names");
     emit names().itemClicked(names().topLevelItem(0), 0);
     QTRY_COMPARE(m_on->box().text(), QStringLiteral("tide host:b.example "));
     QVERIFY(names().isHidden());
@@ -261,7 +257,7 @@ void SearchTest::aNameThatNoRowHasIsToldBelowTheBox() {
     QVERIFY2(advice().text().startsWith(QStringLiteral("No row is of kind \"foo\"; there are: ")),
              qPrintable(advice().text()));
     QCOMPARE(m_on->rows(), 0);
-    shot("search-advice");
+    shot(m_on->form, QStringLiteral("search-advice"));
     m_on->enter(QStringLiteral("host:a.example"));
     QTRY_COMPARE(m_on->rows(), 1);
     QVERIFY(advice().isHidden());
@@ -276,7 +272,6 @@ void SearchTest::aWrongDateIsToldWithItsPlace() {
     QTRY_VERIFY2(message().text().startsWith(QStringLiteral("letter 13: \"before:2011-13\"")),
                  qPrintable(message().text()));
     QVERIFY(message().isVisible());
-    shot("search-date");
     m_on->box().clear();
     m_on->type(QStringLiteral("/a[/ tide"));
     QTRY_VERIFY2(message().text().startsWith(QStringLiteral("letter 1: the expression /a[/")),
@@ -295,7 +290,7 @@ void SearchTest::datesGoByTheZoneThatTheChipNames() {
     QTRY_COMPARE(m_on->rows(), 1);
     QVERIFY2(m_on->chip(QStringLiteral("after:2011-03-01 (dates by Europe/Berlin)")),
              qPrintable(m_on->chips().join(u'|')));
-    shot("search-zone");
+    shot(m_on->form, QStringLiteral("search-zone"));
     program.state.gmtZone.exact = exactZoneNamed(program, "UTC");
     trigger(m_on->form, "actRefresh");
     QTRY_COMPARE(m_on->rows(), 0);
@@ -308,7 +303,7 @@ void SearchTest::enterInTheEmptyBoxNamesAllOperators() {
                              "tag:", "hashset:", "after:", "before:", "/expression/"})
         QVERIFY2(message().text().contains(QLatin1String(word)), word);
     QVERIFY2(message().height() < 3 * message().fontMetrics().lineSpacing(), "two lines at most");
-    shot("search-operators");
+    shot(m_on->form, QStringLiteral("search-operators"));
     m_on->type(QStringLiteral("a"));
     QTRY_VERIFY(!message().text().contains(QStringLiteral("hashset:")));
 }

@@ -3,7 +3,6 @@
 #include "base/Base64.h"
 #include "base/Text.h"
 #include "markup/Utf8.h"
-#include "readers/Dissection.h"
 #include "reports/case/CodedText.h"
 #include "reports/case/PackedTexts.h"
 
@@ -38,12 +37,6 @@ std::string wideOf(std::string_view word, bool isBigEndian) {
     return wide;
 }
 
-bool isBelow(std::string_view host, std::string_view domain) {
-    return equalsNoCase(host, domain) ||
-           (host.size() > domain.size() && host[host.size() - domain.size() - 1] == '.' &&
-            equalsNoCase(host.substr(host.size() - domain.size()), domain));
-}
-
 /// Whether so many bytes of text stand beside each other. Most of what is read as base64 isn't, and
 /// has none. Zeros are part of UTF-16.
 bool hasReadable(std::string_view bytes, std::size_t fewest) {
@@ -70,10 +63,6 @@ std::size_t fillingAt(std::string_view text, std::size_t at) {
 }
 
 } // namespace
-
-std::string hostOf(const UrlRecord &record) {
-    return record.host.empty() ? parseHost(record.URL) : record.host;
-}
 
 std::vector<std::string> embeddedData(std::string_view text) {
     std::vector<std::string> found;
@@ -127,12 +116,6 @@ void Redactor::takeWords() {
     }
     std::ranges::stable_sort(m_words, std::greater(),
                              [](const Word &word) { return word.text.size(); });
-}
-
-bool Redactor::leavesOutRows() const {
-    return std::ranges::any_of(m_rules, [](const RedactionRule &rule) {
-        return rule.way == RedactionWay::leaveOut && rule.thing != RedactedThing::picture;
-    });
 }
 
 /// Each place once, the longest word first. What coded a letter goes whole.
@@ -320,91 +303,6 @@ bool Redactor::holdsPacked(std::string_view picture) const {
     return !packed.areWhole || std::ranges::any_of(packed.texts, [this](const std::string &text) {
         return holdsLetters(text) || (!isUtf8(text) && holdsPlain(fromAnsi(text)));
     });
-}
-
-bool Redactor::isOfHost(std::string_view host) const {
-    return std::ranges::any_of(m_rules, [host](const RedactionRule &rule) {
-        return rule.thing == RedactedThing::host && isBelow(host, rule.what);
-    });
-}
-
-bool Redactor::hidesHost(std::string_view host) const {
-    bool isHidden = false;
-    for (std::size_t at = 0; at < m_rules.size(); ++at) {
-        const RedactionRule &rule = m_rules[at];
-        if (rule.thing != RedactedThing::host || rule.way != RedactionWay::blur ||
-            !isBelow(host, rule.what))
-            continue;
-        meet(at);
-        isHidden = true;
-    }
-    return isHidden;
-}
-
-bool Redactor::fits(const RedactionRule &rule, const UrlRecord &record, std::string_view host,
-                    const std::vector<std::string_view> &texts) {
-    switch (rule.thing) {
-    case RedactedThing::host:
-        return isBelow(host, rule.what);
-    case RedactedThing::person:
-        return lowered(record.Person) == lowered(rule.what) ||
-               lowered(record.User) == lowered(rule.what);
-    case RedactedThing::value: {
-        const Redactor alone({rule});
-        return std::ranges::any_of(
-            texts, [&alone](std::string_view text) { return alone.holdsAny(text); });
-    }
-    case RedactedThing::picture:
-        break;
-    }
-    return false;
-}
-
-/// By whichever rule: none counts as of no use because another took the row before.
-bool Redactor::leavesOut(const UrlRecord &record,
-                         const std::vector<std::string_view> &texts) const {
-    const std::string host = hostOf(record);
-    bool isOut = false;
-    for (std::size_t at = 0; at < m_rules.size(); ++at) {
-        const RedactionRule &rule = m_rules[at];
-        if (rule.way != RedactionWay::leaveOut || (isOut && m_met[at]) ||
-            !fits(rule, record, host, texts))
-            continue;
-        meet(at);
-        isOut = true;
-    }
-    return isOut;
-}
-
-std::optional<RedactionWay> Redactor::pictureOf(UrlId id) const {
-    const std::string digits = std::to_string(number(id));
-    for (const RedactionRule &rule : m_rules)
-        if (rule.thing == RedactedThing::picture && rule.what == digits)
-            return rule.way;
-    return std::nullopt;
-}
-
-std::vector<UrlId> Redactor::pictureRows() const {
-    std::vector<UrlId> rows;
-    for (const RedactionRule &rule : m_rules)
-        if (rule.thing == RedactedThing::picture)
-            rows.push_back(UrlId{std::stoll(rule.what)});
-    return rows;
-}
-
-void Redactor::notePicture(UrlId id) {
-    const std::string digits = std::to_string(number(id));
-    for (std::size_t at = 0; at < m_rules.size(); ++at)
-        if (m_rules[at].thing == RedactedThing::picture && m_rules[at].what == digits)
-            meet(at);
-}
-
-RedactionRules Redactor::unmet() const {
-    RedactionRules rules;
-    for (std::size_t at = 0; at < m_rules.size(); ++at)
-        if (!m_met[at])
-            rules.push_back(m_rules[at]);
-    return rules;
 }
 
 } // namespace nv
