@@ -50,7 +50,8 @@ TEST_F(CaseReportCliTest, aCaseReportIsHandedOver) {
     EXPECT_EQ(report().exit, 1); // the folder is not empty
     EXPECT_EQ(report({"--overwrite"}).exit, 0);
     EXPECT_FALSE(fs::exists(out / "cards-1.htm"));
-    EXPECT_THAT(cli({"trail", project}).out, HasSubstr("Case report of 3 rows"));
+    EXPECT_THAT(cli({"trail", project, "--format", "jsonl"}).out,
+                HasSubstr("Case report of 3 rows"));
 }
 
 TEST_F(CaseReportCliTest, missingEvidenceIsNoSuccess) {

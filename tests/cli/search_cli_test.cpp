@@ -296,7 +296,7 @@ TEST_F(SearchCliTest, datesGoByTheZoneOfTheProject) {
     for (std::size_t at = 0; at < dates.size(); ++at)
         index.add({.url = fmt::format("Visited: ada@http://n{}.example/", at + 1),
                    .secondDate = dates.at(at)});
-    const auto file = folder.write("night/index.dat", index.bytes());
+    const auto file = folder.write("night/History.IE5/index.dat", index.bytes());
     const auto found = [&](const char *zone) {
         project = (folder.path() / fmt::format("{}.nvp", std::string(zone).substr(0, 3))).string();
         EXPECT_EQ(cli({"import", project, file.parent_path().string(), "--zone", zone}).exit, 0);
@@ -309,9 +309,10 @@ TEST_F(SearchCliTest, datesGoByTheZoneOfTheProject) {
     EXPECT_EQ(ids("-before:2011-03-28"), "4");
     EXPECT_THAT(search("before:2011-03-28", {"--keep", "Night"}).err,
                 HasSubstr("before: and after: go by the clock of Europe/Berlin\n"));
-    EXPECT_THAT(cli({"results", project}).out,
+    EXPECT_THAT(cli({"results", project, "--format", "csv"}).out,
                 HasSubstr("before:2011-03-28 [dates by Europe/Berlin]"));
-    EXPECT_THAT(cli({"trail", project}).out, HasSubstr("[dates by Europe/Berlin]"));
+    EXPECT_THAT(cli({"trail", project, "--format", "jsonl"}).out,
+                HasSubstr("[dates by Europe/Berlin]"));
     EXPECT_THAT(search("example").err, Not(HasSubstr("clock of"))) << "no date was asked for";
 }
 
