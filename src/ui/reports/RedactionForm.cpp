@@ -12,6 +12,7 @@
 #include <QPushButton>
 
 #include <algorithm>
+#include <chrono>
 #include <utility>
 
 namespace nv {
