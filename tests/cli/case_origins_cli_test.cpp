@@ -111,7 +111,7 @@ TEST_F(CaseOriginsCliTest, whatIsRedactedStandsInNoFormInIt) {
     const CliResult run = report({"--blur", "host=quay.example", "--leave-out", "host=gone.example",
                                   "--blur", "value=host.example", "--blur", "person=mara", "--blur",
                                   "value=application/json", "--trail"});
-    ASSERT_EQ(run.exit, 2) << "gone.example is nowhere: " << run.err;
+    ASSERT_EQ(run.exit, 0) << run.err;
     EXPECT_TRUE(fs::exists(out / "origins-1.htm"));
     for (const char *word :
          {"quay.example", "host.example", "gone.example", "application/json", "mara"})

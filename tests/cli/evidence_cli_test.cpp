@@ -232,9 +232,9 @@ TEST_F(EvidenceCliTest, whatCantBeReadStandsInSummaryJsonAndTrail) {
     EXPECT_EQ(summary["links_not_followed"], 1);
     EXPECT_EQ(summary["totals"]["rows"], 1);
     const json entries = trail();
-    ASSERT_EQ(entries.size(), 8u); // each import has one for its end
-    EXPECT_EQ(entries[2]["Action"], "Not Readable");
-    EXPECT_EQ(entries[2]["FilePath"], file.string());
+    ASSERT_EQ(entries.size(), 10u); // each import has one for its begin and one for its end
+    EXPECT_EQ(entries[3]["Action"], "Not Readable");
+    EXPECT_EQ(entries[3]["FilePath"], file.string());
     fs::permissions(evidence / "closed", fs::perms::owner_all);
     EXPECT_EQ(cli({"verify", project}).exit, 0) << "there is nothing to compare it with";
 }
@@ -291,7 +291,7 @@ TEST_F(EvidenceCliTest, aNamedFileWhoseReadingFailsIsNoWrongUsage) {
     EXPECT_EQ(run.exit, 2);
     EXPECT_THAT(run.out, HasSubstr("Input/output error"));
     EXPECT_THAT(run.err, Not(HasSubstr("is not known as an artefact")));
-    EXPECT_EQ(trail().size(), 2u);
+    EXPECT_EQ(trail().size(), 3u);
 }
 
 TEST_F(EvidenceCliTest, aNamedPathThatCantBeReachedStopsNoOther) {

@@ -72,6 +72,8 @@ TEST_F(FullDiskCli, ofTheProjectIsNamedAtWhateverStepOfAnImport) {
     int ended = 0;
     CliResult run;
     for (std::size_t limit = 6 * kStep; limit < 50 * kStep; limit += kStep) {
+        for (const char *log : {"-wal", "-shm"}) // of the project of before
+            std::filesystem::remove(project + log);
         writeWhole(project, made);
         {
             const test::SmallFiles full(limit);
@@ -81,7 +83,7 @@ TEST_F(FullDiskCli, ofTheProjectIsNamedAtWhateverStepOfAnImport) {
             continue;
         ++ended;
         EXPECT_THAT(run.out, HasSubstr("The import ended: \"" + project + "\" on the disk \""))
-            << limit;
+            << limit << ": " << run.err;
     }
     EXPECT_EQ(run.exit, 0) << "there was room in the end";
     EXPECT_GT(ended, 0);

@@ -117,7 +117,7 @@ TEST_F(HashesBesideCliTest, aReportThatHandsAForgedBodyOverSaysSo) {
                                        row + "."));
     }
     const fs::path made = folder.path() / "case";
-    EXPECT_THAT(text(made / "cards-1.htm"), HasSubstr("The content is NOT what was imported"));
+    EXPECT_THAT(text(made / "ticked-1.htm"), HasSubstr("The content is NOT what was imported"));
     EXPECT_THAT(text(made / "index.htm"), HasSubstr("1 card with content that is NOT"));
     EXPECT_EQ(report("tabular").exit, 0) << "it holds no content";
 }

@@ -132,7 +132,9 @@ TEST_F(HostileTest, linksAndPipesDontLeadAway) {
     fs::create_directory_symlink(folder.path(), folder.path() / "evidence" / "loop");
     fs::create_symlink("/etc/passwd", folder.path() / "evidence" / "index2.dat");
     ASSERT_EQ(::mkfifo((folder.path() / "evidence" / "index3.dat").c_str(), 0600), 0);
-    EXPECT_EQ(importAll(0)["totals"]["rows"], 1);
+    const json summary = importAll(2); // nothing beside a browser makes a pipe of such a name
+    EXPECT_EQ(summary["totals"]["rows"], 1);
+    EXPECT_EQ(summary["unreadable"].size(), 1u);
 }
 
 } // namespace

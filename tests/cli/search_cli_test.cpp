@@ -306,7 +306,7 @@ TEST_F(SearchCliTest, datesGoByTheZoneOfTheProject) {
     EXPECT_THAT(search("after:2011-03-27").err, HasSubstr("by the clock of UTC\n"));
     EXPECT_EQ(found("Europe/Berlin"), "1 2 3");
     EXPECT_EQ(ids("after:2011-03-27T02:30"), "3 4") << "an hour that wasn't there";
-    EXPECT_EQ(ids("-before:2011-03-28"), "4");
+    EXPECT_EQ(ids("kind:history -before:2011-03-28"), "4");
     EXPECT_THAT(search("before:2011-03-28", {"--keep", "Night"}).err,
                 HasSubstr("before: and after: go by the clock of Europe/Berlin\n"));
     EXPECT_THAT(cli({"results", project, "--format", "csv"}).out,

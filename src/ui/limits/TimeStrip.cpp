@@ -145,7 +145,10 @@ void TimeStrip::zoom(double factor, std::int64_t around, int x) {
     if (now && *now != barAt(x)) {
         const std::int64_t off =
             m_bars.spanOf(*now, *now).begin - m_bars.spanOf(barAt(x), barAt(x)).begin;
+        const TimeSpan unmoved = m_shown;
         showSpan({m_shown.begin + off, m_shown.end + off});
+        if (!m_shown.holds(around)) // a bar may be wider than what is shown
+            showSpan(unmoved);
     }
 }
 

@@ -2,6 +2,7 @@
 
 #include "platform/qt/QtText.h"
 #include "ui/table/TagPills.h"
+#include "ui/table/TickCell.h"
 #include "ui/widgets/PinnedHeader.h"
 
 #include <QGuiApplication>
@@ -39,6 +40,7 @@ UrlGrid::UrlGrid(UrlModel &model, QWidget *parent)
     verticalHeader()->hide();
     verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
     verticalHeader()->setDefaultSectionSize(fontMetrics().height() + kRowPadding);
+    setItemDelegateForColumn(UrlModel::sectionOf(UrlColumn::Tag), new TickCell(this));
     setItemDelegateForColumn(UrlModel::sectionOf(UrlColumn::TagNames), new TagPills(m_model, this));
     setUpHeader();
     connectHeader();
