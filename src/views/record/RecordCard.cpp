@@ -67,13 +67,13 @@ class CardMaker {
     RecordCard card() {
         m_card.address = m_row.text("URL");
         m_card.title = title();
-        add("Raw address", rawAddress());
         addDates();
         addOrigin();
         add("Kind", kind());
         add("Status", status());
         add("Searched for", searchedFor());
         add("Visits", visits());
+        add("Raw address", rawAddress());
         add("Content", content());
         addSource();
         addHashes();
@@ -99,10 +99,24 @@ class CardMaker {
     }
 
     /// Where it says more than the address with its escapes: that one is cleaned up, and of some
-    /// schemes only a part.
+    /// schemes only a part. A cache's key is the whole address behind marks of the cache's own.
     std::string rawAddress() const {
         std::string raw = m_row.text("URLRawValue");
-        return raw == m_card.address || percentDecode(raw) == m_card.address ? std::string() : raw;
+        const std::string decoded = percentDecode(raw);
+        if (!decoded.ends_with(m_card.address))
+            return raw == m_card.address ? std::string() : raw;
+        const auto head =
+            std::string_view(decoded).substr(0, decoded.size() - m_card.address.size());
+        const bool isKey =
+            groupOf(m_row.text("CacheType")) == RecordGroup::cache && !isScheme(head);
+        return isKey || head.empty() ? std::string() : raw;
+    }
+
+    /// "view-source:"
+    static bool isScheme(std::string_view head) {
+        return head.ends_with(':') && std::ranges::all_of(head, [](char c) {
+                   return (c >= 'a' && c <= 'z') || c == '-' || c == ':';
+               });
     }
 
     std::string utcText(Date date) const {

@@ -164,11 +164,15 @@ TEST_F(RecordCardTest, whatWasSearchedForIsTold) {
 }
 
 TEST_F(RecordCardTest, theAddressOfTheArtefactIsToldWhereItSaysMore) {
-    const auto rawOf = [this](const std::string &url, const std::string &raw) {
-        return load(add({{"URL", url}, {"URLRawValue", raw}})).line("Raw address");
+    const auto rawOf = [this](const std::string &url, const std::string &raw,
+                              const char *kind = "Chrome History") {
+        return load(add({{"URL", url}, {"URLRawValue", raw}, {"CacheType", kind}}))
+            .line("Raw address");
     };
     EXPECT_EQ(rawOf("ann.example", "mailto:ann@ann.example"), "mailto:ann@ann.example");
     EXPECT_EQ(rawOf("http://a/", "view-source:http://a/"), "view-source:http://a/");
+    EXPECT_EQ(rawOf("http://a/b", "1/0/_dk_http://a http://a http://a/b", "Chrome Cache"), "");
+    EXPECT_EQ(rawOf("http://a/", "view-source:http://a/", "IE Cache"), "view-source:http://a/");
     EXPECT_EQ(rawOf("http://a/b c", "http://a/b%20c"), "") << "only its escapes are undone";
     EXPECT_EQ(rawOf("http://a/", "http://a/"), "");
     EXPECT_EQ(rawOf("http://a/", ""), "");
