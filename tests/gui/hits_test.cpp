@@ -28,6 +28,9 @@ namespace nv {
 using namespace test;
 using namespace std::string_literals;
 
+/// The browser engine goes from hit to hit in a program of its own.
+constexpr int kEngine = 20'000; // milliseconds
+
 class HitsTest : public QObject {
     Q_OBJECT
 
@@ -116,29 +119,29 @@ int HitsTest::marked(QWidget &widget, const QColor &ground) {
 void HitsTest::aPageIsMarkedAndGoneThrough() {
     search(QStringLiteral("tide"));
     show(1, "BrowserPane");
-    QTRY_COMPARE_WITH_TIMEOUT(count(), QStringLiteral("Hit 1 of 3 in Browser"), 20'000);
+    QTRY_COMPARE_WITH_TIMEOUT(count(), QStringLiteral("Hit 1 of 3 in Browser"), kEngine);
     next();
-    QTRY_COMPARE(count(), QStringLiteral("Hit 2 of 3 in Browser"));
+    QTRY_COMPARE_WITH_TIMEOUT(count(), QStringLiteral("Hit 2 of 3 in Browser"), kEngine);
     next();
-    QTRY_COMPARE(count(), QStringLiteral("Hit 3 of 3 in Browser"));
+    QTRY_COMPARE_WITH_TIMEOUT(count(), QStringLiteral("Hit 3 of 3 in Browser"), kEngine);
     previous();
-    QTRY_COMPARE(count(), QStringLiteral("Hit 2 of 3 in Browser"));
+    QTRY_COMPARE_WITH_TIMEOUT(count(), QStringLiteral("Hit 2 of 3 in Browser"), kEngine);
     QCOMPARE(number(*grid().currentUrl()), 1);
 }
 
 void HitsTest::everySpellingInAPageIsGoneThrough() {
     search(QStringLiteral("/ebb-[0-9]+/ low"));
     show(1, "BrowserPane");
-    QTRY_COMPARE_WITH_TIMEOUT(count(), QStringLiteral("Hit 1 of 4 in Browser"), 20'000);
+    QTRY_COMPARE_WITH_TIMEOUT(count(), QStringLiteral("Hit 1 of 4 in Browser"), kEngine);
     for (int hit = 2; hit <= 4; ++hit) {
         next();
-        QTRY_VERIFY2(count().startsWith(QStringLiteral("Hit %1 of 4").arg(hit)),
-                     qPrintable(count()));
+        QTRY_VERIFY2_WITH_TIMEOUT(count().startsWith(QStringLiteral("Hit %1 of 4").arg(hit)),
+                                  qPrintable(count()), kEngine);
     }
     for (int hit = 3; hit >= 1; --hit) {
         previous();
-        QTRY_VERIFY2(!count().startsWith(QStringLiteral("Hit %1 of 4").arg(hit + 1)),
-                     qPrintable(count()));
+        QTRY_VERIFY2_WITH_TIMEOUT(!count().startsWith(QStringLiteral("Hit %1 of 4").arg(hit + 1)),
+                                  qPrintable(count()), kEngine);
     }
 }
 
