@@ -20,7 +20,6 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <iterator>
 #include <set>
 #include <stdexcept>
 #include <utility>

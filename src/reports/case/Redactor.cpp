@@ -6,8 +6,6 @@
 #include "reports/case/CodedText.h"
 #include "reports/case/PackedTexts.h"
 
-#include <fmt/format.h>
-
 #include <algorithm>
 #include <functional>
 #include <map>

@@ -5,14 +5,12 @@
 #include "app/jobs/Trail.h"
 #include "app/messages/Messages.h"
 #include "app/messages/ReportMessages.h"
-#include "app/project/EvidenceFolders.h"
 #include "app/settings/Settings.h"
 #include "base/Files.h"
 #include "base/Text.h"
 #include "base/Trap.h"
 #include "platform/qt/QtText.h"
 #include "reports/case/RedactionNotes.h"
-#include "reports/report/PublishReport.h"
 #include "time/DateFormat.h"
 #include "ui/frame/WorkProgress.h"
 #include "ui/reports/ReportForm.h"
@@ -22,10 +20,8 @@
 
 #include <QAction>
 #include <QApplication>
-#include <QDesktopServices>
 #include <QMainWindow>
 #include <QStatusBar>
-#include <QUrl>
 #include <fmt/format.h>
 #include <fmt/ranges.h>
 
